@@ -1,0 +1,159 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <memory>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "tovalin/error.h"
+#include "tovalin/text.h"
+
+namespace tovalin {
+
+/// The list under Collection and Campos: items in order, some of them with a key
+/// that is compared without regard to case. Positions count from 0 here.
+///
+/// Look-up by position and by key and work at the end take constant time;
+/// insertion and removal elsewhere move the items behind. Without keys it is one
+/// vector. With keys, a hash table leads from a key to its node, each item points
+/// to its node, and the node holds the item's present position, so that a shift
+/// only renumbers nodes and never hashes again.
+template <class T>
+class KeyedList {
+ public:
+  /// A walk that stays right while the list changes: an item inserted behind the
+  /// present one is met, one inserted before it is not, a removed one is not met
+  /// any more, none is met twice. The walk ends when the list does.
+  class Cursor {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = T;
+    using difference_type = std::ptrdiff_t;
+
+    explicit Cursor(const KeyedList& list) : list_(&list), next_(list.cursors_) {
+      list.cursors_ = this;
+    }
+    Cursor(const Cursor&) = delete;
+    Cursor& operator=(const Cursor&) = delete;
+    ~Cursor() {
+      if (!list_) return;
+      Cursor** link = &list_->cursors_;
+      while (*link != this) link = &(*link)->next_;
+      *link = next_;
+    }
+    /// A copy of the item: it stays valid whatever happens to the list. Empty
+    /// when the present item was removed.
+    T operator*() const { return AtEnd() || removed_ ? T() : list_->items_[position_]; }
+    Cursor& operator++() {
+      if (!removed_) ++position_;
+      removed_ = false;
+      return *this;
+    }
+    void operator++(int) { ++*this; }
+    bool operator==(std::default_sentinel_t) const { return AtEnd(); }
+
+   private:
+    friend class KeyedList;
+    bool AtEnd() const { return !list_ || (position_ >= list_->items_.size() && !removed_); }
+
+    const KeyedList* list_;
+    Cursor* next_;
+    std::size_t position_ = 0;
+    bool removed_ = false;  // the present item is gone; the next one stands in its place
+  };
+
+  static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
+
+  KeyedList() = default;
+  KeyedList(const KeyedList&) = delete;
+  KeyedList& operator=(const KeyedList&) = delete;
+  ~KeyedList() {
+    for (Cursor* cursor = cursors_; cursor; cursor = cursor->next_) cursor->list_ = nullptr;
+  }
+
+  std::size_t Size() const { return items_.size(); }
+  T& operator[](std::size_t position) { return items_[position]; }
+  const T& operator[](std::size_t position) const { return items_[position]; }
+  std::vector<T>& Items() { return items_; }
+  const std::vector<T>& Items() const { return items_; }
+  bool HasKeys() const { return index_ != nullptr; }
+
+  std::size_t Find(TextView key) const {
+    if (!index_) return kNotFound;
+    auto found = index_->positions.find(key);
+    return found == index_->positions.end() ? kNotFound : found->second;
+  }
+
+  /// The key of the item at `position`, empty when it has none.
+  TextView Key(std::size_t position) const {
+    const Node* node = index_ ? index_->nodes[position] : nullptr;
+    return node ? TextView(node->first) : TextView();
+  }
+
+  void Append(T item) {
+    items_.push_back(std::move(item));
+    if (index_) index_->nodes.push_back(nullptr);
+  }
+
+  /// Raises 457, and changes nothing, when the key is there already.
+  void Insert(std::size_t position, T item, const TextView* key) {
+    if (key && Find(*key) != kNotFound) Raise(Failure::DuplicateKey);
+    if (key && !index_) {
+      index_ = std::make_unique<Index>();
+      index_->nodes.resize(items_.size());
+    }
+    const auto offset = static_cast<std::ptrdiff_t>(position);
+    items_.insert(items_.begin() + offset, std::move(item));
+    if (index_) {
+      Node* node = key ? &*index_->positions.emplace(Text(*key), position).first : nullptr;
+      index_->nodes.insert(index_->nodes.begin() + offset, node);
+      Renumber(position + 1);
+    }
+    for (Cursor* cursor = cursors_; cursor; cursor = cursor->next_)
+      if (position < cursor->position_ || (position == cursor->position_ && !cursor->removed_))
+        ++cursor->position_;
+  }
+
+  void Remove(std::size_t position) {
+    const auto offset = static_cast<std::ptrdiff_t>(position);
+    // The item dies last: its destructor may lead back into this list.
+    T item = std::move(items_[position]);
+    items_.erase(items_.begin() + offset);
+    if (index_) {
+      Node* node = index_->nodes[position];
+      index_->nodes.erase(index_->nodes.begin() + offset);
+      if (node) index_->positions.erase(index_->positions.find(TextView(node->first)));
+      Renumber(position);
+    }
+    for (Cursor* cursor = cursors_; cursor; cursor = cursor->next_) {
+      if (position < cursor->position_)
+        --cursor->position_;
+      else if (position == cursor->position_)
+        cursor->removed_ = true;
+    }
+  }
+
+  Cursor begin() const { return Cursor(*this); }
+  std::default_sentinel_t end() const { return {}; }
+
+ private:
+  using Positions = std::unordered_map<Text, std::size_t, FoldedHash, FoldedEqual>;
+  using Node = typename Positions::value_type;
+  struct Index {
+    Positions positions;
+    std::vector<Node*> nodes;  // one for each item, null without a key
+  };
+
+  void Renumber(std::size_t from) {
+    for (std::size_t i = from; i < index_->nodes.size(); ++i)
+      if (index_->nodes[i]) index_->nodes[i]->second = i;
+  }
+
+  std::vector<T> items_;
+  std::unique_ptr<Index> index_;
+  mutable Cursor* cursors_ = nullptr;
+};
+
+}  // namespace tovalin
