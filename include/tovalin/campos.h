@@ -39,7 +39,6 @@ class TOVALIN_API Campo : public Object {
 
   Campo() = default;
   explicit Campo(Text name) : name_(std::move(name)) {}
-  ~Campo() override;
   const ClassInfo& Class() const override;
   /// A record with the same attributes that belongs to no table.
   Ref<Campo> Copy() const;
@@ -63,6 +62,7 @@ class TOVALIN_API Campo : public Object {
   /// The formula that gives a formula variable its value, empty for any other.
   const Text& Formula() const { return formula_; }
   void LetFormula(const Text& Formula);
+  bool HasFormula() const { return has_formula_; }
   /// The bare word of a function.
   const Text& SourceName() const { return source_name_; }
   void LetSourceName(const Text& SourceName) { source_name_ = SourceName; }
@@ -85,6 +85,7 @@ class TOVALIN_API Campo : public Object {
   Variant value_;
   Text description_;
   Text formula_;
+  bool has_formula_ = false;  // more than blanks
   Text source_name_;
   Text sintax_;
   Variant direction_;

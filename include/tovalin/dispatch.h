@@ -285,9 +285,7 @@ template <class P>
 struct EventArgument {
   using Value = std::remove_cvref_t<P>;
   explicit EventArgument(P argument) : argument(argument), value(argument) {}
-  Variant Pass() {
-    return Argument<P>::kByReference ? Variant::ByReference(value) : value;
-  }
+  Variant Pass() { return Argument<P>::kByReference ? Variant::ByReference(value) : value; }
   void CarryBack() {
     if constexpr (Argument<P>::kByReference) argument = TypeOf<Value>::From(value);
   }
@@ -331,7 +329,8 @@ struct EventShapeOf<Event<P...> C::*> : EventShape<C, P...> {};
 
 /// The row of an event, from the C++ member that holds its handlers.
 template <auto kEvent>
-consteval EventInfo DescribeEvent(int id, TextView name, std::initializer_list<TextView> parameters) {
+consteval EventInfo DescribeEvent(int id, TextView name,
+                                  std::initializer_list<TextView> parameters) {
   using Shape = dispatch::EventShapeOf<decltype(kEvent)>;
   if (parameters.size() != Shape::kCount) throw "the table and the C++ event differ";
   EventInfo info;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <span>
+#include <vector>
 
 #include "tovalin/api.h"
 #include "tovalin/dispatch.h"
@@ -13,6 +13,6 @@ namespace tovalin {
 TOVALIN_API Ref<Object> CreateObject(TextView class_name);
 
 /// The descriptions of every class that CreateObject makes.
-TOVALIN_API std::span<const ClassInfo* const> Classes();
+TOVALIN_API std::vector<const ClassInfo*> Classes();
 
 }  // namespace tovalin

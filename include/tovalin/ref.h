@@ -37,8 +37,8 @@ class Ref {
   Ref(const Ref& other) : target_(other.target_) { Retain(); }
   Ref(Ref&& other) noexcept : target_(std::exchange(other.target_, nullptr)) {}
   template <class U>
-    requires std::convertible_to<U*, T*>
-  Ref(Ref<U> other) noexcept : target_(std::exchange(other.target_, nullptr)) {}
+  requires std::convertible_to<U*, T*> Ref(Ref<U> other)
+  noexcept : target_(std::exchange(other.target_, nullptr)) {}
   ~Ref() { Drop(); }
 
   Ref& operator=(Ref other) noexcept {

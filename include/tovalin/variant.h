@@ -21,19 +21,19 @@ namespace tovalin {
 enum class Subtype : std::uint16_t {
   Empty = 0,
   Null = 1,
-  Integer = 2,    // 16-bit signed
-  Long = 3,       // 32-bit signed
-  Single = 4,     // 32-bit float
-  Double = 5,     // 64-bit float
-  Currency = 6,   // 64-bit fixed point, four decimals
-  Date = 7,       // day count
-  String = 8,     // counted 16-bit text
-  Object = 9,     // a reference to an Object, or to none
-  Error = 10,     // an error code; kMissing stands for an omitted argument
-  Boolean = 11,   // True is -1, False is 0
-  Variant = 12,   // only in descriptions: a parameter that takes any subtype
-  Byte = 17,      // 8-bit unsigned
-  Array = 8204,   // Variants in two dimensions: kArrayFlag + Variant
+  Integer = 2,   // 16-bit signed
+  Long = 3,      // 32-bit signed
+  Single = 4,    // 32-bit float
+  Double = 5,    // 64-bit float
+  Currency = 6,  // 64-bit fixed point, four decimals
+  Date = 7,      // day count
+  String = 8,    // counted 16-bit text
+  Object = 9,    // a reference to an Object, or to none
+  Error = 10,    // an error code; kMissing stands for an omitted argument
+  Boolean = 11,  // True is -1, False is 0
+  Variant = 12,  // only in descriptions: a parameter that takes any subtype
+  Byte = 17,     // 8-bit unsigned
+  Array = 8204,  // Variants in two dimensions: kArrayFlag + Variant
 };
 
 inline constexpr std::uint16_t kArrayFlag = 8192;

@@ -1,0 +1,41 @@
+# shellcheck shell=bash
+# Sourced by the scripts of this repository: what each job needs from Debian,
+# and how everything is configured.
+
+declare -A packages=(
+  [build]="g++ cmake ninja-build libcli11-dev libcsv-dev"
+  [test]="libgtest-dev libgmock-dev pkgconf"
+  [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix"
+  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"
+  [bench]="libbenchmark-dev libmuparser-dev liblua5.4-dev pkgconf"
+  [format]="git clang-format-14"
+)
+
+# need JOB...: installs the packages of these jobs that are missing. The index is
+# fetched only then: a machine that has everything needs no network.
+need() {
+  local job package missing=() as_root=()
+  for job; do
+    for package in ${packages[$job]}; do
+      [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed ]] ||
+        missing+=("$package")
+    done
+  done
+  ((${#missing[@]})) || return 0
+  ((EUID == 0)) || as_root=(sudo)
+  {
+    "${as_root[@]}" apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y -q --no-install-recommends "${missing[@]}"
+  } >&2
+}
+
+# configure DIRECTORY OPTION...
+configure() {
+  local directory=$1 launcher=()
+  shift
+  if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
+  # From the environment the generator is a default only: a directory that was
+  # configured by hand keeps its own.
+  CMAKE_GENERATOR=Ninja cmake -S . -B "$directory" "${launcher[@]}" "$@"
+}

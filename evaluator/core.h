@@ -1,0 +1,31 @@
+#pragma once
+
+#include "evaluator/engine.h"
+#include "evaluator/plan_store.h"
+#include "evaluator/symbols.h"
+#include "evaluator/trace.h"
+#include "tovalin/evaluador.h"
+
+namespace tovalin {
+
+/// What an Evaluador holds.
+class Evaluador::Core {
+ public:
+  explicit Core(Evaluador& owner) : plans(symbols), engine(owner, symbols, plans, close_stack) {}
+
+  Symbols symbols;
+  PlanStore plans;
+  bool close_stack = false;
+  Text description;
+  Text expression;
+  Engine engine;
+  Trace trace;
+
+  /// The plan of what a host wants evaluated: a formula text, or a postfix
+  /// Collection, whose items are looked up as they are.
+  Ref<Plan> PlanOf(const Variant& expression, const Ref<Campos>& locals);
+  /// The tokens of a formula text of a host.
+  TokenList FormulaTokens(const Text& formula);
+};
+
+}  // namespace tovalin

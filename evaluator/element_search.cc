@@ -1,0 +1,133 @@
+#include "evaluator/element_search.h"
+
+#include <limits>
+
+#include "evaluator/builtins.h"
+
+namespace tovalin {
+namespace {
+
+bool IsLetter(char16_t c) { return FoldCase(c) >= u'a' && FoldCase(c) <= u'z'; }
+
+// Word operators are searched with a blank on each side, so that a name that
+// contains their letters is not split.
+bool IsWord(TextView literal) { return IsLetter(literal.front()); }
+
+TokenKind SeparatorKind(char16_t c) {
+  return c == u'(' ? TokenKind::Open : c == u')' ? TokenKind::Close : TokenKind::Comma;
+}
+
+}  // namespace
+
+const Builtin* BuiltinOf(TextView function_name) {
+  if (!function_name.empty() && function_name.back() == u'(') function_name.remove_suffix(1);
+  return FindBuiltin(ToUpper(function_name));
+}
+
+void ElementSearch::Build(const Symbols& symbols) {
+  elements_.clear();
+  words_.clear();
+  nodes_.assign(1, Node());
+  root_.fill(0);
+  for (std::size_t c = 0; c < kDirect; ++c) fold_[c] = FoldCase(static_cast<char16_t>(c));
+  for (const Ref<Campo>& record : symbols.operators->List().Items()) {
+    const TextView literal = Trim(record->Name());
+    if (literal.empty()) continue;
+    if (IsWord(literal)) {
+      words_.push_back(record.get());
+      Add(Text(u" ").append(literal).append(u" "),
+          {TokenKind::Operator, record.get(), nullptr, true});
+    } else {
+      Add(literal, {TokenKind::Operator, record.get()});
+    }
+  }
+  for (TextView separators = u"(),"; !separators.empty(); separators.remove_prefix(1))
+    Add(separators.substr(0, 1), {SeparatorKind(separators[0])});
+  for (const Ref<Campo>& record : symbols.functions->List().Items())
+    if (const TextView name = Trim(record->Name()); !name.empty())
+      Add(name, {TokenKind::Function, record.get(), BuiltinOf(name)});
+  LinkSuffixes();
+}
+
+// The first element of a spelling keeps it: operators win over functions.
+void ElementSearch::Add(TextView pattern, Element element) {
+  if (elements_.size() >= std::numeric_limits<std::uint16_t>::max()) Raise(Failure::OutOfMemory);
+  std::uint32_t node = 0;
+  for (char16_t raw : pattern) {
+    const char16_t c = FoldCase(raw);
+    std::uint32_t child = Child(node, c);
+    if (child == 0) {
+      child = static_cast<std::uint32_t>(nodes_.size());
+      nodes_.push_back({c, 0, 0, nodes_[node].first_child, 0, nodes_[node].depth + 1});
+      nodes_[node].first_child = child;
+      if (node == 0 && c < kDirect) root_[c] = child;
+    }
+    node = child;
+  }
+  if (nodes_[node].element != 0) return;
+  element.length = static_cast<std::uint32_t>(pattern.size());
+  elements_.push_back(element);
+  nodes_[node].element = static_cast<std::uint16_t>(elements_.size());
+}
+
+// Breadth first, so that a node's suffix is finished before the node is.
+void ElementSearch::LinkSuffixes() {
+  std::vector<std::uint32_t> queue;
+  for (std::uint32_t child = nodes_[0].first_child; child; child = nodes_[child].next_sibling)
+    queue.push_back(child);
+  for (std::size_t next = 0; next < queue.size(); ++next) {
+    const std::uint32_t parent = queue[next];
+    for (std::uint32_t child = nodes_[parent].first_child; child;
+         child = nodes_[child].next_sibling) {
+      Node& node = nodes_[child];
+      node.suffix = Step(nodes_[parent].suffix, node.character);
+      if (node.element == 0) node.element = nodes_[node.suffix].element;
+      queue.push_back(child);
+    }
+  }
+}
+
+std::uint32_t ElementSearch::Child(std::uint32_t node, char16_t c) const {
+  if (node == 0 && c < kDirect) return root_[c];
+  std::uint32_t child = nodes_[node].first_child;
+  while (child && nodes_[child].character != c) child = nodes_[child].next_sibling;
+  return child;
+}
+
+std::uint32_t ElementSearch::Step(std::uint32_t node, char16_t c) const {
+  for (;;) {
+    const std::uint32_t child = Child(node, c);
+    if (child != 0 || node == 0) return child;
+    node = nodes_[node].suffix;
+  }
+}
+
+std::optional<ElementSearch::Match> ElementSearch::Find(TextView text, std::size_t from) const {
+  const Element* best = nullptr;
+  std::size_t best_start = 0;
+  std::uint32_t node = 0;
+  for (std::size_t i = from; i < text.size(); ++i) {
+    const char16_t c = text[i];
+    node = Step(node, c < kDirect ? fold_[c] : FoldCase(c));
+    const Node& here = nodes_[node];
+    // What is being matched now starts too late to beat what was found.
+    if (best && i + 1 - here.depth > best_start) break;
+    if (here.element == 0) continue;
+    const Element& element = elements_[here.element - 1u];
+    const std::size_t start = i + 1 - element.length;
+    if (!best || start <= best_start) {
+      best = &element;
+      best_start = start;
+    }
+  }
+  if (!best) return std::nullopt;
+  return Match{best_start, best->length, best->kind, best->record, best->builtin, best->is_word};
+}
+
+Campo* ElementSearch::FindWord(TextView name) const {
+  for (Campo* word : words_)
+    if (EqualFolded(word->Name(), name)) return word;
+  return nullptr;
+}
+
+}  // namespace tovalin

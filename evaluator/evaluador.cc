@@ -1,0 +1,193 @@
+#include "tovalin/evaluador.h"
+
+#include "evaluator/core.h"
+#include "evaluator/infix_check.h"
+#include "evaluator/tokenizer.h"
+#include "frame/clock.h"
+#include "tovalin/convert.h"
+
+// The members of Evaluador that check, convert and evaluate formulas.
+
+namespace tovalin {
+namespace {
+
+// The local variables of a call; a host that gave none gets an empty table.
+Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
+  if (!local_variables) return nullptr;
+  if (!*local_variables) *local_variables = Make<Campos>();
+  return *local_variables;
+}
+
+// Spans of faults count from 1 for hosts.
+Ref<Collection> FaultRecord(const FaultReport& report, const Fault& fault) {
+  auto record = Make<Collection>();
+  const auto add = [&](TextView key, Variant value) { record->Add(value, Variant(key)); };
+  add(u"Codigo", static_cast<std::int32_t>(fault.code));
+  add(u"Inicio", static_cast<std::int32_t>(fault.start + 1));
+  add(u"Largo", static_cast<std::int32_t>(fault.length));
+  add(u"Mensaje", fault.message);
+  add(u"Expresion", report.host_text);
+  return record;
+}
+
+void AppendNumbered(Text& lines, std::size_t number, TextView message) {
+  lines.append(FromUtf8(std::to_string(number))).append(u" - ").append(message).append(u"\r\n");
+}
+
+}  // namespace
+
+Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) { UseClock(SystemNow); }
+Evaluador::~Evaluador() = default;
+
+Text Evaluador::StringDelimiter() const { return core_->symbols.string_delimiter; }
+void Evaluador::LetStringDelimiter(const Text& NewValue) {
+  core_->symbols.string_delimiter = NewValue;
+  ++core_->symbols.replacements;
+}
+bool Evaluador::ClosePila() const { return core_->close_stack; }
+void Evaluador::LetClosePila(bool NewValue) { core_->close_stack = NewValue; }
+Text Evaluador::Description() const { return core_->description; }
+void Evaluador::LetDescription(const Text& NewValue) { core_->description = NewValue; }
+Text Evaluador::Expresion() const { return core_->expression; }
+void Evaluador::LetExpresion(const Text& NewValue) { core_->expression = NewValue; }
+
+Text Evaluador::LastError() const {
+  Text lines;
+  std::size_t number = 0;
+  for (const FaultReport& report : core_->engine.Reports())
+    for (const Fault& fault : report.faults) AppendNumbered(lines, ++number, fault.message);
+  return lines;
+}
+
+Ref<Collection> Evaluador::Errores() const {
+  auto records = Make<Collection>();
+  for (const FaultReport& report : core_->engine.Reports()) {
+    std::vector<Fault> faults = report.faults;
+    MoveSpansToHostText(faults, report.text, report.host_text);
+    for (const Fault& fault : faults) records->Add(FaultRecord(report, fault));
+  }
+  return records;
+}
+
+Ref<Collection> Evaluador::CheckInfijo(Text& rExpresion, Ref<Campos>* LocalVbles) {
+  const Ref<Campos> locals = LocalsOf(LocalVbles);
+  std::vector<FaultReport>& reports = core_->engine.Reports();
+  reports.clear();
+  Text formula = rExpresion;
+  StripCarriageReturns(formula);
+  TokenList list = core_->plans.Tokens(std::move(formula));
+  Text normalised = NormalisedExpression(list);
+  CheckTokens(list, core_->symbols, locals.get());
+  auto tokens = Make<Collection>();
+  if (list.faults.empty())
+    for (const Token& token : list.tokens) tokens->List().Append(list.Spelling(token));
+  else
+    reports.push_back({rExpresion, std::move(list.text), std::move(list.faults)});
+  rExpresion = std::move(normalised);
+  return tokens;
+}
+
+Text Evaluador::Posfijo(const Ref<Collection>& vcolInfijo, Ref<Collection>& rPosfijo,
+                        Ref<Campos>* LocalVbles) {
+  const Ref<Campos> locals = LocalsOf(LocalVbles);
+  TokenList list;
+  if (vcolInfijo)
+    for (const Variant& token : vcolInfijo->List().Items())
+      if (token.Is(Subtype::String))
+        AppendHostToken(list, token.AsText(), core_->plans.Elements(), core_->symbols);
+  for (Token& token : list.tokens)
+    if (token.kind == TokenKind::Name)
+      ResolveName(token, list.Span(token), core_->symbols, locals.get());
+  Plan plan;
+  ConvertToPostfix(list, plan);
+  plan.text = std::move(list.text);
+  const Ref<Collection> items = PostfixItems(plan);
+  if (rPosfijo)
+    for (const Variant& item : items->List().Items()) rPosfijo->List().Append(item);
+  else
+    rPosfijo = items;
+  return PostfixText(plan);
+}
+
+bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
+                                Ref<Campos>* LocalVbles) {
+  const Ref<Campos> locals = LocalsOf(LocalVbles);
+  // A handler may drop the host's last Ref on this object.
+  const bool may_vanish = Evaluate.HasHandlers() && references.Value() > 0;
+  const Ref<Object> alive = may_vanish ? Ref<Object>::Share(this) : nullptr;
+  Engine::Calculation calculation(core_->engine, locals);
+  const Ref<Plan> plan = core_->PlanOf(vExpresion, locals);
+  core_->trace.Begin(plan);
+  Engine::Outcome outcome = calculation.Walk(plan);
+  Result.Assign(std::move(outcome.value));
+  core_->trace.End(plan, Result.Value(), outcome.left);
+  return true;
+}
+
+Ref<Plan> Evaluador::Core::PlanOf(const Variant& expression, const Ref<Campos>& locals) {
+  if (expression.Is(Subtype::String)) {
+    engine.Reports().clear();
+    return engine.Prepare(expression.AsText(), locals);
+  }
+  if (!expression.Is(Subtype::Object)) {
+    engine.Reports().clear();
+    return engine.Prepare(ToText(expression), locals);
+  }
+  if (!expression.AsObject()) Raise(Failure::ObjectNotSet);
+  const Ref<Collection> items = expression.AsObject().As<Collection>();
+  if (!items) Raise(Failure::TypeMismatch);
+  auto plan = Make<Plan>();
+  for (const Variant& item : items->List().Items())
+    AppendHostItem(*plan, item, symbols, locals.get());
+  plan->trace_postfix = ToUtf8(PostfixText(*plan));
+  return plan;
+}
+
+void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes) {
+  if (formulas.size() != outcomes.size()) Raise(Failure::InvalidArgument);
+  Engine::Calculation calculation(core_->engine, nullptr);
+  std::vector<FaultReport>& reports = core_->engine.Reports();
+  reports.clear();
+  for (std::size_t i = 0; i < formulas.size(); ++i) {
+    const std::size_t reported = reports.size();
+    outcomes[i] = {};
+    try {
+      const Ref<Plan> plan = core_->engine.Prepare(formulas[i], nullptr);
+      core_->trace.Begin(plan);
+      Engine::Outcome outcome = calculation.Walk(plan);
+      core_->trace.End(plan, outcome.value, outcome.left);
+      outcomes[i].value = std::move(outcome.value);
+    } catch (const Error& error) {
+      outcomes[i].error = error;
+    }
+    std::size_t number = 0;
+    for (std::size_t r = reported; r < reports.size(); ++r)
+      for (const Fault& fault : reports[r].faults)
+        AppendNumbered(outcomes[i].faults, ++number, fault.message);
+  }
+}
+
+Variant Evaluador::LoadTopePila(Ref<Collection>& rPila) {
+  if (!rPila) Raise(Failure::ObjectNotSet);
+  KeyedList<Variant>& list = rPila->List();
+  if (!list.HasKeys()) return Pop(list.Items());
+  if (list.Size() == 0) return Variant();
+  ValueStack top{list[list.Size() - 1]};
+  list.Remove(list.Size() - 1);
+  return Pop(top);
+}
+
+void Evaluador::CalcularDependencias(const Text& Name) {
+  Campo* root = core_->symbols.variables->Find(Name);
+  if (!root) return;
+  Engine::Calculation calculation(core_->engine, nullptr);
+  calculation.ComputeDependants({Ref<Campo>::Share(root)});
+}
+
+void Evaluador::UseClock(std::function<Date()> clock) { core_->engine.UseClock(std::move(clock)); }
+
+void Evaluador::UseSettings(Ref<SettingsStore> settings) {
+  core_->trace.UseStore(std::move(settings));
+}
+
+}  // namespace tovalin

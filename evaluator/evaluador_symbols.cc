@@ -1,0 +1,144 @@
+#include "evaluator/core.h"
+#include "evaluator/text_helpers.h"
+#include "evaluator/vocabulary.h"
+
+// The members of Evaluador that read and write symbols.
+
+namespace tovalin {
+namespace {
+
+void Replace(Symbols& symbols, Ref<Campos>& table, const Ref<Campos>& replacement) {
+  if (!replacement) Raise(Failure::ObjectNotSet);
+  table = replacement;
+  ++symbols.replacements;
+}
+
+Campo& Existing(const Campos& table, const Text& name) {
+  Campo* record = table.Find(name);
+  if (!record) Raise(Failure::InvalidArgument);
+  return *record;
+}
+
+void SetIfFound(const Campos& table, const Text& name, const Variant& value) {
+  if (Campo* record = table.Find(name)) record->LetValue(value);
+}
+
+}  // namespace
+
+Ref<Campos> Evaluador::Functions() const { return core_->symbols.functions; }
+Ref<Campos> Evaluador::Variables() const { return core_->symbols.variables; }
+Ref<Campos> Evaluador::Constantes() const { return core_->symbols.constants; }
+Ref<Campos> Evaluador::Operadores() const { return core_->symbols.operators; }
+Ref<Collection> Evaluador::Separadores() const { return core_->symbols.separators; }
+Ref<Collection> Evaluador::CaracteresEspeciales() const {
+  return core_->symbols.special_characters;
+}
+
+void Evaluador::SetFunctions(const Ref<Campos>& NewValue) {
+  Replace(core_->symbols, core_->symbols.functions, NewValue);
+}
+void Evaluador::SetVariables(const Ref<Campos>& NewValue) {
+  Replace(core_->symbols, core_->symbols.variables, NewValue);
+}
+void Evaluador::SetConstantes(const Ref<Campos>& NewValue) {
+  Replace(core_->symbols, core_->symbols.constants, NewValue);
+}
+
+bool Evaluador::ExistVariable(const Text& Name) const {
+  return core_->symbols.Find(Name) != nullptr;
+}
+bool Evaluador::Existconstante(const Text& Name) const { return ExistVariable(Name); }
+
+Variant Evaluador::GetVariable(const Text& Name, const Variant& Default) const {
+  const Campo* record = core_->symbols.Find(Name);
+  return record ? record->Value() : Default.Value();
+}
+Variant Evaluador::GetVariableDB(const Text& Name, const Variant& Default) const {
+  return GetVariable(Name, Default);
+}
+
+std::int32_t Evaluador::GetDataType(const Text& Name) const {
+  const Campo* record = core_->symbols.Find(Name);
+  return record ? record->DataType() : std::int32_t{kNumeric};
+}
+
+Variant Evaluador::GetConstante(const Text& Name, const Variant& Default) const {
+  const Campo* record = core_->symbols.constants->Find(Name);
+  return record ? record->Value() : Default.Value();
+}
+
+void Evaluador::SetVariable(const Text& Name, const Variant& NewValue) {
+  SetIfFound(*core_->symbols.variables, Name, NewValue);
+}
+void Evaluador::SetConstante(const Text& Name, const Variant& NewValue) {
+  SetIfFound(*core_->symbols.constants, Name, NewValue);
+}
+
+void Evaluador::ChangeVble(double vValue, const Text& Name) {
+  Existing(*core_->symbols.variables, Name).LetValue(vValue);
+}
+
+void Evaluador::Direction(const Variant& vDirection) {
+  for (const Campos* table : {core_->symbols.variables.get(), core_->symbols.constants.get()})
+    for (const Ref<Campo>& record : table->List().Items()) record->LetDirection(vDirection);
+}
+
+void Evaluador::NewVble(const Text& Name, const Variant& Value, const Text& Description,
+                        std::int32_t vDataType, const Text& oFormula) {
+  core_->symbols.Validate(Name);
+  core_->symbols.variables->Add(MakeSymbol(Name, Value, Description, vDataType, oFormula));
+}
+void Evaluador::AddVble(const Text& Name, const Variant& Value, const Text& Description,
+                        std::int32_t vDataType, const Text& oFormula) {
+  NewVble(Name, Value, Description, vDataType, oFormula);
+}
+
+void Evaluador::NewConstant(const Text& Name, const Variant& Value, const Text& Description,
+                            std::int32_t vDataType) {
+  core_->symbols.Validate(Name);
+  core_->symbols.constants->Add(MakeSymbol(Name, Value, Description, vDataType));
+}
+void Evaluador::AddConstant(const Text& Name, const Variant& Value, const Text& Description,
+                            std::int32_t vDataType) {
+  NewConstant(Name, Value, Description, vDataType);
+}
+
+void Evaluador::AddFunction(const Text& Name, const Text& SourceName, const Text& Description,
+                            const Text& Sintax) {
+  core_->symbols.functions->Add(MakeFunction(Name, SourceName, Description, Sintax));
+}
+
+void Evaluador::AppendsVble(const Ref<tovalin::Campos>& Campos, const Variant& Before,
+                            const Variant& After) {
+  if (!Campos) Raise(Failure::ObjectNotSet);
+  const bool has_before = !Before.IsMissing();
+  for (const Ref<Campo>& record : *Campos) {
+    if (!record || !core_->symbols.IsValid(record->Name())) continue;
+    try {
+      core_->symbols.variables->Add(record, Before, has_before ? Variant::Missing() : After);
+    } catch (const Error&) {
+      // Deliberately skipped: a host appends what it has and asks afterwards.
+    }
+  }
+}
+
+void Evaluador::RemoveVble(const Text& Index) {
+  for (TextView rest = Index; !rest.empty();) {
+    const Text name = evaluator::CSVNextChar(rest, u",");
+    if (!name.empty()) core_->symbols.variables->Remove(name);
+  }
+}
+
+// Deliberately one name and no list, unlike RemoveVble.
+void Evaluador::RemoveConts(const Text& Index) {
+  const Campos& constants = *core_->symbols.constants;
+  if (constants.Find(Index) && constants.IsSystem(Index))
+    RaiseOwn(u"Evaluador", u"No se puede eliminar una constante del sistema");
+  core_->symbols.constants->Remove(Index);
+}
+
+void Evaluador::ClearVbles() { SetVariables(Make<Campos>()); }
+void Evaluador::ClearFunctions() { SetFunctions(MakeFunctions()); }
+void Evaluador::ClearConstants() { SetConstantes(MakeConstants()); }
+
+}  // namespace tovalin

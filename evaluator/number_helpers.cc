@@ -1,0 +1,109 @@
+#include "evaluator/number_helpers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+#include "frame/number_text.h"
+#include "tovalin/error.h"
+
+namespace tovalin::evaluator {
+namespace {
+
+constexpr int kSignificant = 15;
+constexpr std::int32_t kMostDecimals = 22;  // the last whose power of ten is exact
+
+constexpr std::size_t kNitLength = 15;
+// By position, the digit at the right first.
+constexpr int kNitWeights[kNitLength] = {3, 7, 13, 17, 19, 23, 29, 37, 41, 43, 47, 53, 59, 67, 71};
+
+constexpr TextView kMonths[] = {u"Enero",      u"Febrero", u"Marzo",     u"Abril",
+                                u"Mayo",       u"Junio",   u"Julio",     u"Agosto",
+                                u"Septiembre", u"Octubre", u"Noviembre", u"Diciembre"};
+constexpr TextView kShortMonths[] = {u"Ene", u"Feb", u"Mar", u"Abr", u"May", u"Jun",
+                                     u"Jul", u"Ago", u"Sep", u"Oct", u"Nov", u"Dic"};
+
+/// The number that the first `count` of the digits make, at most kSignificant.
+double LeadingDigits(const DecimalDigits& digits, int count) {
+  double number = 0;
+  for (int i = 0; i < count; ++i)
+    number = number * 10 + (i < digits.count ? digits.digits[i] - '0' : 0);
+  return number;
+}
+
+/// Whether what the digits say from `place` on rounds up, halves to the even digit.
+bool RoundsUp(const DecimalDigits& digits, int place) {
+  if (place >= digits.count) return false;
+  if (digits.digits[place] != '5') return digits.digits[place] > '5';
+  if (digits.count > place + 1) return true;
+  return place > 0 && (digits.digits[place - 1] - '0') % 2 == 1;
+}
+
+/// The greatest whole number that is not above `value`. Only a negative step
+/// makes the value negative, and then too this rounds to the nearest multiple.
+double WholePart(double value) {
+  const DecimalDigits digits = ToDecimalDigits(Finite(value), kSignificant);
+  if (digits.exponent >= kSignificant) return std::floor(value);
+  const double whole = LeadingDigits(digits, digits.exponent);
+  if (!digits.negative) return whole;
+  return digits.count > digits.exponent ? -whole - 1 : -whole;
+}
+
+Variant MonthText(std::span<const TextView> names, double month) {
+  const double number = std::nearbyint(month);
+  if (!(number >= 1 && number <= 12)) return Variant::Null();
+  return names[static_cast<std::size_t>(number) - 1];
+}
+
+}  // namespace
+
+double Finite(double value) {
+  if (!std::isfinite(value)) Raise(Failure::Overflow);
+  return value;
+}
+
+double RoundHalfEven(double value, std::int32_t decimals) {
+  if (decimals < 0 || decimals > kMostDecimals) Raise(Failure::InvalidArgument);
+  const DecimalDigits digits = ToDecimalDigits(Finite(value), kSignificant);
+  const int kept = digits.exponent + decimals;
+  if (kept >= kSignificant) return value;
+  if (kept < 0) return 0;
+  const double units = LeadingDigits(digits, kept) + (RoundsUp(digits, kept) ? 1 : 0);
+  const double magnitude = units / std::pow(10.0, decimals);
+  return digits.negative && magnitude != 0 ? -magnitude : magnitude;
+}
+
+double AjusteMedio(double value, double step, std::int32_t decimals) {
+  if (step == 1 && decimals == 0) return value;
+  if (value >= 0 && step == 1) return RoundHalfEven(value, decimals);
+  if (step == 0) Raise(Failure::DivisionByZero);
+  const double half = 5 * std::pow(10.0, -(static_cast<double>(decimals) + 1));
+  const double steps =
+      value < 0 ? -WholePart(-value / step + half) : WholePart(value / step + half);
+  return Finite(steps * step) + 0.0;  // a zero without a sign
+}
+
+double Redondear(double value, std::int32_t n) {
+  const double step = Finite(std::nearbyint(std::pow(10.0, n)));
+  return RoundHalfEven(AjusteMedio(value, step, 0), 0);
+}
+
+Text DigitoV(TextView nit) {
+  if (nit.empty()) return {};
+  const TextView number = Trim(nit);
+  if (number.size() > kNitLength) Raise(Failure::InvalidArgument);
+  int sum = 0;
+  for (std::size_t i = 0; i < number.size(); ++i) {
+    const char16_t c = number[number.size() - 1 - i];
+    if (c >= u'0' && c <= u'9') sum += kNitWeights[i] * (c - u'0');
+  }
+  const int remainder = sum % 11;
+  const int digit = remainder > 1 ? 11 - remainder : remainder;
+  return Text(1, static_cast<char16_t>(u'0' + digit));
+}
+
+Variant NombreMes(double month) { return MonthText(kMonths, month); }
+
+Variant MesAbr(double month) { return MonthText(kShortMonths, month); }
+
+}  // namespace tovalin::evaluator

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tovalin/variant.h"
+
+namespace tovalin {
+
+/// What an operator's literal computes.
+enum class OperatorCode : std::uint8_t {
+  Add,
+  Subtract,
+  Multiply,
+  Divide,
+  Power,
+  TimesNegated,  // "*-"
+  Negated,       // "-1*" and "*-1": a negation that stands between two operands
+  Negating,      // "-1*" also negates the only value of a stack
+  Concatenate,
+  Less,
+  LessOrEqual,
+  Greater,
+  GreaterOrEqual,
+  Equal,
+  Different,
+  In,
+  And,
+  Or,
+  Between,
+  Unknown,  // an operator that a host added: it has no meaning here
+};
+
+OperatorCode CodeOf(TextView literal);
+
+/// The values that a formula has pushed, the top at the end.
+using ValueStack = std::vector<Variant>;
+
+/// Takes the top value off, normalised: text loses its double quotes, and text
+/// that reads as a number with thousands separators becomes that Double. Numbers
+/// are taken as they are. Empty from an empty stack.
+Variant Pop(ValueStack& stack);
+
+/// Applies an operator to the top of the stack. With a single value it is unary,
+/// with none it pushes Empty.
+void ApplyOperator(OperatorCode code, ValueStack& stack);
+
+}  // namespace tovalin

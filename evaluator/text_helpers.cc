@@ -1,0 +1,233 @@
+#include "evaluator/text_helpers.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "tovalin/error.h"
+
+namespace tovalin::evaluator {
+namespace {
+
+constexpr std::size_t kLongestText = std::size_t{1} << 30;
+constexpr TextView kParticles[] = {u"de", u"del", u"la", u"las", u"los", u"y", u"e"};
+
+/// Raises 7 when `count` more pieces of `size` characters do not fit behind `length`.
+void RequireRoom(std::size_t length, std::size_t count, std::size_t size) {
+  if (length > kLongestText || (size > 0 && count > (kLongestText - length) / size))
+    Raise(Failure::OutOfMemory);
+}
+
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+/// A letter is what has two cases, "Ñ" as well as "N".
+bool IsLetter(char16_t c) {
+  const TextView text(&c, 1);
+  return ToUpper(text) != text || ToLower(text) != text;
+}
+
+/// Finds a long text in linear time, where the plain search takes the product of
+/// both lengths at worst.
+class LinearSearch {
+ public:
+  explicit LinearSearch(TextView part) : part_(part), borders_(part.size()) {
+    for (std::size_t i = 1; i < part.size(); ++i) borders_[i] = Extend(borders_[i - 1], part[i]);
+  }
+
+  std::size_t operator()(TextView text, std::size_t from) const {
+    std::size_t matched = 0;
+    for (std::size_t i = from; i < text.size(); ++i) {
+      matched = Extend(matched, text[i]);
+      if (matched == part_.size()) return i + 1 - matched;
+    }
+    return TextView::npos;
+  }
+
+ private:
+  /// How much of the part is matched after one more character.
+  std::size_t Extend(std::size_t matched, char16_t c) const {
+    while (matched > 0 && part_[matched] != c) matched = borders_[matched - 1];
+    return part_[matched] == c ? matched + 1 : 0;
+  }
+
+  TextView part_;
+  // For each prefix of the part, the length of its longest proper prefix that is
+  // also its end.
+  std::vector<std::size_t> borders_;
+};
+
+/// Calls `visit` with the place of every occurrence of `part` in `text`, from
+/// left to right and without overlaps.
+template <class Visit>
+void ForEachPlace(TextView text, TextView part, Visit visit) {
+  if (part.empty()) return;
+  const auto walk = [&](const auto& search) {
+    for (std::size_t place = search(text, 0); place != TextView::npos;
+         place = search(text, place + part.size()))
+      visit(place);
+  };
+  constexpr std::size_t kShort = 64;
+  if (part.size() > kShort)
+    walk(LinearSearch(part));
+  else
+    walk([part](TextView where, std::size_t from) { return where.find(part, from); });
+}
+
+/// Takes the text up to the first `delimiter` off the front of `rest`, with the
+/// delimiter behind it.
+TextView TakePart(TextView& rest, TextView delimiter) {
+  const std::size_t end = delimiter.empty() ? TextView::npos : rest.find(delimiter);
+  const TextView part = rest.substr(0, end);
+  rest = end == TextView::npos ? TextView() : rest.substr(end + delimiter.size());
+  return part;
+}
+
+void AppendBracketed(Text& text, TextView part) {
+  const bool has_brackets = part.size() >= 2 && part.front() == u'[' && part.back() == u']';
+  if (part.empty() || has_brackets)
+    text.append(part);
+  else
+    text.append(u"[").append(part).append(u"]");
+}
+
+/// The length of the run of digits that `text` starts with.
+std::size_t DigitRun(TextView text) {
+  return static_cast<std::size_t>(std::ranges::find_if_not(text, IsDigit) - text.begin());
+}
+
+struct DigitRuns {
+  std::size_t count = 0;
+  std::size_t longest = 0;
+};
+
+DigitRuns FindDigitRuns(TextView text) {
+  DigitRuns runs;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t run = DigitRun(text.substr(i));
+    if (run == 0) continue;
+    ++runs.count;
+    runs.longest = std::max(runs.longest, run);
+    i += run - 1;
+  }
+  return runs;
+}
+
+bool IsParticle(TextView word) {
+  return std::ranges::any_of(kParticles,
+                             [word](TextView particle) { return EqualFolded(word, particle); });
+}
+
+}  // namespace
+
+Text ReplaceString(TextView text, TextView macro, TextView replacement) {
+  const std::size_t count = CharCount(text, macro);
+  const std::size_t kept = text.size() - count * macro.size();
+  RequireRoom(kept, count, replacement.size());
+  Text result;
+  result.reserve(kept + count * replacement.size());
+  std::size_t taken = 0;
+  ForEachPlace(text, macro, [&](std::size_t place) {
+    result.append(text.substr(taken, place - taken)).append(replacement);
+    taken = place + macro.size();
+  });
+  return result.append(text.substr(taken));
+}
+
+Text Strip(TextView text, TextView part) { return ReplaceString(text, part, {}); }
+
+std::size_t CharCount(TextView text, TextView part) {
+  std::size_t count = 0;
+  ForEachPlace(text, part, [&count](std::size_t) { ++count; });
+  return count;
+}
+
+Text Replicate(TextView text, std::int32_t count) {
+  if (count < 0) Raise(Failure::InvalidArgument);
+  const auto times = static_cast<std::size_t>(count);
+  RequireRoom(0, times, text.size());
+  Text result;
+  result.reserve(times * text.size());
+  if (text.empty()) return result;
+  for (std::size_t i = 0; i < times; ++i) result.append(text);
+  return result;
+}
+
+Text CSVNextChar(TextView& rest, TextView delimiter, TextView quote) {
+  Text field;
+  if (!quote.empty() && rest.starts_with(quote)) {
+    do {
+      rest.remove_prefix(quote.size());
+      field.append(TakePart(rest, quote));
+      if (rest.starts_with(quote)) field.append(quote);
+    } while (rest.starts_with(quote));
+  }
+  return field.append(TakePart(rest, delimiter));
+}
+
+Text StripNit(TextView nit) {
+  Text result;
+  for (const char16_t c : nit.substr(0, nit.rfind(u'-')))
+    if (IsDigit(c) || IsLetter(c)) result.push_back(c);
+  return result;
+}
+
+Text RemoveChars(TextView text) {
+  Text result(text);
+  std::erase_if(result, [](char16_t c) {
+    return c == u' ' || c == u'\'' || c == u'"' || kReservedCharacters.find(c) != TextView::npos;
+  });
+  return result;
+}
+
+Text AjustarDigitosGrupo(TextView text) {
+  const DigitRuns runs = FindDigitRuns(text);
+  RequireRoom(text.size(), runs.count, runs.longest);
+  Text result;
+  while (!text.empty()) {
+    if (const std::size_t run = DigitRun(text); run > 0) {
+      result.append(runs.longest - run, u'0').append(text.substr(0, run));
+      text.remove_prefix(run);
+    } else {
+      result.push_back(text.front());
+      text.remove_prefix(1);
+    }
+  }
+  return result;
+}
+
+Text DoAutoBracket(TextView column) {
+  // A bracket that is never closed is a character like others.
+  const std::size_t last_closing = column.rfind(u']');
+  Text result;
+  for (std::size_t start = 0;;) {
+    const std::size_t first = column.find_first_not_of(u' ', start);
+    const bool closed = first != TextView::npos && column[first] == u'[' &&
+                        last_closing != TextView::npos && first < last_closing;
+    const std::size_t dot = column.find(u'.', closed ? column.find(u']', first) : start);
+    AppendBracketed(result, Trim(column.substr(start, dot - start)));
+    if (dot == TextView::npos) return result;
+    result.push_back(u'.');
+    start = dot + 1;
+  }
+}
+
+TextView ExtraerPalabra(TextView full_name, std::uint8_t part) {
+  TextView rest = Trim(full_name);
+  std::uint8_t words = 0;
+  while (!rest.empty() && words < part) {
+    const TextView word = TakePart(rest, u" ");
+    if (!rest.empty() && IsParticle(word)) continue;
+    if (++words == part) return word;
+  }
+  return {};
+}
+
+TextView ExtraeRev(TextView text) {
+  const TextView trimmed = Trim(text);
+  return trimmed.substr(trimmed.rfind(u' ') + 1);
+}
+
+const Variant& nvl(const Variant& value, const Variant& default_value) {
+  return value.Is(Subtype::Null) ? default_value : value;
+}
+
+}  // namespace tovalin::evaluator

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tovalin/campos.h"
+#include "tovalin/text.h"
+
+namespace tovalin {
+
+struct Builtin;
+
+enum class TokenKind : std::uint8_t {
+  Number,
+  Literal,   // the span is what stands between the quotes
+  Operator,  // `record` is its row of the operator table
+  Function,  // an opener, "MEDIO("; `record` is its row of the function table
+  Open,
+  Close,
+  Comma,
+  Name,  // a variable, a constant, or nothing that is known
+};
+
+/// Where a name was found.
+enum class Scope : std::uint8_t { None, Local, Variable, Constant };
+
+/// One token of a formula, as a span of its text.
+struct Token {
+  TokenKind kind = TokenKind::Name;
+  Scope scope = Scope::None;  // of a Name, once it was looked up
+  std::uint32_t start = 0;
+  std::uint32_t length = 0;
+  Campo* record = nullptr;           // valid while the tables do not change
+  const Builtin* builtin = nullptr;  // of a Function that is built in
+  double number = 0;
+};
+
+/// The faults of a check, with the codes that hosts see.
+enum class FaultCode : std::int32_t {
+  UnclosedLiteral = 1,
+  DuplicateOperator = 2,
+  BracketMismatch = 3,
+  UndefinedVariable = 4,
+  MissingExpression = 5,
+};
+
+/// One fault of a formula: what, where in the text as the host gave it (from 0),
+/// and the message.
+struct Fault {
+  FaultCode code;
+  std::uint32_t start;
+  std::uint32_t length;
+  Text message;
+};
+
+/// A formula split into tokens. `text` is the formula without carriage returns.
+struct TokenList {
+  Text text;
+  std::vector<Token> tokens;
+  std::vector<Fault> faults;  // spans in `text` until they are told to the host
+
+  TextView Span(const Token& token) const {
+    return TextView(text).substr(token.start, token.length);
+  }
+  /// The token as a host sees it: literals in double quotes, operators and
+  /// functions in the spelling of their tables.
+  Text Spelling(const Token& token) const;
+  void AppendSpelling(Text& target, const Token& token) const;
+};
+
+}  // namespace tovalin

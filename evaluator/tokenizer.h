@@ -1,0 +1,17 @@
+#pragma once
+
+#include "evaluator/element_search.h"
+#include "evaluator/token.h"
+
+namespace tovalin {
+
+/// Splits a formula without carriage returns into tokens. Names are not looked up yet; a literal
+/// that does not end is the only fault told here.
+TokenList Tokenize(Text text, const ElementSearch& elements, TextView string_delimiter);
+
+/// The token that a text of a host's token Collection stands for, appended to
+/// `list` together with its text.
+void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elements,
+                     const Symbols& symbols);
+
+}  // namespace tovalin

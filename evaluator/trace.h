@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "evaluator/plan.h"
+#include "frame/live_section.h"
+#include "tovalin/settings.h"
+
+namespace tovalin {
+
+/// The trace of the last evaluation: its expression, postfix text, result and the
+/// number of values that it left, under application "Evaluador", section
+/// "Posfijo". It goes to a section of the settings file that stays mapped, or to
+/// the store that a host put in place. What cannot be written is left out.
+class Trace {
+ public:
+  Trace();
+
+  /// Before the walk, so that the formula is there when the host does not survive it.
+  void Begin(const Ref<Plan>& plan);
+  /// After the walk.
+  void End(const Ref<Plan>& plan, const Variant& result, std::size_t left);
+
+  void UseStore(Ref<SettingsStore> store);
+
+ private:
+  void Write(std::size_t first, std::span<const std::string_view> values);
+
+  Ref<SettingsStore> store_;
+  LiveSection section_;
+  Ref<Plan> shown_;  // whose expression stands in the section now
+  std::string result_;
+  std::string left_;
+};
+
+}  // namespace tovalin

@@ -1,0 +1,48 @@
+#include "export/value_text.h"
+
+#include "frame/number_text.h"
+#include "frame/patterns.h"
+#include "tovalin/convert.h"
+
+namespace tovalin {
+
+template <class Number>
+TextView ValueText::NumberText(Number number) {
+  text_.clear();
+  AppendNumber(text_, number);
+  return text_;
+}
+
+// The common subtypes are read where they lie or written into the same text again;
+// the rest take the general road.
+TextView ValueText::Plain(const Variant& value) {
+  switch (value.Kind()) {
+    case Subtype::String:
+      return value.AsText();
+    case Subtype::Empty:
+    case Subtype::Null:
+      return {};
+    case Subtype::Integer:
+      return NumberText(std::int64_t{value.AsInteger()});
+    case Subtype::Long:
+      return NumberText(std::int64_t{value.AsLong()});
+    case Subtype::Single:
+      return NumberText(value.AsSingle());
+    case Subtype::Double:
+      return NumberText(value.AsDouble());
+    case Subtype::Currency:
+      return NumberText(value.AsCurrency());
+    default:
+      return text_ = ToText(value);
+  }
+}
+
+TextView ValueText::Formed(const Variant& value, FieldForm form) {
+  const Pattern& pattern = form == FieldForm::Time ? time_ : date_;
+  if (form == FieldForm::Plain || pattern.name.empty()) return Plain(value);
+  if (value.Is(Subtype::Null)) return {};
+  return text_ = value.Is(Subtype::Date) ? FormatDate(pattern.parsed, value.AsDate())
+                                         : Format(value, pattern.name);
+}
+
+}  // namespace tovalin

@@ -1,0 +1,120 @@
+#include "tovalin/lib_fecha.h"
+
+#include <array>
+#include <span>
+
+#include "formatting/date_difference.h"
+#include "formatting/dias360.h"
+#include "formatting/duration.h"
+#include "frame/calendar.h"
+#include "frame/clock.h"
+#include "frame/number_text.h"
+#include "frame/patterns.h"
+#include "tovalin/convert.h"
+#include "tovalin/dispatch.h"
+
+namespace tovalin {
+namespace {
+
+constexpr MemberInfo kMembers[] = {
+    Method<&LibFecha::MonthBegin>(1, u"MonthBegin", {{u"vbdate"}},
+                                  u"Devuelve el primer dìa del mes para la fecha indicada"),
+    Method<&LibFecha::DateDiffStr>(
+        2, u"DateDiffStr", {{u"vvarFechaIni"}, {u"vvarFechaFin"}},
+        u"Devuelve la diferencia en dias entre dos fecha en formato escrito"),
+    Method<&LibFecha::MonthEnd>(3, u"MonthEnd", {{u"vbdate"}},
+                                u"Devuelve el ùltimo dìa del mes para la fecha indicada"),
+    Method<&LibFecha::cdbDate>(4, u"cdbDate", {{u"vFecha"}, {u"vstrFormat"}},
+                               u"Convierte una fecha al formato de fecha de la base de datos"),
+    Method<&LibFecha::Dias360>(
+        5, u"Dias360", {{u"vInicial"}, {u"vFin"}},
+        u"Devuelve la diferencia en dias entre dos fechas en formato de 360 dias "),
+    Method<&LibFecha::DiasSemana>(6, u"DiasSemana", {},
+                                  u"Devuelve una coleccion con los dias de la semana, segun el "
+                                  u"lenguaje del sistema operacional"),
+    Method<&LibFecha::MesesDelAno>(7, u"MesesDelAno", {},
+                                   u"Devuelve una coleccion con el nombre de los meses del año "
+                                   u"segun el lenguaje del sistema operativo"),
+    Method<&LibFecha::Date2Julian>(8, u"Date2Julian", {{u"vDate"}}),
+    Method<&LibFecha::IsLeapYear>(9, u"IsLeapYear", {{u"TestYear"}}),
+    Method<&LibFecha::Duration>(10, u"Duration", {{u"TotalSeconds"}, {u"UpFormat"}}),
+};
+
+constexpr ClassInfo kClass{LibFecha::kClassName, kMembers};
+
+constexpr Date kMonday{2};
+
+/// Adds the names under "K1", "K2" ... to a collection that has no items.
+void FillOnce(Collection& collection, std::span<const Text> names) {
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    Text key = u"K";
+    AppendNumber(key, static_cast<std::int64_t>(i + 1));
+    collection.Add(names[i], key);
+  }
+}
+
+}  // namespace
+
+LibFecha::LibFecha() : days_(Make<Collection>()), months_(Make<Collection>()) {}
+
+const ClassInfo& LibFecha::Class() const { return kClass; }
+
+Variant LibFecha::MonthBegin(Variant& vbdate) const {
+  if (!IsDate(vbdate)) return vbdate.Value();
+  const CivilDate date = DateOf(ToDate(vbdate));
+  return DateSerial(date.year, date.month, 1);
+}
+
+Text LibFecha::DateDiffStr(const Variant& vvarFechaIni, const Variant& vvarFechaFin) const {
+  return DateDifferenceText(ToDate(vvarFechaIni), ToDate(vvarFechaFin));
+}
+
+Variant LibFecha::MonthEnd(const Variant& vbdate) const {
+  if (!IsDate(vbdate)) return vbdate.Value();
+  const CivilDate date = DateOf(ToDate(vbdate));
+  return DateSerial(date.year, date.month, DaysInMonth(date.year, date.month));
+}
+
+Text LibFecha::cdbDate(const Variant& vFecha, const Text& vstrFormat) const {
+  return u"'" + Format(ToDate(vFecha), vstrFormat) + u"'";
+}
+
+std::int32_t LibFecha::Dias360(Date vInicial, Date vFin) const {
+  return tovalin::Dias360(vInicial, vFin);
+}
+
+Ref<Collection> LibFecha::DiasSemana() {
+  if (days_->Count() == 0) {
+    std::array<Text, 7> names;
+    // Deliberately the same day seven times: hosts show this list as it has
+    // always been, and seven different names would change their forms.
+    names.fill(Format(kMonday, u"ddd"));
+    FillOnce(*days_, names);
+  }
+  return days_;
+}
+
+Ref<Collection> LibFecha::MesesDelAno() {
+  if (months_->Count() == 0) {
+    const int year = DateOf(clock_ ? clock_() : SystemNow()).year;
+    std::array<Text, 12> names;
+    for (std::size_t i = 0; i < names.size(); ++i)
+      names[i] = Format(DateSerial(year, static_cast<int>(i + 1), 1), u"mmmm");
+    FillOnce(*months_, names);
+  }
+  return months_;
+}
+
+std::int32_t LibFecha::Date2Julian(Date vDate) const {
+  return DateOf(vDate).year * 1000 + DayOfYear(vDate);
+}
+
+bool LibFecha::IsLeapYear(std::int16_t& TestYear) const {
+  return DateOf(DateSerial(TestYear, 3, 0)).day == 29;
+}
+
+Text LibFecha::Duration(std::int32_t& TotalSeconds, std::int16_t& UpFormat) const {
+  return UpFormat == 0 ? ShortDuration(TotalSeconds) : LongDuration(TotalSeconds);
+}
+
+}  // namespace tovalin

@@ -1,0 +1,127 @@
+#include "tovalin/lib_general.h"
+
+#include "forms/focus.h"
+#include "forms/host_services.h"
+#include "forms/key_filters.h"
+#include "forms/layout.h"
+#include "forms/member_access.h"
+#include "forms/report_parameters.h"
+#include "forms/strip_delimiter.h"
+#include "forms/tag_string.h"
+#include "forms/value_helpers.h"
+#include "tovalin/convert.h"
+
+namespace tovalin {
+
+void LibGeneral::CheckNumber(std::int16_t& KeyAscii) const {
+  KeyAscii = FilterKey(KeyAscii, kNumberKeys);
+}
+
+void LibGeneral::CheckDate(std::int16_t& KeyAscii) const {
+  KeyAscii = FilterKey(KeyAscii, kDateKeys);
+}
+
+void LibGeneral::CheckTime(std::int16_t& KeyAscii) const {
+  KeyAscii = FilterKey(KeyAscii, kTimeKeys);
+}
+
+Text LibGeneral::AddText(TextView vData, std::int32_t KeyAscii) const {
+  return tovalin::AddText(vData, KeyAscii);
+}
+
+Text LibGeneral::AddNumber(TextView vData, std::int32_t KeyAscii) const {
+  return tovalin::AddNumber(vData, KeyAscii);
+}
+
+void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
+                          Ref<Object> rctr) const {
+  if (!rctr) return;
+  Quietly([&] {
+    if (!ostrTextoBarra.empty()) return MsgBar(rctr, ostrTextoBarra);
+    if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, separator_));
+  });
+}
+
+Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) const {
+  const Ref<Object> control = RequireObject(rctrControl);
+  // The services are copied: what they call may put others in their place.
+  CheckAndMark(*control, separator_, HostServices(host_));
+  MsgBar(rctr, {});
+  return {};
+}
+
+void LibGeneral::SelectText(Ref<Object> oControl) const {
+  const Ref<Object> control = oControl ? oControl : ActiveControl(HostServices(host_));
+  if (control) SelectContents(*control);
+}
+
+bool LibGeneral::IsControl(Ref<Object> ctrControl) const {
+  return ctrControl && IsDataEntry(KindOf(*ctrControl));
+}
+
+Text LibGeneral::GetTag(TextView vstrTag, std::uint8_t vbytIndice) const {
+  return Text(tovalin::GetTag(vstrTag, vbytIndice, separator_));
+}
+
+Text LibGeneral::LetTag(TextView vstrTag, std::uint8_t vbytIndice, TextView vstrNewValue) const {
+  return tovalin::LetTag(vstrTag, vbytIndice, vstrNewValue, separator_);
+}
+
+Variant LibGeneral::Separador() const { return Text(1, separator_); }
+
+void LibGeneral::LetSeparador(const Variant& NewValue) {
+  const Text text = ToText(NewValue);
+  separator_ = text.empty() ? u' ' : text.front();
+}
+
+void LibGeneral::AdicionarParametro(Text& rstrParametros, TextView vstrParametro,
+                                    TextView vstrOperadorUnion, TextView vstrOperador,
+                                    const Variant& vvarValor, std::int16_t vintTipo) const {
+  AppendCondition(rstrParametros,
+                  {vstrParametro, vstrOperadorUnion, vstrOperador, vvarValor, vintTipo});
+}
+
+Text LibGeneral::StripDelimiter(TextView vString, TextView vDelimiters) const {
+  return tovalin::StripDelimiter(vString, vDelimiters);
+}
+
+Variant LibGeneral::Pot(const Variant& vvntBase, const Variant& vvntPotencia) const {
+  return WholePower(vvntBase, vvntPotencia);
+}
+
+Variant LibGeneral::EstaVacio(TextView vStr) const { return IsBlank(vStr); }
+
+Variant LibGeneral::nvl(const Variant& varValue, const Variant& varDefault) const {
+  return varValue.Is(Subtype::Null) ? varDefault.Value() : varValue.Value();
+}
+
+bool LibGeneral::EsNulo(const Variant& vvarCampo) const { return IsNoValue(vvarCampo); }
+
+bool LibGeneral::Check(const Variant& vvarDato, std::int16_t vintType) const {
+  return PassesAs(vvarDato, vintType);
+}
+
+void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
+  if (!uses_layouts_ || !ctrl) return;
+  Quietly([&] {
+    const Text layout = LayoutText(*ctrl);
+    if (!layout.empty()) Settings()->Save(Text(application_), Section, Key, layout);
+  });
+}
+
+void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
+  if (!ctrl) return;
+  if (!uses_layouts_) {
+    if (KindOf(*ctrl) == ControlKind::Grid) Quietly([&] { FitGridColumns(*ctrl); });
+    return;
+  }
+  Text layout;
+  Quietly([&] { layout = Settings()->Get(Text(application_), Section, Key, {}); });
+  if (!layout.empty()) ApplyLayout(*ctrl, layout);
+}
+
+void LibGeneral::MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa) const {
+  ShowOnStatusBar(HostServices(host_), rctr, vstrTexto, vbolPausa);
+}
+
+}  // namespace tovalin

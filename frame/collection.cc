@@ -1,0 +1,40 @@
+#include "tovalin/collection.h"
+
+#include "frame/positions.h"
+#include "tovalin/dispatch.h"
+
+namespace tovalin {
+namespace {
+
+constexpr MemberInfo kMembers[] = {
+    Method<&Collection::Add>(1, u"Add",
+                             {{u"Item"}, Optional(u"Key"), Optional(u"Before"), Optional(u"After")},
+                             u"Adds an item at the end, or before or after another one"),
+    Method<&Collection::Item>(2, u"Item", {{u"Index"}}, u"The item of a position or a key"),
+    Method<&Collection::Remove>(3, u"Remove", {{u"Index"}}, u"Takes an item out"),
+    Get<&Collection::Count>(4, u"Count", u"The number of items"),
+};
+
+constexpr ClassInfo kClass{Collection::kClassName, kMembers};
+
+}  // namespace
+
+const ClassInfo& Collection::Class() const { return kClass; }
+
+void Collection::Add(const Variant& Item, const Variant& Key, const Variant& Before,
+                     const Variant& After) {
+  const std::size_t position = InsertionPosition(list_, Before, After);
+  if (Key.IsMissing()) {
+    list_.Insert(position, Item.Value(), nullptr);
+    return;
+  }
+  if (!Key.Is(Subtype::String)) Raise(Failure::TypeMismatch);
+  const TextView key = Key.Value().AsText();
+  list_.Insert(position, Item.Value(), &key);
+}
+
+Variant Collection::Item(const Variant& Index) const { return list_[PositionOf(list_, Index)]; }
+
+void Collection::Remove(const Variant& Index) { list_.Remove(PositionOf(list_, Index)); }
+
+}  // namespace tovalin

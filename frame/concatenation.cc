@@ -1,0 +1,23 @@
+#include "frame/arithmetic.h"
+#include "frame/conversion.h"
+
+namespace tovalin {
+namespace {
+
+void AppendOperand(Text& text, const Variant& value) {
+  if (!value.Is(Subtype::Null)) AppendText(text, value);
+}
+
+}  // namespace
+
+Variant Concatenate(const Variant& left, const Variant& right) {
+  if (left.Is(Subtype::Null) && right.Is(Subtype::Null)) return Variant::Null();
+  Text text;
+  if (left.Is(Subtype::String) && right.Is(Subtype::String))
+    text.reserve(left.AsText().size() + right.AsText().size());
+  AppendOperand(text, left);
+  AppendOperand(text, right);
+  return text;
+}
+
+}  // namespace tovalin

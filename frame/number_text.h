@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tovalin/text.h"
+#include "tovalin/variant.h"
+
+namespace tovalin {
+
+/// A number in decimal: 0.d1d2d3... x 10^exponent, with the digits as the
+/// characters '0' to '9' and no zeros at the end. Zero has count 0.
+struct DecimalDigits {
+  bool negative = false;
+  int count = 0;
+  int exponent = 0;
+  char digits[20];
+};
+
+/// `value`, which is finite, correctly rounded to at most `significant` digits
+/// (1 to 17). Example: 2.675 with 15 gives 2675, exponent 1.
+DecimalDigits ToDecimalDigits(double value, int significant);
+
+// The ordinary text of a number under the locale, added to the end of `text`:
+// positional while it needs at most as many digits on either side of the point
+// as the subtype is exact to (15 for Double, 7 for Single), otherwise as
+// 1.5E-16. The texts of values that are not finite, which only a host can hand
+// in, are "INF", "-INF" and "NaN": they do not read as numbers.
+void AppendNumber(Text& text, double value);
+void AppendNumber(Text& text, float value);
+void AppendNumber(Text& text, Currency value);
+void AppendNumber(Text& text, std::int64_t value);
+
+}  // namespace tovalin

@@ -1,0 +1,149 @@
+#include "tovalin/text.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "frame/letter_case.h"
+
+namespace tovalin {
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
+bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+
+// One row for each length of a UTF-8 sequence: how its first byte looks, and the
+// smallest code point that may be written so (a longer form than needed is wrong).
+struct SequenceForm {
+  unsigned char mask;
+  unsigned char lead;
+  char32_t least;
+};
+constexpr SequenceForm kForms[] = {
+    {0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};
+
+struct Decoded {
+  char32_t code_point;
+  std::size_t length;
+};
+
+Decoded DecodeOne(std::string_view utf8) {
+  const auto lead = static_cast<unsigned char>(utf8[0]);
+  for (std::size_t extra = 0; extra < std::size(kForms); ++extra) {
+    const SequenceForm& form = kForms[extra];
+    if ((lead & form.mask) != form.lead) continue;
+    if (utf8.size() <= extra) break;
+    char32_t code_point = lead & static_cast<unsigned char>(~form.mask);
+    for (std::size_t i = 1; i <= extra; ++i) {
+      const auto next = static_cast<unsigned char>(utf8[i]);
+      if ((next & 0xC0) != 0x80) return {kReplacement, 1};
+      code_point = code_point << 6 | (next & 0x3F);
+    }
+    const bool surrogate = code_point >= 0xD800 && code_point <= 0xDFFF;
+    if (code_point < form.least || code_point > 0x10FFFF || surrogate) break;
+    return {code_point, extra + 1};
+  }
+  return {kReplacement, 1};
+}
+
+void AppendUtf8(std::string& utf8, char32_t code_point) {
+  std::size_t extra = 0;
+  while (extra + 1 < std::size(kForms) && code_point >= kForms[extra + 1].least) ++extra;
+  utf8.push_back(static_cast<char>(kForms[extra].lead | code_point >> (6 * extra)));
+  while (extra-- > 0) utf8.push_back(static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F)));
+}
+
+// Folding of the first 256 characters, where nearly all names live.
+constexpr auto kLatin1Fold = [] {
+  std::array<char16_t, 256> fold{};
+  for (std::size_t c = 0; c < fold.size(); ++c) {
+    const bool ascii = c >= u'A' && c <= u'Z';
+    const bool accented = c >= 0xC0 && c <= 0xDE && c != 0xD7;  // 0xD7 is the multiplication sign
+    fold[c] = static_cast<char16_t>(ascii || accented ? c + 32 : c);
+  }
+  return fold;
+}();
+
+}  // namespace
+
+Text FromUtf8(std::string_view utf8) {
+  Text text;
+  text.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const Decoded next = DecodeOne(utf8);
+    utf8.remove_prefix(next.length);
+    if (next.code_point < 0x10000) {
+      text.push_back(static_cast<char16_t>(next.code_point));
+    } else {
+      text.push_back(static_cast<char16_t>(0xD7C0 + (next.code_point >> 10)));
+      text.push_back(static_cast<char16_t>(0xDC00 + (next.code_point & 0x3FF)));
+    }
+  }
+  return text;
+}
+
+std::string ToUtf8(TextView text) {
+  std::string utf8;
+  utf8.reserve(text.size() + text.size() / 8);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char16_t c = text[i];
+    if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+      const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;
+      AppendUtf8(utf8, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
+    } else {
+      AppendUtf8(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
+    }
+  }
+  return utf8;
+}
+
+char16_t FoldCase(char16_t c) {
+  return c < kLatin1Fold.size() ? kLatin1Fold[c] : LowerOutsideLatin1(c);
+}
+
+Text ToUpper(TextView text) {
+  Text upper(text);
+  for (char16_t& c : upper) {
+    if (c >= u'a' && c <= u'z')
+      c = static_cast<char16_t>(c - 32);
+    else if (c > 0x7F)
+      c = UpperOutsideAscii(c);
+  }
+  return upper;
+}
+
+Text ToLower(TextView text) {
+  Text lower(text);
+  for (char16_t& c : lower) c = FoldCase(c);
+  return lower;
+}
+
+bool EqualFolded(TextView left, TextView right) {
+  return left.size() == right.size() &&
+         std::equal(left.begin(), left.end(), right.begin(),
+                    [](char16_t a, char16_t b) { return a == b || FoldCase(a) == FoldCase(b); });
+}
+
+std::size_t FindFolded(TextView text, TextView part, std::size_t from) {
+  if (from > text.size()) return TextView::npos;
+  // Fold once, then let the standard search work on equal characters.
+  const Text folded = ToLower(text.substr(from));
+  const std::size_t found = folded.find(ToLower(part));
+  return found == Text::npos ? TextView::npos : found + from;
+}
+
+TextView Trim(TextView text) {
+  const std::size_t first = text.find_first_not_of(u' ');
+  if (first == TextView::npos) return {};
+  return text.substr(first, text.find_last_not_of(u' ') - first + 1);
+}
+
+std::size_t FoldedHash::operator()(TextView name) const {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (char16_t c : name) hash = (hash ^ FoldCase(c)) * 0x100000001B3;
+  return static_cast<std::size_t>(hash ^ hash >> 32);
+}
+
+}  // namespace tovalin

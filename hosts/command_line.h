@@ -1,0 +1,77 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tovalin/evaluador.h"
+#include "tovalin/variant.h"
+
+// What the commands of the tool share. Every command answers the exit code.
+
+namespace tovalin::tool {
+
+inline constexpr int kDone = 0;
+inline constexpr int kFaults = 1;  // messages in LastError, or cells with errors
+inline constexpr int kFailed = 2;  // a raised error
+
+/// A value as the command line writes it: a prefix fixes the subtype ("i:12"
+/// Integer, "l:" Long, "f:" Single, "d:" Double, "c:" Currency, "t:" Date, "b:"
+/// Boolean, "y:" Byte, "s:" String, "null:", "empty:", "missing:"); without one,
+/// a text that reads as a number is a Double and any other is a String. Raises
+/// the errors of the conversion.
+Variant ReadValue(std::string_view argument);
+/// The same for a parameter of a known subtype: text stays text, "007" included.
+Variant ReadValue(std::string_view argument, Subtype wanted);
+
+/// "NAME=VALUE" split at the first "="; raises 5 without one.
+struct Assignment {
+  Text name;
+  std::string value;
+};
+Assignment ReadAssignment(std::string_view argument);
+
+/// The text of a value for a person: Null as the empty text, an object by its
+/// class, a Collection by its items, one a line.
+std::string ShowValue(const Variant& value);
+
+/// "Error NUMBER (SOURCE): DESCRIPTION".
+std::string ShowError(const Error& error);
+
+/// The code of data types that fits a value.
+std::int32_t DataTypeOf(const Variant& value);
+
+/// `text` filled with blanks to `width` characters, for tables.
+std::string Padded(TextView text, std::size_t width);
+
+/// The symbols that the commands with a formula take.
+struct SymbolOptions {
+  std::vector<std::string> variables;
+  std::vector<std::string> formulas;
+  std::vector<std::string> functions;
+  bool system_constants = false;
+};
+
+/// An evaluator with those symbols whose host is the tool: it answers ISNULL(
+/// and raises an error that names any other function that nobody implements.
+Ref<Evaluador> MakeEvaluator(const SymbolOptions& options);
+
+int RunEval(const SymbolOptions& options, const std::string& formula);
+int RunEvalLines(const SymbolOptions& options, const std::string& path);
+int RunCheck(const SymbolOptions& options, const std::string& formula);
+int RunPostfix(const SymbolOptions& options, const std::string& formula);
+
+struct TableOptions {
+  std::string input;
+  std::string formulas;
+  std::string output;  // empty: standard output
+};
+int RunTable(const TableOptions& options);
+
+int RunFunctions();
+int RunOperators();
+int RunConstants();
+int RunTrace();
+int RunCall(const std::vector<std::string>& arguments);
+
+}  // namespace tovalin::tool

@@ -1,0 +1,126 @@
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+
+#include "hosts/command_line.h"
+#include "tovalin/convert.h"
+
+// tovalin eval, check, postfix.
+
+namespace tovalin::tool {
+namespace {
+
+std::string OneLine(std::string text) {
+  std::string line;
+  for (char c : text) {
+    if (c == '\n')
+      line.append("\\n");
+    else if (c == '\r')
+      line.append("\\r");
+    else
+      line.push_back(c);
+  }
+  return line;
+}
+
+std::string JoinedMessages(const Evaluador& evaluator) {
+  std::string joined;
+  const Ref<Collection> faults = evaluator.Errores();
+  for (const Variant& record : faults->List().Items()) {
+    const Ref<Collection> fault = record.AsObject().As<Collection>();
+    if (!joined.empty()) joined.append(" | ");
+    joined.append(ShowValue(fault->Item(u"Mensaje")));
+  }
+  return joined;
+}
+
+std::string EvaluatedLine(Evaluador& evaluator, const Text& formula) {
+  try {
+    Variant result;
+    evaluator.EvaluatePosfijo(formula, result);
+    if (const std::string messages = JoinedMessages(evaluator); !messages.empty())
+      return "LastError\t" + messages;
+    return ToUtf8(SubtypeName(result.Kind())) + '\t' + OneLine(ShowValue(result));
+  } catch (const Error& error) {
+    return "Error\t" + std::to_string(error.number) + '\t' + OneLine(ToUtf8(error.source)) + '\t' +
+           OneLine(ToUtf8(error.description));
+  }
+}
+
+// Each message with the formula under it and a caret below the place.
+void ShowFaults(const Evaluador& evaluator) {
+  const Ref<Collection> faults = evaluator.Errores();
+  for (const Variant& record : faults->List().Items()) {
+    const Ref<Collection> fault = record.AsObject().As<Collection>();
+    Text formula = fault->Item(u"Expresion").AsText();
+    for (char16_t& c : formula)
+      if (c < u' ') c = u' ';
+    const auto start = static_cast<std::size_t>(fault->Item(u"Inicio").AsLong());
+    const TextView before = TextView(formula).substr(0, start - 1);
+    const auto low_surrogate = [](char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; };
+    const auto pairs = std::count_if(before.begin(), before.end(), low_surrogate);
+    std::cout << ShowValue(fault->Item(u"Mensaje")) << '\n'
+              << "  " << ToUtf8(formula) << '\n'
+              << "  " << std::string(before.size() - static_cast<std::size_t>(pairs), ' ') << "^\n";
+  }
+}
+
+// The tokens of a formula, or nothing after its faults were shown.
+Ref<Collection> CheckedTokens(Evaluador& evaluator, Text& formula) {
+  formula = evaluator.ReplaceExpresion(formula);
+  Ref<Collection> tokens = evaluator.CheckInfijo(formula);
+  if (evaluator.LastError().empty()) return tokens;
+  ShowFaults(evaluator);
+  return nullptr;
+}
+
+}  // namespace
+
+int RunEval(const SymbolOptions& options, const std::string& formula) {
+  const Ref<Evaluador> evaluator = MakeEvaluator(options);
+  Variant result;
+  evaluator->EvaluatePosfijo(FromUtf8(formula), result);
+  if (const Text messages = evaluator->LastError(); !messages.empty()) {
+    std::cerr << ToUtf8(messages);
+    return kFaults;
+  }
+  std::cout << ShowValue(result) << '\n';
+  return kDone;
+}
+
+int RunEvalLines(const SymbolOptions& options, const std::string& path) {
+  std::ifstream file;
+  if (path != "-") {
+    file.open(path);
+    if (!file) Raise(Failure::FileNotFound);
+  }
+  std::istream& input = path == "-" ? std::cin : file;
+  const Ref<Evaluador> evaluator = MakeEvaluator(options);
+  for (std::string line; std::getline(input, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    std::cout << EvaluatedLine(*evaluator, FromUtf8(line)) << '\n';
+  }
+  return kDone;
+}
+
+int RunCheck(const SymbolOptions& options, const std::string& formula) {
+  const Ref<Evaluador> evaluator = MakeEvaluator(options);
+  Text expression = FromUtf8(formula);
+  const Ref<Collection> tokens = CheckedTokens(*evaluator, expression);
+  if (!tokens) return kFaults;
+  for (const Variant& token : tokens->List().Items()) std::cout << ShowValue(token) << '\n';
+  std::cout << ToUtf8(expression) << '\n';
+  return kDone;
+}
+
+int RunPostfix(const SymbolOptions& options, const std::string& formula) {
+  const Ref<Evaluador> evaluator = MakeEvaluator(options);
+  Text expression = FromUtf8(formula);
+  const Ref<Collection> tokens = CheckedTokens(*evaluator, expression);
+  if (!tokens) return kFaults;
+  Ref<Collection> items;
+  std::cout << ToUtf8(evaluator->Posfijo(tokens, items)) << '\n';
+  return kDone;
+}
+
+}  // namespace tovalin::tool

@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+
+#include "tests/evaluator/formula_host.h"
+
+namespace tovalin {
+namespace {
+
+Text Named(const char16_t* stem, int number) {
+  return Text(stem) + FromUtf8(std::to_string(number));
+}
+
+struct FormulaVariables : testing::Test {
+  void AddFormula(const Text& name, const Text& formula) {
+    host.evaluator->AddVble(name, Variant(), u"", kNumeric, formula);
+  }
+  std::string Stored(const Text& name) {
+    return FormulaHost::Show(host.evaluator->GetVariable(name, Variant::Null()));
+  }
+  /// A host function that counts its calls: "CUENTA( Valor )" gives its value.
+  void CountCalls() {
+    host.evaluator->AddFunction(u"CUENTA(", u"CUENTA", u"", u"");
+    host.evaluator->Evaluate.Attach([this](const Text&, Variant& result, Ref<Collection>& pila) {
+      ++calls;
+      result = host.evaluator->LoadTopePila(pila);
+    });
+  }
+  FormulaHost host;
+  int calls = 0;
+};
+
+TEST_F(FormulaVariables, BuildOnOneAnother) {
+  AddFormula(u"Neto", u"Bruto - Deduccion");
+  AddFormula(u"Bruto", u"A * 1000");
+  AddFormula(u"Deduccion", u"Bruto * 0.08");
+  AddFormula(u"Letrero", u"'Neto: ' & Neto");
+  AddFormula(u"Alto", u"Neto > 100");
+  AddFormula(u"Plazo", u"Fecha + 30");
+  EXPECT_EQ(host.Evaluate(u"Neto"), "Double 1840");
+  EXPECT_EQ(Stored(u"Letrero"), "String Neto: 1840");
+  EXPECT_EQ(Stored(u"Alto"), "Boolean Verdadero");
+  EXPECT_EQ(host.Evaluate(u"Plazo"), "Date 16/03/2024");
+  host.evaluator->SetVariable(u"A", 3.0);
+  EXPECT_EQ(host.Evaluate(u"Letrero"), "String Neto: 2760");
+}
+
+TEST_F(FormulaVariables, AreComputedOnceInAnEvaluation) {
+  CountCalls();
+  AddFormula(u"Base", u"CUENTA(A)");
+  // Two references at each step: 2^20 paths lead to the base.
+  for (int i = 0; i < 20; ++i) {
+    const Text before = i == 0 ? Text(u"Base") : Named(u"Paso", i - 1);
+    AddFormula(Named(u"Paso", i), before + u" + " + before);
+  }
+  EXPECT_EQ(host.Evaluate(u"Paso19"), "Double 2097152");
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(host.Evaluate(u"Base + Base"), "Double 4");
+  EXPECT_EQ(calls, 2);
+}
+
+TEST_F(FormulaVariables, ReadTheirLastValueInACircle) {
+  AddFormula(u"Contador", u"Contador + 1");
+  EXPECT_EQ(host.Evaluate(u"Contador"), "Double 1");
+  EXPECT_EQ(host.Evaluate(u"Contador"), "Double 2");
+  AddFormula(u"Ida", u"Vuelta + 1");
+  AddFormula(u"Vuelta", u"Ida * 10");
+  EXPECT_EQ(host.Evaluate(u"Ida"), "Double 1");
+  EXPECT_EQ(host.Evaluate(u"Ida"), "Double 11");
+}
+
+TEST_F(FormulaVariables, NestAThousandDeep) {
+  AddFormula(u"N1", u"A");
+  for (int i = 2; i <= 1001; ++i) AddFormula(Named(u"N", i), Named(u"N", i - 1) + u" + 1");
+  EXPECT_EQ(host.Evaluate(u"N1001"), "Error 28");
+  EXPECT_EQ(host.Evaluate(u"N1000"), "Double 1001");
+  // Dependants are taken in order, however long the chain.
+  host.evaluator->SetVariable(u"A", 10.0);
+  host.evaluator->CalcularDependencias(u"A");
+  EXPECT_EQ(Stored(u"N1001"), "Double 1010");
+}
+
+TEST_F(FormulaVariables, KeepTheValueOfADependantThatFails) {
+  AddFormula(u"Bueno", u"A * 2");
+  AddFormula(u"Malo", u"Bueno + X");
+  AddFormula(u"Otro", u"Bueno + 1");
+  host.evaluator->SetVariable(u"Malo", 99.0);
+  EXPECT_EQ(host.Evaluate(u"Bueno"), "Double 4");
+  EXPECT_EQ(Stored(u"Malo"), "Double 99");
+  EXPECT_EQ(Stored(u"Otro"), "Double 5");
+  EXPECT_EQ(host.Evaluate(u"Malo"), "Error 13");
+  EXPECT_EQ(host.evaluator->Variables()->Item(u"Malo")->Status(), Campo::kIdle);
+}
+
+TEST_F(FormulaVariables, ReportTheFaultsOfTheirFormulas) {
+  AddFormula(u"Roto", u"A + Quien");
+  AddFormula(u"Sano", u"A + 1");
+  EXPECT_EQ(host.Evaluate(u"Roto + Sano"), "1 - Variable no definida Quien\r\n");
+}
+
+TEST_F(FormulaVariables, FollowAFormulaThatChanges) {
+  AddFormula(u"Doble", u"A * 2");
+  EXPECT_EQ(host.Evaluate(u"Doble"), "Double 4");
+  host.evaluator->Variables()->Item(u"Doble")->LetFormula(u"A * 3");
+  EXPECT_EQ(host.Evaluate(u"Doble"), "Double 6");
+  host.evaluator->Variables()->Item(u"B")->LetFormula(u"Doble + 1");
+  EXPECT_EQ(host.Evaluate(u"Doble"), "Double 6");
+  EXPECT_EQ(Stored(u"B"), "Double 7");
+}
+
+TEST_F(FormulaVariables, StoreLocalValuesLocally) {
+  Ref<Campos> locals = Make<Campos>();
+  auto local = Make<Campo>(u"Comision");
+  local->LetFormula(u"A * 10");
+  locals->Add(local);
+  host.evaluator->AddVble(u"Comision", 1.0, u"", kNumeric);
+  EXPECT_EQ(host.Evaluate(u"Comision", &locals), "Double 20");
+  EXPECT_EQ(Stored(u"Comision"), "Double 1");
+  EXPECT_EQ(FormulaHost::Show(local->Value()), "Double 20");
+}
+
+TEST_F(FormulaVariables, RunAsABatch) {
+  CountCalls();
+  AddFormula(u"Base", u"CUENTA(A)");
+  AddFormula(u"Suma", u"Base + 1");
+  AddFormula(u"Falla", u"Base + X");
+  const Text names[] = {u"Suma", u"Falla", u"Base", u"Quien"};
+  Evaluador::Outcome outcomes[4];
+  host.evaluator->EvaluateBatch(names, outcomes);
+  EXPECT_EQ(FormulaHost::Show(outcomes[0].value), "Double 3");
+  EXPECT_EQ(outcomes[1].error->number, 13);
+  EXPECT_EQ(FormulaHost::Show(outcomes[2].value), "Double 2");
+  EXPECT_EQ(ToUtf8(outcomes[3].faults), "1 - Variable no definida Quien\r\n");
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(FormulaVariables, AreNamedByTheirReaders) {
+  AddFormula(u"Neto", u"A");
+  EXPECT_EQ(FormulaHost::Joined(host.evaluator->VarExpresion(u"neto*B+A-NETO+Quien"), ","),
+            "Neto,B,A");
+  EXPECT_EQ(
+      FormulaHost::Joined(host.evaluator->ConstExpresion(u"IIF(A=Verdadero,CDERECHA,1)"), ","),
+      "VERDADERO,CDERECHA");
+  EXPECT_EQ(ToUtf8(host.evaluator->ReplaceExpresion(u"@A+@Quien & '@A' & \"@B\" & @neto")),
+            "A+@Quien & '@A' & \"@B\" & neto");
+}
+
+}  // namespace
+}  // namespace tovalin
