@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "evaluator/text_helpers.h"
+
 namespace tovalin {
 namespace {
 
@@ -107,7 +109,6 @@ constexpr FunctionRow kFunctions[] = {
 };
 
 constexpr TextView kSeparators = u"(),";
-constexpr TextView kSpecialCharacters = u"+-/*^();!#%&[]{}?~.,\\|<>=:@$";
 
 // ComodinLike is deliberately no constant of the system: hosts change or remove it.
 constexpr TextView kSystemConstants =
@@ -198,6 +199,6 @@ Ref<Campos> MakeConstants() {
 
 Ref<Collection> MakeSeparators() { return MakeCharacterSet(kSeparators); }
 
-Ref<Collection> MakeSpecialCharacters() { return MakeCharacterSet(kSpecialCharacters); }
+Ref<Collection> MakeSpecialCharacters() { return MakeCharacterSet(evaluator::kReservedCharacters); }
 
 }  // namespace tovalin

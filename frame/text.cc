@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <vector>
 
 #include "frame/letter_case.h"
 
@@ -66,6 +67,25 @@ constexpr auto kLatin1Fold = [] {
   return fold;
 }();
 
+// A long part is searched by its own prefixes (Knuth, Morris and Pratt), since
+// the plain search may take the product of both lengths.
+std::size_t FindExact(TextView text, TextView part) {
+  constexpr std::size_t kPlain = 64;
+  if (part.size() <= kPlain || part.size() > text.size()) return text.find(part);
+  std::vector<std::size_t> border(part.size());
+  for (std::size_t i = 1, matched = 0; i < part.size(); ++i) {
+    while (matched > 0 && part[i] != part[matched]) matched = border[matched - 1];
+    if (part[i] == part[matched]) ++matched;
+    border[i] = matched;
+  }
+  for (std::size_t i = 0, matched = 0; i < text.size(); ++i) {
+    while (matched > 0 && text[i] != part[matched]) matched = border[matched - 1];
+    if (text[i] == part[matched]) ++matched;
+    if (matched == part.size()) return i + 1 - matched;
+  }
+  return TextView::npos;
+}
+
 }  // namespace
 
 Text FromUtf8(std::string_view utf8) {
@@ -128,10 +148,10 @@ bool EqualFolded(TextView left, TextView right) {
 
 std::size_t FindFolded(TextView text, TextView part, std::size_t from) {
   if (from > text.size()) return TextView::npos;
-  // Fold once, then let the standard search work on equal characters.
+  // Fold once, then search for equal characters.
   const Text folded = ToLower(text.substr(from));
-  const std::size_t found = folded.find(ToLower(part));
-  return found == Text::npos ? TextView::npos : found + from;
+  const std::size_t found = FindExact(folded, ToLower(part));
+  return found == TextView::npos ? TextView::npos : found + from;
 }
 
 TextView Trim(TextView text) {

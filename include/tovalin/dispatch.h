@@ -209,12 +209,18 @@ struct MemberShape {
   static Variant CallWith(C& object, [[maybe_unused]] std::span<Variant> arguments,
                           std::index_sequence<I...>) {
     std::tuple<Argument<P>...> held{Argument<P>(arguments[I])...};
+    const auto carry_back = [&] { (std::get<I>(held).CarryBack(arguments[I]), ...); };
     Variant result;
-    if constexpr (std::is_void_v<R>)
-      (object.*kMember)(std::get<I>(held).Pass()...);
-    else
-      result = Variant((object.*kMember)(std::get<I>(held).Pass()...));
-    (std::get<I>(held).CarryBack(arguments[I]), ...);
+    try {
+      if constexpr (std::is_void_v<R>)
+        (object.*kMember)(std::get<I>(held).Pass()...);
+      else
+        result = Variant((object.*kMember)(std::get<I>(held).Pass()...));
+    } catch (...) {
+      carry_back();  // what the member set before it failed stays set
+      throw;
+    }
+    carry_back();
     return result;
   }
 };

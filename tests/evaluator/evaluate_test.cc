@@ -24,7 +24,7 @@ const Case kCases[] = {
     {u"5-1*2", "Double 5"},   // so is "-1*"
     {u"5*(-3)", "Double 2"},  // a minus in brackets takes the value before them
     {u"5-10*2", "Double -15"},
-    {u"A>1 AND B<2", "Boolean Falso"},
+    {u"A>1 AND B<2", "Boolean Verdadero"},
     {u"(A>1) AND (B>2)", "Boolean Verdadero"},
     {u"(A>3) OR (B>2)", "Boolean Verdadero"},
     {u"6 AND 3", "Long 2"},
@@ -97,7 +97,7 @@ TEST(EvaluatePosfijo, WalksPostfixCollections) {
       {{u"1", u"1", u"7", u"BETWEEN"}, "Boolean Verdadero"},
       {{u"+"}, "Empty "},
       {{u"1,234.5"}, "Double 1234.5"},
-      {{u"a", u"B", u"and"}, "Error 13"},
+      {{u"a", u"B", u"and"}, "Long 0"},
       {{2.5, std::int16_t{2}, u"*"}, "Double 5"},
       {{u"\"hola\""}, "String hola"},
       {{u"no se"}, "String no se"},

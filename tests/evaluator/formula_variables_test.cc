@@ -32,7 +32,7 @@ TEST_F(FormulaVariables, BuildOnOneAnother) {
   AddFormula(u"Neto", u"Bruto - Deduccion");
   AddFormula(u"Bruto", u"A * 1000");
   AddFormula(u"Deduccion", u"Bruto * 0.08");
-  AddFormula(u"Letrero", u"'Neto: ' & Neto");
+  AddFormula(u"Letrero", u"\"Neto: \" & Neto");
   AddFormula(u"Alto", u"Neto > 100");
   AddFormula(u"Plazo", u"Fecha + 30");
   EXPECT_EQ(host.Evaluate(u"Neto"), "Double 1840");

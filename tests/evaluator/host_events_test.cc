@@ -33,7 +33,7 @@ TEST_F(HostEvents, HandTheFunctionToTheHost) {
   EXPECT_EQ(host.Evaluate(u"1 + doble( A * 3 ) * 2"), "Double 25");
   EXPECT_EQ(ToUtf8(seen), "DOBLE(");
   EXPECT_FALSE(host.evaluator->ClosePila());
-  EXPECT_EQ(host.Evaluate(u"ISNULL( Nada )"), "Double 0");  // it reaches the host too
+  EXPECT_EQ(host.Evaluate(u"ISNULL( A )"), "Double 4");  // it reaches the host too
 }
 
 TEST_F(HostEvents, PushTheSlotThatNobodyFills) { EXPECT_EQ(host.Evaluate(u"OTRA( )"), "Empty "); }
@@ -123,12 +123,16 @@ TEST_F(HostEvents, LookNamesUpAgainWhenAHandlerChangesTheTables) {
     result = 1.0;
   });
   EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"), "Double 101");
-  Attach([](Evaluador& evaluator, const Text&, Variant&, Ref<Collection>&) {
+  EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"),
+            "1 - Variable no definida OTRA\r\n2 - Variable no definida )\r\n");
+}
+
+TEST_F(HostEvents, TakeANameThatAHandlerRemovesForText) {
+  Attach([](Evaluador& evaluator, const Text&, Variant& result, Ref<Collection>&) {
     evaluator.ClearVbles();
+    result = 1.0;
   });
-  host.evaluator->AddFunction(u"OTRA(", u"OTRA", u"", u"");
-  host.evaluator->RemoveConts(u"B");
-  EXPECT_EQ(host.Evaluate(u"OTRA( ) & X"), "String 1X");  // no variable any more
+  EXPECT_EQ(host.Evaluate(u"OTRA( ) & X"), "String 1X");
 }
 
 TEST_F(HostEvents, MayDropTheLastReferenceToTheEvaluator) {

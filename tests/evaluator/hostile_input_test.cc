@@ -54,7 +54,7 @@ TEST(HostileInput, RandomTextEndsInAMessageOrAValue) {
   std::mt19937 random(7);
   for (int round = 0; round < 20'000; ++round) {
     Text formula;
-    for (unsigned length = random() % 14; length > 0; --length)
+    for (auto length = random() % 14; length > 0; --length)
       formula.append(kPieces[random() % std::size(kPieces)]);
     host.Evaluate(formula);
     ASSERT_EQ(host.Evaluate(u"A"), "Double 2");

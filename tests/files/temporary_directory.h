@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,7 +15,7 @@ class TemporaryDirectory {
  public:
   TemporaryDirectory() {
     std::string name = (std::filesystem::temp_directory_path() / "tovalin_XXXXXX").string();
-    root_ = mkdtemp(name.data());
+    root_ = ::mkdtemp(name.data());
   }
   ~TemporaryDirectory() {
     std::error_code ignored;

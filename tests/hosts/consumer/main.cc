@@ -18,7 +18,7 @@ bool ComputesWithAHostFunction() {
     result = 2 * ToDouble(evaluador->LoadTopePila(pila));
   });
   Variant value;
-  evaluador->EvaluatePosfijo(u"DOBLE(Salario) * 0.04 & ' pesos'", value);
+  evaluador->EvaluatePosfijo(u"DOBLE(Salario) * 0.04 & \" pesos\"", value);
   return ToText(value) == u"200000 pesos";
 }
 
