@@ -9,7 +9,7 @@ namespace tovalin {
 
 /// A raised error, thrown by value by every member that fails:
 /// `catch (const tovalin::Error& error)`.
-struct Error {
+struct TOVALIN_API Error {
   std::int32_t number = 0;
   Text source;
   Text description;
