@@ -8,6 +8,12 @@
 
 namespace tovalin {
 
+/// Where formulas find their evaluator; emptied when the evaluator goes.
+struct EvaluatorLink {
+  Evaluador* evaluator = nullptr;
+  Evaluador::Core* core = nullptr;
+};
+
 /// What an Evaluador holds.
 class Evaluador::Core {
  public:
@@ -20,6 +26,7 @@ class Evaluador::Core {
   Text expression;
   Engine engine;
   Trace trace;
+  std::shared_ptr<EvaluatorLink> link = std::make_shared<EvaluatorLink>();
 
   /// The plan of what a host wants evaluated: a formula text, or a postfix
   /// Collection, whose items are looked up as they are.

@@ -108,7 +108,18 @@ Ref<Plan> Engine::Prepare(const Text& formula, const Ref<Campos>& locals) {
   return plan;
 }
 
+Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
+  Text replaced = ReplaceReferences(formula, locals.get());
+  StripCarriageReturns(replaced);
+  return plans_.Make(replaced, locals);
+}
+
 Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
+  if (plan.numeric) {
+    const NumericProgram& program = *plan.numeric;
+    if (const std::optional<double> number = program.Run())
+      return {program.gives_boolean ? Variant(*number != 0) : Variant(*number), program.left};
+  }
   Level level(*this, plan);
   ValueStack& stack = *level.stack;
   for (std::size_t i = 0; i < plan.items.size(); ++i) {
@@ -205,6 +216,7 @@ void Engine::ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals)
     ~Busy() { record.LetStatus(Campo::kIdle); }
     Campo& record;
   } busy(*record);
+  if (depth_ > kDeepest) Raise(Failure::OutOfStack);
   const Ref<Plan> plan = Prepare(record->Formula(), locals);
   const Variant value = Walk(*plan, locals).value;
   record->LetValue(IsNumber(value) ? Variant(ToDouble(value)) : value);

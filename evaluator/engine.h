@@ -61,6 +61,8 @@ class Engine {
 
   /// The formula with "@Name" replaced, without carriage returns, and its plan.
   Ref<Plan> Prepare(const Text& formula, const Ref<Campos>& locals);
+  /// The same for a plan of its own, which the plan store does not keep.
+  Ref<Plan> PrepareApart(const Text& formula, const Ref<Campos>& locals);
   Text ReplaceReferences(const Text& formula, const Campos* locals) const;
 
   std::vector<FaultReport>& Reports() { return reports_; }

@@ -1,6 +1,7 @@
 #include "tovalin/evaluador.h"
 
-#include "evaluator/core.h"
+#include "evaluator/fault_records.h"
+#include "evaluator/formula_core.h"
 #include "evaluator/infix_check.h"
 #include "evaluator/tokenizer.h"
 #include "frame/clock.h"
@@ -18,26 +19,15 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
   return *local_variables;
 }
 
-// Spans of faults count from 1 for hosts.
-Ref<Collection> FaultRecord(const FaultReport& report, const Fault& fault) {
-  auto record = Make<Collection>();
-  const auto add = [&](TextView key, Variant value) { record->Add(value, Variant(key)); };
-  add(u"Codigo", static_cast<std::int32_t>(fault.code));
-  add(u"Inicio", static_cast<std::int32_t>(fault.start + 1));
-  add(u"Largo", static_cast<std::int32_t>(fault.length));
-  add(u"Mensaje", fault.message);
-  add(u"Expresion", report.host_text);
-  return record;
-}
-
-void AppendNumbered(Text& lines, std::size_t number, TextView message) {
-  lines.append(FromUtf8(std::to_string(number))).append(u" - ").append(message).append(u"\r\n");
-}
-
 }  // namespace
 
-Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) { UseClock(SystemNow); }
-Evaluador::~Evaluador() = default;
+Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) {
+  core_->link->evaluator = this;
+  core_->link->core = core_.get();
+  UseClock(SystemNow);
+}
+
+Evaluador::~Evaluador() { *core_->link = {}; }
 
 Text Evaluador::StringDelimiter() const { return core_->symbols.string_delimiter; }
 void Evaluador::LetStringDelimiter(const Text& NewValue) {
@@ -54,18 +44,13 @@ void Evaluador::LetExpresion(const Text& NewValue) { core_->expression = NewValu
 Text Evaluador::LastError() const {
   Text lines;
   std::size_t number = 0;
-  for (const FaultReport& report : core_->engine.Reports())
-    for (const Fault& fault : report.faults) AppendNumbered(lines, ++number, fault.message);
+  for (const FaultReport& report : core_->engine.Reports()) AppendFaultLines(lines, number, report);
   return lines;
 }
 
 Ref<Collection> Evaluador::Errores() const {
   auto records = Make<Collection>();
-  for (const FaultReport& report : core_->engine.Reports()) {
-    std::vector<Fault> faults = report.faults;
-    MoveSpansToHostText(faults, report.text, report.host_text);
-    for (const Fault& fault : faults) records->Add(FaultRecord(report, fault));
-  }
+  for (const FaultReport& report : core_->engine.Reports()) AppendFaultRecords(*records, report);
   return records;
 }
 
@@ -107,6 +92,19 @@ Text Evaluador::Posfijo(const Ref<Collection>& vcolInfijo, Ref<Collection>& rPos
   else
     rPosfijo = items;
   return PostfixText(plan);
+}
+
+Ref<Formula> Evaluador::Preparar(const Text& vExpresion, Ref<Campos>* LocalVbles) {
+  return Make<Formula>(
+      std::make_unique<Formula::Core>(core_->link, vExpresion, LocalsOf(LocalVbles)));
+}
+
+std::int32_t Evaluador::PlanesGuardados() const {
+  return static_cast<std::int32_t>(core_->plans.Capacity());
+}
+void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
+  if (NewValue < 0) Raise(Failure::InvalidArgument);
+  core_->plans.LetCapacity(static_cast<std::size_t>(NewValue));
 }
 
 bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
@@ -162,8 +160,7 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
     }
     std::size_t number = 0;
     for (std::size_t r = reported; r < reports.size(); ++r)
-      for (const Fault& fault : reports[r].faults)
-        AppendNumbered(outcomes[i].faults, ++number, fault.message);
+      AppendFaultLines(outcomes[i].faults, number, reports[r]);
   }
 }
 

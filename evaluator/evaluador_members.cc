@@ -84,6 +84,10 @@ constexpr MemberInfo kMembers[] = {
     Method<&E::ExtraeRev>(55, u"ExtraeRev", {{u"vData"}}),
     Method<&E::MontoEscrito>(56, u"MontoEscrito", {{u"vValor"}}),
     Method<&E::Dias360>(57, u"Dias360", {{u"vInicial"}, {u"vFin"}}),
+    Method<&E::Preparar>(59, u"Preparar", {{u"vExpresion"}, Optional(u"LocalVbles")},
+                         u"Prepara una fórmula para evaluarla muchas veces"),
+    Get<&E::PlanesGuardados>(60, u"PlanesGuardados", u"Cuántas fórmulas guardan su plan"),
+    Let<&E::LetPlanesGuardados>(60, u"PlanesGuardados"),
     Get<&E::Errores>(58, u"Errores", u"Las faltas de la última revisión, con su lugar"),
 };
 

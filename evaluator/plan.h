@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "evaluator/builtins.h"
+#include "evaluator/numeric_program.h"
 #include "evaluator/operators.h"
 #include "evaluator/symbols.h"
 #include "evaluator/token.h"
@@ -49,7 +50,8 @@ struct Plan {
   std::string trace_postfix;
   bool trace_varies = false;  // several texts lead to this plan
   bool has_constants = false;
-  int walks = 0;  // under way
+  std::optional<NumericProgram> numeric;  // of a plan of numbers alone
+  int walks = 0;                          // under way
   ReferenceCount references;
 
   TextView Span(const Item& item) const { return TextView(text).substr(item.start, item.length); }

@@ -38,12 +38,13 @@ Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
 Ref<Plan> PlanStore::Compile(TextView formula, const Ref<Campos>& locals, const NamesStamp& stamp) {
   TokenList list = Tokens(Text(formula));
   CheckTokens(list, symbols_, locals.get());
-  auto plan = Make<Plan>();
+  auto plan = tovalin::Make<Plan>();
   plan->stamp = stamp;
   plan->locals = locals;
   plan->faults = std::move(list.faults);
   if (plan->faults.empty()) ConvertToPostfix(list, *plan);
   plan->text = std::move(list.text);
+  if (plan->faults.empty()) plan->numeric = MakeNumericProgram(*plan);
   plan->trace_expression = ToUtf8(plan->text);
   plan->trace_postfix = ToUtf8(PostfixText(*plan));
   return plan;

@@ -17,6 +17,11 @@ class PlanStore {
   /// constants bound as the tables are now. `locals` may be null.
   Ref<Plan> Get(TextView formula, const Ref<Campos>& locals);
 
+  /// The same for a plan that is not shared.
+  Ref<Plan> Make(TextView formula, const Ref<Campos>& locals) {
+    return Compile(formula, locals, StampNames(symbols_, locals.get()));
+  }
+
   /// The tokens of a formula, their names not looked up.
   TokenList Tokens(Text formula);
   const ElementSearch& Elements();

@@ -114,6 +114,19 @@ std::string ShowError(const Error& error) {
          "): " + ToUtf8(error.description);
 }
 
+std::string OneLine(std::string_view text) {
+  std::string line;
+  for (char c : text) {
+    if (c == '\n')
+      line.append("\\n");
+    else if (c == '\r')
+      line.append("\\r");
+    else
+      line.push_back(c);
+  }
+  return line;
+}
+
 std::int32_t DataTypeOf(const Variant& value) {
   for (const TypeCode& row : kTypeCodes)
     if (value.Is(row.subtype)) return row.code;

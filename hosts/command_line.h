@@ -38,6 +38,9 @@ std::string ShowValue(const Variant& value);
 /// "Error NUMBER (SOURCE): DESCRIPTION".
 std::string ShowError(const Error& error);
 
+/// `text` with each line feed as "\n" and each carriage return as "\r".
+std::string OneLine(std::string_view text);
+
 /// The code of data types that fits a value.
 std::int32_t DataTypeOf(const Variant& value);
 
@@ -68,10 +71,26 @@ struct TableOptions {
 };
 int RunTable(const TableOptions& options);
 
+struct ExportOptions {
+  std::string input;
+  std::string fields;
+  std::string output;        // without extension
+  std::string rows = "all";  // or how many
+  bool fixed = false;
+  std::string date_order;
+  bool year4 = false;
+  std::string date_separator;
+  std::string text_separator;
+};
+/// kFaults when the class answers False.
+int RunExport(const ExportOptions& options);
+
 int RunFunctions();
 int RunOperators();
 int RunConstants();
-int RunTrace();
+/// Prints the trace of the last evaluation; with `follow`, again whenever it
+/// changes, until the process is asked to end.
+int RunTrace(bool follow);
 int RunCall(const std::vector<std::string>& arguments);
 
 }  // namespace tovalin::tool

@@ -2,55 +2,46 @@
 
 #include <csv.h>
 
-#include <cerrno>
 #include <exception>
 #include <utility>
-
-#include "tovalin/error.h"
 
 namespace tovalin::tool {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 18;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-struct FileCloser {
-  void operator()(std::FILE* file) const {
-    if (file != stdin) std::fclose(file);
-  }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-File OpenInput(const std::string& path) {
-  if (path == "-") return File(stdin);
-  File file(std::fopen(path.c_str(), "rb"));
-  if (file) return file;
-  Raise(errno == ENOENT   ? Failure::FileNotFound
-        : errno == EACCES ? Failure::PermissionDenied
-                          : Failure::PathAccess);
-}
 
 // What the callbacks of the parser share. Errors must not fly through its C code:
 // they wait here.
 struct Parsing {
+  explicit Parsing(const std::function<void(CsvRow&)>& take) : take(take) {}
+
   const std::function<void(CsvRow&)>& take;
   CsvRow row;
   std::size_t fields = 0;
   std::exception_ptr error;
 
   void AddField(std::string_view text) {
-    if (fields == row.size()) row.emplace_back();
-    row[fields++].assign(text);
+    Try([&] {
+      if (fields == row.size()) row.emplace_back();
+      row[fields++].assign(text);
+    });
   }
   void EndRow() {
+    Try([&] {
+      row.resize(std::exchange(fields, 0));
+      take(row);
+    });
+  }
+
+ private:
+  template <class Step>
+  void Try(Step step) {
     if (error) return;
     try {
-      row.resize(fields);
-      take(row);
+      step();
     } catch (...) {
       error = std::current_exception();
     }
-    fields = 0;
   }
 };
 
@@ -72,14 +63,13 @@ struct Parser {
 
 }  // namespace
 
-void ReadCsv(const std::string& path, const std::function<void(CsvRow&)>& take) {
-  const File file = OpenInput(path);
+void CsvReader::ForEachRow(const std::function<void(CsvRow&)>& take) {
   Parser parser;
-  Parsing parsing{take, {}, 0, nullptr};
+  Parsing parsing(take);
   std::vector<char> block(kBlock);
   bool first = true;
   for (;;) {
-    const std::size_t size = std::fread(block.data(), 1, block.size(), file.get());
+    const std::size_t size = std::fread(block.data(), 1, block.size(), file_.get());
     if (size == 0) break;
     std::string_view bytes(block.data(), size);
     if (first && bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
@@ -89,14 +79,14 @@ void ReadCsv(const std::string& path, const std::function<void(CsvRow&)>& take) 
       Raise(Failure::OutOfMemory);
     if (parsing.error) std::rethrow_exception(parsing.error);
   }
-  if (std::ferror(file.get())) Raise(Failure::PathAccess);
+  if (std::ferror(file_.get())) RaiseAbout(Failure::PathAccess, path_);
   csv_fini(&parser.state, OnField, OnRow, &parsing);
   if (parsing.error) std::rethrow_exception(parsing.error);
 }
 
 CsvWriter::CsvWriter(const std::string& path)
     : file_(path.empty() ? stdout : std::fopen(path.c_str(), "wb")), owns_file_(!path.empty()) {
-  if (!file_) Raise(Failure::PathAccess);
+  if (!file_) RaiseAbout(Failure::PathAccess, path);
   buffer_.reserve(kBlock + 1024);
 }
 
@@ -126,15 +116,16 @@ void CsvWriter::EndRow() {
 }
 
 void CsvWriter::Flush() {
-  failed_ |= std::fwrite(buffer_.data(), 1, buffer_.size(), file_) != buffer_.size();
+  const bool written = std::fwrite(buffer_.data(), 1, buffer_.size(), file_) == buffer_.size();
   buffer_.clear();
+  if (!written) Raise(Failure::DiskFull);
 }
 
 void CsvWriter::Finish() {
   Flush();
-  failed_ |= std::fflush(file_) != 0;
-  if (owns_file_) failed_ |= std::fclose(std::exchange(file_, nullptr)) != 0;
-  if (failed_) Raise(Failure::DiskFull);
+  const bool flushed = std::fflush(file_) == 0;
+  const bool closed = !owns_file_ || std::fclose(std::exchange(file_, nullptr)) == 0;
+  if (!flushed || !closed) Raise(Failure::DiskFull);
 }
 
 }  // namespace tovalin::tool

@@ -2,10 +2,11 @@
 
 #include <cstdio>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "hosts/input.h"
 
 namespace tovalin::tool {
 
@@ -13,13 +14,24 @@ namespace tovalin::tool {
 /// for the next row.
 using CsvRow = std::vector<std::string>;
 
-/// Reads a CSV file row by row, in large blocks, and hands each row on: fields
-/// quoted or not, "," between them, a byte order mark skipped, empty lines too.
-/// Raises 53 for a file that is not there, 70 or 75 for one that cannot be read,
-/// and what `take` throws.
-void ReadCsv(const std::string& path, const std::function<void(CsvRow&)>& take);
+/// A CSV file that is read row by row, in large blocks.
+class CsvReader {
+ public:
+  /// "-" is standard input. Raises what OpenInput does.
+  explicit CsvReader(const std::string& path) : path_(path), file_(OpenInput(path)) {}
 
-/// Writes CSV in large blocks, quoting where a field needs it.
+  /// Hands each row on: fields quoted or not, "," between them, a byte order mark
+  /// skipped, empty lines too. Raises 75 for a file that cannot be read, and what
+  /// `take` throws.
+  void ForEachRow(const std::function<void(CsvRow&)>& take);
+
+ private:
+  std::string path_;
+  InputFile file_;
+};
+
+/// Writes CSV in large blocks, quoting where a field needs it. Writing raises 61
+/// when it fails.
 class CsvWriter {
  public:
   /// An empty path is standard output. Raises 75 for a file that cannot be made.
@@ -30,7 +42,7 @@ class CsvWriter {
 
   void Field(std::string_view text);
   void EndRow();
-  /// Writes what is left. Raises 61 when something could not be written.
+  /// Writes what is left.
   void Finish();
 
  private:
@@ -39,7 +51,6 @@ class CsvWriter {
   std::FILE* file_;
   bool owns_file_;
   bool first_in_row_ = true;
-  bool failed_ = false;
   std::string buffer_;
 };
 

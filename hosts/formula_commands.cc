@@ -1,27 +1,14 @@
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 
 #include "hosts/command_line.h"
+#include "hosts/input.h"
 #include "tovalin/convert.h"
 
 // tovalin eval, check, postfix.
 
 namespace tovalin::tool {
 namespace {
-
-std::string OneLine(std::string text) {
-  std::string line;
-  for (char c : text) {
-    if (c == '\n')
-      line.append("\\n");
-    else if (c == '\r')
-      line.append("\\r");
-    else
-      line.push_back(c);
-  }
-  return line;
-}
 
 std::string JoinedMessages(const Evaluador& evaluator) {
   std::string joined;
@@ -89,17 +76,10 @@ int RunEval(const SymbolOptions& options, const std::string& formula) {
 }
 
 int RunEvalLines(const SymbolOptions& options, const std::string& path) {
-  std::ifstream file;
-  if (path != "-") {
-    file.open(path);
-    if (!file) Raise(Failure::FileNotFound);
-  }
-  std::istream& input = path == "-" ? std::cin : file;
   const Ref<Evaluador> evaluator = MakeEvaluator(options);
-  for (std::string line; std::getline(input, line);) {
-    if (line.ends_with('\r')) line.pop_back();
+  ReadLines(path, [&](std::string_view line) {
     std::cout << EvaluatedLine(*evaluator, FromUtf8(line)) << '\n';
-  }
+  });
   return kDone;
 }
 

@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
 #include <iostream>
+#include <new>
 
 #include "hosts/command_line.h"
 
@@ -10,14 +12,31 @@ namespace tovalin::tool {
 namespace {
 
 void AddSymbolOptions(CLI::App& command, SymbolOptions& options) {
-  command.add_option("--var", options.variables, "A variable, NAME=VALUE")->take_all();
-  command.add_option("--formula", options.formulas, "A formula variable, NAME=FORMULA")->take_all();
-  command.add_option("--function", options.functions, "Registers a function by its word")
-      ->take_all();
+  // One value after each option, as often as it is given: the formula may follow.
+  const auto repeated = [&](const char* name, std::vector<std::string>& values, const char* help) {
+    command.add_option(name, values, help)->take_all()->allow_extra_args(false);
+  };
+  repeated("--var", options.variables, "A variable, NAME=VALUE");
+  repeated("--formula", options.formulas, "A formula variable, NAME=FORMULA");
+  repeated("--function", options.functions, "Registers a function by its word");
   command.add_flag("--system-constants", options.system_constants,
                    "Registers the ten constants of the system");
-  for (const char* option : {"--var", "--formula", "--function"})
-    command.get_option(option)->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void AddExportOptions(CLI::App& command, ExportOptions& options) {
+  command.add_option("IN", options.input, "The CSV file, - for standard input")->required();
+  command
+      .add_option("--fields", options.fields,
+                  "A CSV file with the columns name, type (code), size and column (of IN, from 0)")
+      ->required();
+  command.add_option("--rows", options.rows, "How many rows, or all");
+  command.add_flag("--fixed", options.fixed, "Fixed width, in place of delimited");
+  command.add_option("--date-order", options.date_order, "DMY, DYM, MDY, MYD, YDM or YMD");
+  command.add_flag("--year4", options.year4, "Years of four digits");
+  command.add_option("--date-separator", options.date_separator, "Between the parts of a date");
+  command.add_option("--text-separator", options.text_separator, "Around texts");
+  command.add_option("OUT", options.output, "The path of the two files, without .txt and .ref")
+      ->required();
 }
 
 // A formula may begin with "-": a blank in front keeps it from being taken for
@@ -50,13 +69,15 @@ int Run(std::vector<std::string> arguments) {
   SymbolOptions symbols;
   std::string formula;
   std::string lines;
+  CLI::Option* lines_option = nullptr;
   CLI::App* eval = command("eval", "Evaluates a formula", [&] {
-    return lines.empty() ? RunEval(symbols, formula) : RunEvalLines(symbols, lines);
+    return *lines_option ? RunEvalLines(symbols, lines) : RunEval(symbols, formula);
   });
   AddSymbolOptions(*eval, symbols);
-  CLI::Option* formula_option = eval->add_option("FORMULA", formula, "The formula");
-  eval->add_option("--lines", lines, "A file with one formula a line, - for standard input")
-      ->excludes(formula_option);
+  CLI::Option_group* source = eval->add_option_group("What to evaluate")->require_option(1);
+  source->add_option("FORMULA", formula, "The formula");
+  lines_option =
+      source->add_option("--lines", lines, "A file with one formula a line, - for standard input");
   for (CLI::App* sub : {command("check", "Prints the tokens of a formula, or its faults",
                                 [&] { return RunCheck(symbols, formula); }),
                         command("postfix", "Prints the postfix text of a formula",
@@ -73,10 +94,18 @@ int Run(std::vector<std::string> arguments) {
       ->required();
   table_command->add_option("-o,--output", table.output, "The CSV file to write");
 
+  ExportOptions exported;
+  AddExportOptions(*command("export", "Exports the rows of a CSV file with clsFileExport",
+                            [&] { return RunExport(exported); }),
+                   exported);
+
   command("functions", "Lists the functions", RunFunctions);
   command("operators", "Lists the operators", RunOperators);
   command("constants", "Lists the constants of the system", RunConstants);
-  command("trace", "Shows the trace of the last evaluation", RunTrace);
+  bool follow = false;
+  command("trace", "Shows the trace of the last evaluation", [&] {
+    return RunTrace(follow);
+  })->add_flag("--follow", follow, "Shows it again at every change, until interrupted");
   CLI::App* call = nullptr;
   call = command("call", "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...",
                  [&] { return RunCall(call->remaining()); });
@@ -96,10 +125,15 @@ int Run(std::vector<std::string> arguments) {
 }  // namespace tovalin::tool
 
 int main(int count, char** values) {
+  using namespace tovalin;
   try {
-    return tovalin::tool::Run(std::vector<std::string>(values + 1, values + count));
-  } catch (const tovalin::Error& error) {
-    std::cerr << tovalin::tool::ShowError(error) << '\n';
-    return tovalin::tool::kFailed;
+    const int code = tool::Run(std::vector<std::string>(values + 1, values + count));
+    if (!std::cout.flush()) Raise(Failure::DiskFull);
+    return code;
+  } catch (const Error& error) {
+    std::cerr << tool::ShowError(error) << '\n';
+  } catch (const std::bad_alloc&) {
+    std::cerr << tool::ShowError(PlatformError(Failure::OutOfMemory)) << '\n';
   }
+  return tool::kFailed;
 }

@@ -1,7 +1,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <fstream>
 #include <iostream>
 #include <optional>
 
@@ -20,22 +19,22 @@ struct NamedFormula {
   Text formula;
 };
 
-// Lines "Name = formula"; "#" begins a comment line, blank lines are skipped.
+// "Name = formula".
+NamedFormula ReadFormula(TextView line) {
+  const std::size_t equals = line.find(u'=');
+  if (equals == TextView::npos)
+    RaiseOwn(u"tovalin", Text(u"Línea sin \"=\" en las fórmulas: ").append(line));
+  return {Text(Trim(line.substr(0, equals))), Text(Trim(line.substr(equals + 1)))};
+}
+
+// "#" begins a comment line, blank lines are skipped.
 std::vector<NamedFormula> ReadFormulas(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) Raise(Failure::FileNotFound);
   std::vector<NamedFormula> formulas;
-  for (std::string line; std::getline(file, line);) {
-    if (line.ends_with('\r')) line.pop_back();
+  ReadLines(path, [&](std::string_view line) {
     const Text text = FromUtf8(line);
     const TextView trimmed = Trim(text);
-    if (trimmed.empty() || trimmed.front() == u'#') continue;
-    const std::size_t equals = trimmed.find(u'=');
-    if (equals == TextView::npos)
-      RaiseOwn(u"tovalin", Text(u"Línea sin \"=\" en las fórmulas: ").append(trimmed));
-    formulas.push_back(
-        {Text(Trim(trimmed.substr(0, equals))), Text(Trim(trimmed.substr(equals + 1)))});
-  }
+    if (!trimmed.empty() && trimmed.front() != u'#') formulas.push_back(ReadFormula(trimmed));
+  });
   return formulas;
 }
 
@@ -115,17 +114,22 @@ class TableRun {
   void TakeHeader(const CsvRow& row) {
     for (const std::string& header : row) {
       const Text name(Trim(FromUtf8(header)));
-      evaluator_->AddVble(name, Variant(), u"", kNumeric);
+      AddVariable(name, {});
       columns_.push_back(evaluator_->Variables()->Item(name));
       writer_.Field(header);
     }
     for (const NamedFormula& formula : formulas_) {
-      evaluator_->AddVble(formula.name, Variant(), u"", kNumeric, formula.formula);
+      AddVariable(formula.name, formula.formula);
       names_.push_back(formula.name);
       writer_.Field(ToUtf8(formula.name));
     }
     outcomes_.resize(names_.size());
     writer_.EndRow();
+  }
+
+  void AddVariable(const Text& name, const Text& formula) {
+    if (evaluator_->ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, ToUtf8(name));
+    evaluator_->AddVble(name, Variant(), u"", kNumeric, formula);
   }
 
   void TakeRow(const CsvRow& row) {
@@ -183,8 +187,13 @@ class TableRun {
 }  // namespace
 
 int RunTable(const TableOptions& options) {
-  TableRun run(options, ReadFormulas(options.formulas));
-  ReadCsv(options.input, [&run](CsvRow& row) { run.Take(row); });
+  const std::vector<NamedFormula> formulas = ReadFormulas(options.formulas);
+  CsvReader reader(options.input);
+  // Opening the output empties it.
+  for (const std::string& input : {options.input, options.formulas})
+    RequireOtherFile(input, options.output);
+  TableRun run(options, formulas);
+  reader.ForEachRow([&run](CsvRow& row) { run.Take(row); });
   return run.Finish();
 }
 

@@ -4,9 +4,8 @@
 
 #include "hosts/command_line.h"
 #include "tovalin/convert.h"
-#include "tovalin/settings.h"
 
-// tovalin functions, operators, constants, trace.
+// tovalin functions, operators, constants.
 
 namespace tovalin::tool {
 namespace {
@@ -53,14 +52,6 @@ int RunConstants() {
   for (const Ref<Campo>& record : constants->List().Items())
     rows.push_back({record->Name(), ToText(record->Value()), record->Description()});
   PrintTable(rows);
-  return kDone;
-}
-
-int RunTrace() {
-  const Ref<SettingsStore> settings = DefaultSettings();
-  for (TextView key : {u"Expresion", u"Posfijo", u"Resultado", u"ElementosPila"})
-    std::cout << ToUtf8(key) << '=' << ToUtf8(settings->Get(u"Evaluador", u"Posfijo", key, u""))
-              << '\n';
   return kDone;
 }
 

@@ -10,6 +10,7 @@
 #include "tovalin/campos.h"
 #include "tovalin/collection.h"
 #include "tovalin/event.h"
+#include "tovalin/formula.h"
 #include "tovalin/object.h"
 #include "tovalin/settings.h"
 #include "tovalin/variant.h"
@@ -147,6 +148,15 @@ class TOVALIN_API Evaluador : public Object {
   bool EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                        Ref<Campos>* LocalVbles = nullptr);
 
+  /// Prepares a formula for being evaluated many times. Raises nothing: its
+  /// Errores tell of faults.
+  Ref<Formula> Preparar(const Text& vExpresion, Ref<Campos>* LocalVbles = nullptr);
+
+  /// How many formula texts keep their plans, the latest used: 256 at first, 0 for
+  /// none. Raises 5 for a negative number.
+  std::int32_t PlanesGuardados() const;
+  void LetPlanesGuardados(std::int32_t NewValue);
+
   /// Pops the top value of a stack: numeric text with thousands separators comes
   /// as a Double, other text without its double quotes. Empty from an empty stack.
   /// Raises 91 for no stack.
@@ -206,8 +216,9 @@ class TOVALIN_API Evaluador : public Object {
   /// Where the trace of the last evaluation goes, in place of the settings file.
   void UseSettings(Ref<SettingsStore> settings);
 
- private:
   class Core;
+
+ private:
   std::unique_ptr<Core> core_;
 };
 

@@ -7,10 +7,23 @@
 #include <utility>
 #include <vector>
 
+#include "tovalin/api.h"
 #include "tovalin/error.h"
 #include "tovalin/text.h"
 
 namespace tovalin {
+
+/// Where a walk over a list stands; the list keeps it right as items come and go.
+struct CursorState {
+  CursorState* next = nullptr;
+  std::size_t position = 0;
+  bool removed = false;  // the present item is gone; the next one stands in its place
+  bool list_gone = false;
+};
+
+/// Put a walk among those that a list knows, and take it out again.
+TOVALIN_API void AttachCursor(CursorState*& first, CursorState& cursor);
+TOVALIN_API void DetachCursor(CursorState*& first, CursorState& cursor);
 
 /// The list under Collection and Campos: items in order, some of them with a key
 /// that is compared without regard to case. Positions count from 0 here.
@@ -32,36 +45,30 @@ class KeyedList {
     using value_type = T;
     using difference_type = std::ptrdiff_t;
 
-    explicit Cursor(const KeyedList& list) : list_(&list), next_(list.cursors_) {
-      list.cursors_ = this;
-    }
+    explicit Cursor(const KeyedList& list) : list_(&list) { AttachCursor(list.cursors_, state_); }
     Cursor(const Cursor&) = delete;
     Cursor& operator=(const Cursor&) = delete;
     ~Cursor() {
-      if (!list_) return;
-      Cursor** link = &list_->cursors_;
-      while (*link != this) link = &(*link)->next_;
-      *link = next_;
+      if (!state_.list_gone) DetachCursor(list_->cursors_, state_);
     }
     /// A copy of the item: it stays valid whatever happens to the list. Empty
     /// when the present item was removed.
-    T operator*() const { return AtEnd() || removed_ ? T() : list_->items_[position_]; }
+    T operator*() const { return AtEnd() || state_.removed ? T() : list_->items_[state_.position]; }
     Cursor& operator++() {
-      if (!removed_) ++position_;
-      removed_ = false;
+      if (!state_.removed) ++state_.position;
+      state_.removed = false;
       return *this;
     }
     void operator++(int) { ++*this; }
     bool operator==(std::default_sentinel_t) const { return AtEnd(); }
 
    private:
-    friend class KeyedList;
-    bool AtEnd() const { return !list_ || (position_ >= list_->items_.size() && !removed_); }
+    bool AtEnd() const {
+      return state_.list_gone || (state_.position >= list_->items_.size() && !state_.removed);
+    }
 
     const KeyedList* list_;
-    Cursor* next_;
-    std::size_t position_ = 0;
-    bool removed_ = false;  // the present item is gone; the next one stands in its place
+    CursorState state_;
   };
 
   static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
@@ -70,7 +77,7 @@ class KeyedList {
   KeyedList(const KeyedList&) = delete;
   KeyedList& operator=(const KeyedList&) = delete;
   ~KeyedList() {
-    for (Cursor* cursor = cursors_; cursor; cursor = cursor->next_) cursor->list_ = nullptr;
+    for (CursorState* cursor = cursors_; cursor; cursor = cursor->next) cursor->list_gone = true;
   }
 
   std::size_t Size() const { return items_.size(); }
@@ -111,9 +118,9 @@ class KeyedList {
       index_->nodes.insert(index_->nodes.begin() + offset, node);
       Renumber(position + 1);
     }
-    for (Cursor* cursor = cursors_; cursor; cursor = cursor->next_)
-      if (position < cursor->position_ || (position == cursor->position_ && !cursor->removed_))
-        ++cursor->position_;
+    for (CursorState* cursor = cursors_; cursor; cursor = cursor->next)
+      if (position < cursor->position || (position == cursor->position && !cursor->removed))
+        ++cursor->position;
   }
 
   void Remove(std::size_t position) {
@@ -127,11 +134,11 @@ class KeyedList {
       if (node) index_->positions.erase(index_->positions.find(TextView(node->first)));
       Renumber(position);
     }
-    for (Cursor* cursor = cursors_; cursor; cursor = cursor->next_) {
-      if (position < cursor->position_)
-        --cursor->position_;
-      else if (position == cursor->position_)
-        cursor->removed_ = true;
+    for (CursorState* cursor = cursors_; cursor; cursor = cursor->next) {
+      if (position < cursor->position)
+        --cursor->position;
+      else if (position == cursor->position)
+        cursor->removed = true;
     }
   }
 
@@ -153,7 +160,7 @@ class KeyedList {
 
   std::vector<T> items_;
   std::unique_ptr<Index> index_;
-  mutable Cursor* cursors_ = nullptr;
+  mutable CursorState* cursors_ = nullptr;
 };
 
 }  // namespace tovalin

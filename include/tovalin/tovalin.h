@@ -12,6 +12,7 @@
 #include "tovalin/evaluador.h"
 #include "tovalin/event.h"
 #include "tovalin/factory.h"
+#include "tovalin/formula.h"
 #include "tovalin/lib_constan.h"
 #include "tovalin/lib_fecha.h"
 #include "tovalin/lib_file.h"

@@ -5,8 +5,10 @@
 #include <sys/resource.h>
 
 #include <chrono>
+#include <optional>
 #include <thread>
 
+#include "frame/live_file.h"
 #include "frame/settings_content.h"
 #include "frame/settings_directory.h"
 #include "frame/settings_path.h"
@@ -31,7 +33,7 @@ class LiveSectionTest : public SettingsDirectoryTest {
   // The same text under the four keys, of a length that changes with it.
   static bool PutSame(LiveSection& section, unsigned number) {
     std::string text = std::to_string(number);
-    text.append(number * 7919 % 97, '.');
+    text.append(number * 7919 % 593, '.');
     return Put(section, 0, {text, text, text, text});
   }
 
@@ -54,19 +56,38 @@ class LiveSectionTest : public SettingsDirectoryTest {
     ASSERT_NE(texts[0], "(nada)");
   }
 
-  // A process that writes for as long as it lives.
-  static pid_t SpawnWriter(unsigned start) {
-    return Spawn([start] {
-      LiveSection section = Make();
-      for (unsigned i = start;; ++i) PutSame(section, i);
-      return 0;
-    });
+  // Whether the lines of a body give every key the same text.
+  static bool HasOneText(const std::string& body) {
+    const std::size_t start = body.find('=') + 1;
+    const std::string text = body.substr(start, body.find('\n') - start);
+    std::string expected;
+    for (const std::string& key : kKeys) expected.append(key).append("=").append(text) += '\n';
+    return body == expected;
   }
 
-  static void Kill(pid_t child) {
-    kill(child, SIGKILL);
-    WaitFor(child);
-  }
+  // A process that writes until it is killed, at the end of the scope at the latest.
+  class Writer {
+   public:
+    explicit Writer(unsigned start)
+        : process_(Spawn([start] {
+            LiveSection section = Make();
+            for (unsigned i = start;; ++i) PutSame(section, i);
+            return 0;
+          })) {}
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+    ~Writer() { Kill(); }
+
+    void Kill() {
+      if (process_ == 0) return;
+      kill(process_, SIGKILL);
+      WaitFor(process_);
+      process_ = 0;
+    }
+
+   private:
+    pid_t process_;
+  };
 };
 
 TEST_F(LiveSectionTest, StandsInTheFileAmongOtherEntries) {
@@ -132,29 +153,32 @@ TEST_F(LiveSectionTest, TheLastWriterWinsAsAWhole) {
 
 TEST_F(LiveSectionTest, ReadersNeverSeeAMixOfTwoWriters) {
   LiveSection section = Make();
-  ASSERT_TRUE(PutSame(section, 1));
-  const pid_t one = SpawnWriter(10);
-  const pid_t two = SpawnWriter(1'000'000);
+  const std::string room(600, '.');
+  ASSERT_TRUE(Put(section, 0, {room, room, room, room}));
+  const auto file = LiveFile::Open(SettingsPath(u"Evaluador"), Mapping::Access::kRead);
+  ASSERT_TRUE(file);
+  Writer one(10);
+  Writer two(1'000'000);
   std::string before;
   int changes = 0;
-  for (int i = 0; i < 3000; ++i) {
-    const std::vector<std::string> texts = GetAll();
-    ASSERT_EQ(texts, std::vector<std::string>(4, texts[0]));
-    ASSERT_NE(texts[0], "(nada)");
-    changes += texts[0] != before;
-    before = texts[0];
+  const auto end = steady_clock::now() + milliseconds(1500);
+  while (steady_clock::now() < end) {
+    const std::optional<std::string> body = file->Read();
+    ASSERT_TRUE(body);
+    ASSERT_TRUE(HasOneText(*body)) << *body;
+    changes += *body != before;
+    before = *body;
   }
-  Kill(one);
-  Kill(two);
-  EXPECT_GT(changes, 10) << "the writers were at work";
+  EXPECT_GT(changes, 100) << "the writers were at work";
+  for (int i = 0; i < 300; ++i) ExpectAllTheSame();
 }
 
 TEST_F(LiveSectionTest, AKilledProcessLeavesItsLastValues) {
   for (unsigned round = 0; round < 60; ++round) {
-    const pid_t writer = SpawnWriter(1000 * round);
+    Writer writer(1000 * round);
     while (Get("Resultado") == "(nada)") std::this_thread::yield();
     std::this_thread::sleep_for(std::chrono::microseconds(1500 + 37 * round));
-    Kill(writer);
+    writer.Kill();
     ExpectAllTheSame();
     LiveSection section = Make();
     ASSERT_TRUE(PutSame(section, round)) << "nobody is blocked";
@@ -179,7 +203,7 @@ TEST_F(LiveSectionTest, TakesOverFromAWriterThatDiedAtWork) {
 }
 
 TEST_F(LiveSectionTest, SavesAndWritersLeaveOneAnotherWhole) {
-  const pid_t writer = SpawnWriter(1);
+  Writer writer(1);
   while (Get("Resultado") == "(nada)") std::this_thread::yield();
   for (int i = 0; i < 40; ++i) {
     DefaultSettings()->Save(u"Evaluador", u"Otra", FromUtf8(std::to_string(i)), u"sí");
@@ -189,7 +213,7 @@ TEST_F(LiveSectionTest, SavesAndWritersLeaveOneAnotherWhole) {
   const auto end = steady_clock::now() + milliseconds(3000);
   while (Get("Resultado") == seen && steady_clock::now() < end) std::this_thread::yield();
   EXPECT_NE(Get("Resultado"), seen) << "the writer goes on in the new file";
-  Kill(writer);
+  writer.Kill();
   for (int i = 0; i < 40; ++i) {
     EXPECT_EQ(DefaultSettings()->Get(u"Evaluador", u"Otra", FromUtf8(std::to_string(i)), u"-"),
               u"sí");

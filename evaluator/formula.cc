@@ -1,0 +1,86 @@
+#include "tovalin/formula.h"
+
+#include "evaluator/fault_records.h"
+#include "evaluator/formula_core.h"
+#include "tovalin/dispatch.h"
+
+namespace tovalin {
+namespace {
+
+constexpr std::int32_t (Formula::*kLateBoundTable)(const Variant&, std::int32_t,
+                                                   Variant&) = &Formula::EvaluarTabla;
+
+constexpr MemberInfo kMembers[] = {
+    Get<&Formula::Texto>(1, u"Texto", u"La fórmula como se dio"),
+    Get<&Formula::Posfijo>(2, u"Posfijo", u"Su texto posfijo"),
+    Get<&Formula::Variables>(3, u"Variables", u"Los nombres de las variables que lee"),
+    Get<&Formula::Errores>(4, u"Errores", u"Sus faltas, con su lugar"),
+    Method<&Formula::Evaluar>(5, u"Evaluar", {{u"Result"}}, u"Calcula el valor"),
+    Method<kLateBoundTable>(6, u"EvaluarTabla", {{u"columns"}, {u"rows"}, {u"Result"}},
+                            u"Calcula el valor de cada fila"),
+};
+
+constexpr ClassInfo kClass{Formula::kClassName, kMembers};
+
+}  // namespace
+
+Formula::Formula(std::unique_ptr<Core> core) : core_(std::move(core)) {}
+Formula::~Formula() = default;
+const ClassInfo& Formula::Class() const { return kClass; }
+
+Evaluador::Core& Formula::Core::Host() const {
+  if (!link_->core) RaiseOwn(u"Formula", u"El Evaluador de la fórmula ya no existe");
+  return *link_->core;
+}
+
+const Ref<Plan>& Formula::Core::Current() {
+  Evaluador::Core& host = Host();
+  if (!plan_ || plan_->stamp != StampNames(host.symbols, locals_.get()))
+    plan_ = host.engine.PrepareApart(text_, locals_);
+  return plan_;
+}
+
+Engine::Outcome Formula::Core::Evaluate() {
+  const Ref<Plan> plan = Current();
+  Evaluador::Core& host = Host();
+  host.engine.Reports().clear();
+  if (!plan->faults.empty()) host.engine.Reports().push_back({text_, plan->text, plan->faults});
+  if (!plan->faults.empty() || !plan->numeric) {
+    // A handler may drop the last Ref on the evaluator.
+    Evaluador& evaluator = *link_->evaluator;
+    const bool may_vanish = evaluator.Evaluate.HasHandlers() && evaluator.references.Value() > 0;
+    const Ref<Object> alive = may_vanish ? Ref<Object>::Share(&evaluator) : nullptr;
+    return Engine::Calculation(host.engine, locals_).Walk(plan);
+  }
+  return Engine::Calculation(host.engine, locals_).Walk(plan);
+}
+
+Text Formula::Texto() const { return core_->FormulaText(); }
+
+Text Formula::Posfijo() const { return PostfixText(*core_->Current()); }
+
+Ref<Collection> Formula::Variables() const {
+  const Ref<Plan> plan = core_->Current();
+  auto names = Make<Collection>();
+  for (const Item& item : plan->items) {
+    if (item.kind != ItemKind::Variable) continue;
+    const Variant name(item.record->Name());
+    if (names->List().Find(item.record->Name()) == KeyedList<Variant>::kNotFound)
+      names->Add(name, name);
+  }
+  return names;
+}
+
+Ref<Collection> Formula::Errores() const {
+  const Ref<Plan> plan = core_->Current();
+  auto records = Make<Collection>();
+  AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->faults});
+  return records;
+}
+
+bool Formula::Evaluar(Variant& Result) {
+  Result.Assign(core_->Evaluate().value);
+  return true;
+}
+
+}  // namespace tovalin

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "evaluator/core.h"
+#include "tovalin/formula.h"
+
+namespace tovalin {
+
+class Formula::Core {
+ public:
+  Core(std::shared_ptr<const EvaluatorLink> link, Text text, Ref<Campos> locals)
+      : link_(std::move(link)), text_(std::move(text)), locals_(std::move(locals)) {
+    Current();
+  }
+
+  const Text& FormulaText() const { return text_; }
+  const Ref<Campos>& Locals() const { return locals_; }
+  /// The evaluator's core. Raises when it is gone.
+  Evaluador::Core& Host() const;
+  /// The plan as the tables are now.
+  const Ref<Plan>& Current();
+  Engine::Outcome Evaluate();
+
+ private:
+  std::shared_ptr<const EvaluatorLink> link_;
+  Text text_;
+  Ref<Campos> locals_;
+  Ref<Plan> plan_;
+};
+
+}  // namespace tovalin

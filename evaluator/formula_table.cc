@@ -1,0 +1,195 @@
+#include <algorithm>
+#include <type_traits>
+
+#include "evaluator/formula_core.h"
+#include "evaluator/numeric_columns.h"
+#include "tovalin/convert.h"
+#include "tovalin/formula.h"
+
+// Formula::EvaluarTabla: whole blocks of rows at once where a plan computes with
+// numbers alone, row after row otherwise.
+
+namespace tovalin {
+namespace {
+
+using Column = Formula::Column;
+using RowError = Formula::RowError;
+
+std::size_t SizeOf(const Column& column) {
+  return std::visit([](const auto& values) { return values.size(); }, column.values);
+}
+
+Variant ValueAt(const Column& column, std::size_t row) {
+  return std::visit([row](const auto& values) { return Variant(values[row]); }, column.values);
+}
+
+// The variables of the columns; they get their own values back at the end.
+class BoundVariables {
+ public:
+  BoundVariables(std::span<const Column> columns, std::size_t rows, const Symbols& symbols,
+                 const Campos* locals)
+      : columns_(columns) {
+    for (const Column& column : columns) {
+      Campo* record = locals ? locals->Find(column.name) : nullptr;
+      if (!record) record = symbols.variables->Find(column.name);
+      if (!record || record->HasFormula()) Raise(Failure::InvalidArgument);
+      if (SizeOf(column) < rows) Raise(Failure::SubscriptOutOfRange);
+      records_.push_back(Ref<Campo>::Share(record));
+      own_values_.push_back(record->Value());
+    }
+  }
+  ~BoundVariables() {
+    for (std::size_t i = 0; i < records_.size(); ++i) records_[i]->LetValue(own_values_[i]);
+  }
+  BoundVariables(const BoundVariables&) = delete;
+  BoundVariables& operator=(const BoundVariables&) = delete;
+
+  void TakeRow(std::size_t row) {
+    for (std::size_t i = 0; i < records_.size(); ++i)
+      records_[i]->LetValue(ValueAt(columns_[i], row));
+  }
+
+  std::vector<NumericColumns::Bound> Doubles() const {
+    std::vector<NumericColumns::Bound> bound;
+    for (std::size_t i = 0; i < records_.size(); ++i)
+      if (const auto* values = std::get_if<std::span<const double>>(&columns_[i].values))
+        bound.push_back({&records_[i]->Value(), values->data()});
+    return bound;
+  }
+
+  /// Whether a column of Variants stands for a value that `program` loads.
+  bool NeedsVariants(const NumericProgram& program) const {
+    return std::ranges::any_of(program.steps, [this](const NumericStep& step) {
+      if (step.code != NumericCode::Load) return false;
+      for (std::size_t i = 0; i < records_.size(); ++i)
+        if (step.source == &records_[i]->Value() && columns_[i].values.index() != 0) return true;
+      return false;
+    });
+  }
+
+ private:
+  std::span<const Column> columns_;
+  std::vector<Ref<Campo>> records_;
+  std::vector<Variant> own_values_;
+};
+
+template <class Result>
+class TableRun {
+ public:
+  TableRun(Formula::Core& formula, std::span<const Column> columns, std::size_t rows,
+           std::span<Result> results)
+      : formula_(formula),
+        plan_(formula.Current()),
+        variables_(columns, rows, formula.Host().symbols, formula.Locals().get()),
+        rows_(rows),
+        results_(results) {
+    if (results.size() < rows) Raise(Failure::SubscriptOutOfRange);
+  }
+
+  std::vector<RowError> Run() {
+    if (!plan_->numeric || variables_.NeedsVariants(*plan_->numeric)) {
+      RunRows(0, rows_);
+      return std::move(errors_);
+    }
+    NumericColumns columns(*plan_->numeric, variables_.Doubles());
+    if (!columns.IsReady()) {
+      RunRows(0, rows_);
+      return std::move(errors_);
+    }
+    for (std::size_t first = 0; first < rows_; first += NumericColumns::kBlock) {
+      const std::size_t count = std::min(NumericColumns::kBlock, rows_ - first);
+      if (!RunBlock(columns, first, count)) RunRows(first, first + count);
+    }
+    return std::move(errors_);
+  }
+
+ private:
+  bool RunBlock(NumericColumns& columns, std::size_t first, std::size_t count) {
+    if constexpr (std::is_same_v<Result, double>) {
+      if (plan_->numeric->gives_boolean) return RunBooleans(columns, first, count);
+      return columns.Run(first, count, results_.data() + first);
+    } else {
+      if (!columns.Run(first, count, block_.data())) return false;
+      const bool boolean = plan_->numeric->gives_boolean;
+      for (std::size_t i = 0; i < count; ++i)
+        results_[first + i] = boolean ? Variant(block_[i] != 0) : Variant(block_[i]);
+      return true;
+    }
+  }
+
+  // True is -1 as a number.
+  bool RunBooleans(NumericColumns& columns, std::size_t first, std::size_t count) {
+    if (!columns.Run(first, count, block_.data())) return false;
+    for (std::size_t i = 0; i < count; ++i)
+      results_[first + i] = static_cast<Result>(block_[i] != 0 ? -1.0 : 0.0);
+    return true;
+  }
+
+  void RunRows(std::size_t first, std::size_t end) {
+    for (std::size_t row = first; row < end; ++row) {
+      variables_.TakeRow(row);
+      try {
+        Variant value = formula_.Evaluate().value;
+        if constexpr (std::is_same_v<Result, double>)
+          results_[row] = ToDouble(value);
+        else
+          results_[row] = std::move(value);
+      } catch (const Error& error) {
+        errors_.push_back({row, error});
+      }
+    }
+  }
+
+  Formula::Core& formula_;
+  Ref<Plan> plan_;
+  BoundVariables variables_;
+  std::size_t rows_;
+  std::span<Result> results_;
+  std::array<double, NumericColumns::kBlock> block_;
+  std::vector<RowError> errors_;
+};
+
+// The rows of an array of one column, copied so that its host may do what it likes.
+std::vector<Variant> RowsOf(const Variant& array) {
+  if (!array.Is(Subtype::Array)) Raise(Failure::TypeMismatch);
+  const VariantArray& items = array.Value().AsArray();
+  std::vector<Variant> rows;
+  if (items.Columns() == 0) return rows;
+  rows.reserve(items.Rows());
+  for (std::size_t row = 0; row < items.Rows(); ++row) rows.push_back(items.At(0, row));
+  return rows;
+}
+
+}  // namespace
+
+std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
+                                            std::span<double> results) {
+  return TableRun<double>(*core_, columns, rows, results).Run();
+}
+
+std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
+                                            std::span<Variant> results) {
+  return TableRun<Variant>(*core_, columns, rows, results).Run();
+}
+
+std::int32_t Formula::EvaluarTabla(const Variant& columns, std::int32_t rows, Variant& Result) {
+  if (!columns.Is(Subtype::Object)) Raise(Failure::ObjectRequired);
+  const Ref<Collection> given = columns.AsObject().As<Collection>();
+  if (!given) Raise(columns.AsObject() ? Failure::TypeMismatch : Failure::ObjectNotSet);
+  if (rows < 0) Raise(Failure::InvalidArgument);
+  const auto count = static_cast<std::size_t>(rows);
+  std::vector<std::vector<Variant>> values;
+  std::vector<Column> bound;
+  for (const Variant& array : given->List().Items()) values.push_back(RowsOf(array));
+  for (std::size_t i = 0; i < values.size(); ++i)
+    bound.push_back({Text(given->List().Key(i)), std::span<const Variant>(values[i])});
+  std::vector<Variant> results(count);
+  const std::vector<RowError> errors = EvaluarTabla(bound, count, std::span<Variant>(results));
+  for (const RowError& error : errors) results[error.row] = Variant::ErrorValue(error.error.number);
+  auto array = Make<VariantArray>(1, count);
+  for (std::size_t row = 0; row < count; ++row) array->At(0, row) = std::move(results[row]);
+  Result.Assign(std::move(array));
+  return static_cast<std::int32_t>(errors.size());
+}
+
+}  // namespace tovalin

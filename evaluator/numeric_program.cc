@@ -1,0 +1,236 @@
+#include "evaluator/numeric_program.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "evaluator/plan.h"
+#include "frame/arithmetic.h"
+#include "frame/comparison.h"
+
+namespace tovalin {
+namespace {
+
+enum class SlotType : std::uint8_t { Number, Boolean };
+
+struct OperatorRow {
+  OperatorCode code;
+  NumericCode step;
+  SlotType takes;
+  SlotType gives;
+};
+
+constexpr OperatorRow kOperators[] = {
+    {OperatorCode::Add, NumericCode::Add, SlotType::Number, SlotType::Number},
+    {OperatorCode::Subtract, NumericCode::Subtract, SlotType::Number, SlotType::Number},
+    {OperatorCode::Multiply, NumericCode::Multiply, SlotType::Number, SlotType::Number},
+    {OperatorCode::Divide, NumericCode::Divide, SlotType::Number, SlotType::Number},
+    {OperatorCode::Power, NumericCode::Power, SlotType::Number, SlotType::Number},
+    {OperatorCode::TimesNegated, NumericCode::TimesNegated, SlotType::Number, SlotType::Number},
+    {OperatorCode::Less, NumericCode::Less, SlotType::Number, SlotType::Boolean},
+    {OperatorCode::LessOrEqual, NumericCode::LessOrEqual, SlotType::Number, SlotType::Boolean},
+    {OperatorCode::Greater, NumericCode::Greater, SlotType::Number, SlotType::Boolean},
+    {OperatorCode::GreaterOrEqual, NumericCode::GreaterOrEqual, SlotType::Number,
+     SlotType::Boolean},
+    {OperatorCode::Equal, NumericCode::Equal, SlotType::Number, SlotType::Boolean},
+    {OperatorCode::Different, NumericCode::Different, SlotType::Number, SlotType::Boolean},
+    {OperatorCode::And, NumericCode::And, SlotType::Boolean, SlotType::Boolean},
+    {OperatorCode::Or, NumericCode::Or, SlotType::Boolean, SlotType::Boolean},
+};
+
+struct FunctionRow {
+  TextView name;
+  NumericCode step;
+};
+
+constexpr FunctionRow kFunctions[] = {
+    {u"ABS", NumericCode::Abs},
+    {u"MIN", NumericCode::Min},
+    {u"MAX", NumericCode::Max},
+    {u"IIF", NumericCode::Choose},
+};
+
+class ProgramMaker {
+ public:
+  std::optional<NumericProgram> Make(const Plan& plan) {
+    if (plan.items.empty()) return std::nullopt;
+    program_.steps.reserve(plan.items.size());
+    for (const Item& item : plan.items)
+      if (!Take(item)) return std::nullopt;
+    program_.left = static_cast<std::uint32_t>(types_.size());
+    program_.gives_boolean = types_.front() == SlotType::Boolean;
+    return std::move(program_);
+  }
+
+ private:
+  bool Take(const Item& item) {
+    switch (item.kind) {
+      case ItemKind::Number:
+        program_.steps.push_back({NumericCode::Push, {item.number}});
+        return Push(SlotType::Number);
+      case ItemKind::Variable:
+        return !item.record->HasFormula() && TakeSource(item.record->Value());
+      case ItemKind::Constant:
+        return item.value.Is(Subtype::Double) && TakeSource(item.value);
+      case ItemKind::Operator:
+        return TakeOperator(item.operator_code);
+      case ItemKind::Builtin:
+        return TakeFunction(*item.builtin);
+      default:
+        return false;
+    }
+  }
+
+  bool TakeSource(const Variant& source) {
+    NumericStep step{NumericCode::Load, {}};
+    step.source = &source;
+    program_.steps.push_back(step);
+    return Push(SlotType::Number);
+  }
+
+  bool TakeOperator(OperatorCode code) {
+    if (types_.size() == 1) return TakeUnary(code);
+    const auto* row = std::ranges::find(kOperators, code, &OperatorRow::code);
+    if (row == std::end(kOperators) || types_.size() < 2) return false;
+    return Pop(row->takes) && Pop(row->takes) && Emit(row->step, row->gives);
+  }
+
+  bool TakeUnary(OperatorCode code) {
+    if (code != OperatorCode::Subtract && code != OperatorCode::Negating) return true;
+    return Pop(SlotType::Number) && Emit(NumericCode::Negate, SlotType::Number);
+  }
+
+  bool TakeFunction(const Builtin& builtin) {
+    const auto* row = std::ranges::find(kFunctions, builtin.name, &FunctionRow::name);
+    if (row == std::end(kFunctions) || types_.size() < builtin.pops) return false;
+    const std::size_t conditions = row->step == NumericCode::Choose ? 1 : 0;
+    for (std::size_t i = conditions; i < builtin.pops; ++i)
+      if (!Pop(SlotType::Number)) return false;
+    return (conditions == 0 || Pop(SlotType::Boolean)) && Emit(row->step, SlotType::Number);
+  }
+
+  bool Push(SlotType type) {
+    types_.push_back(type);
+    program_.depth = std::max(program_.depth, static_cast<std::uint32_t>(types_.size()));
+    return types_.size() <= NumericProgram::kDeepest;
+  }
+  bool Pop(SlotType type) {
+    if (types_.empty() || types_.back() != type) return false;
+    types_.pop_back();
+    return true;
+  }
+  bool Emit(NumericCode code, SlotType gives) {
+    program_.steps.push_back({code, {}});
+    return Push(gives);
+  }
+
+  NumericProgram program_;
+  std::vector<SlotType> types_;
+};
+
+bool IsDefinedPower(double base, double exponent) {
+  return base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent));
+}
+
+}  // namespace
+
+std::optional<NumericProgram> MakeNumericProgram(const Plan& plan) {
+  return ProgramMaker().Make(plan);
+}
+
+std::optional<double> NumericProgram::Run() const {
+  std::array<double, kDeepest> stack;
+  double* top = stack.data() - 1;
+  for (const NumericStep& step : steps) {
+    switch (step.code) {
+      case NumericCode::Load:
+        if (!step.source->Is(Subtype::Double)) return std::nullopt;
+        *++top = step.source->AsDouble();
+        continue;
+      case NumericCode::Push:
+        *++top = step.number;
+        continue;
+      case NumericCode::Add:
+        --top;
+        *top = top[0] + top[1];
+        break;
+      case NumericCode::Subtract:
+        --top;
+        *top = top[0] - top[1];
+        break;
+      case NumericCode::Multiply:
+        --top;
+        *top = top[0] * top[1];
+        break;
+      case NumericCode::Divide:
+        --top;
+        if (top[1] == 0) return std::nullopt;
+        *top = top[0] / top[1];
+        break;
+      case NumericCode::Power:
+        --top;
+        if (!IsDefinedPower(top[0], top[1])) return std::nullopt;
+        *top = std::pow(top[0], top[1]);
+        break;
+      case NumericCode::TimesNegated:
+        --top;
+        *top = top[0] * top[1];
+        if (!arithmetic::IsFinite(*top)) return std::nullopt;
+        *top *= -1;
+        break;
+      case NumericCode::Negate:
+        *top *= -1;
+        break;
+      case NumericCode::Less:
+        --top;
+        *top = top[0] < top[1];
+        continue;
+      case NumericCode::LessOrEqual:
+        --top;
+        *top = top[0] <= top[1];
+        continue;
+      case NumericCode::Greater:
+        --top;
+        *top = top[0] > top[1];
+        continue;
+      case NumericCode::GreaterOrEqual:
+        --top;
+        *top = top[0] >= top[1];
+        continue;
+      case NumericCode::Equal:
+        --top;
+        *top = top[0] == top[1] || comparison::EqualNumbers(top[0], top[1]);
+        continue;
+      case NumericCode::Different:
+        --top;
+        *top = top[0] != top[1];
+        continue;
+      case NumericCode::And:
+        --top;
+        *top = top[0] * top[1];
+        continue;
+      case NumericCode::Or:
+        --top;
+        *top = std::max(top[0], top[1]);
+        continue;
+      case NumericCode::Abs:
+        *top = std::fabs(*top);
+        continue;
+      case NumericCode::Min:
+        --top;
+        *top = top[0] < top[1] ? top[0] : top[1];
+        continue;
+      case NumericCode::Max:
+        --top;
+        *top = top[0] > top[1] ? top[0] : top[1];
+        continue;
+      case NumericCode::Choose:
+        top -= 2;
+        *top = top[0] != 0 ? top[1] : top[2];
+        continue;
+    }
+    if (!arithmetic::IsFinite(*top)) return std::nullopt;
+  }
+  return stack[0];
+}
+
+}  // namespace tovalin

@@ -1,0 +1,213 @@
+#include "tovalin/formula.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <random>
+
+#include "tests/evaluator/formula_host.h"
+
+namespace tovalin {
+namespace {
+
+TEST(Formula, StaysRightWhileTheTablesChange) {
+  FormulaHost host;
+  host.evaluator->AddConstant(u"Tarifa", 0.5, u"", kNumeric);
+  const Ref<Formula> formula = host.evaluator->Preparar(u"@A * Tarifa + ABS(B)");
+  Variant value;
+  EXPECT_TRUE(formula->Evaluar(value));
+  EXPECT_EQ(FormulaHost::Show(value), "Double 6");
+  EXPECT_EQ(formula->Texto(), u"@A * Tarifa + ABS(B)");
+  EXPECT_EQ(formula->Posfijo(), u"A Tarifa * B ABS( + ");
+  EXPECT_EQ(FormulaHost::Joined(formula->Variables(), ","), "A,B");
+  host.evaluator->SetVariable(u"A", 10.0);
+  host.evaluator->SetVariable(u"B", std::int16_t{-1});
+  formula->Evaluar(value);
+  EXPECT_EQ(FormulaHost::Show(value), "Double 6");
+  host.evaluator->SetConstante(u"Tarifa", 1.0);  // bound when it was prepared
+  formula->Evaluar(value);
+  EXPECT_EQ(FormulaHost::Show(value), "Double 6");
+  host.evaluator->RemoveVble(u"B");
+  formula->Evaluar(value);
+  EXPECT_EQ(FormulaHost::Show(value), "Integer 0");
+  EXPECT_EQ(formula->Errores()->Count(), 1);
+  EXPECT_EQ(ToUtf8(host.evaluator->LastError()), "1 - Variable no definida B\r\n");
+  host.evaluator->AddVble(u"B", 0.0, u"", kNumeric, u"A * 2");
+  formula->Evaluar(value);
+  EXPECT_EQ(FormulaHost::Show(value), "Double 30");
+  EXPECT_EQ(formula->Errores()->Count(), 0);
+}
+
+TEST(Formula, OutlivesItsEvaluator) {
+  auto host = std::make_unique<FormulaHost>();
+  const Ref<Formula> formula = host->evaluator->Preparar(u"A + 1");
+  host.reset();
+  Variant value = 1.5;
+  const std::optional<Error> error =
+      formula->Invoke(u"Evaluar", MemberKind::Method, std::span(&value, 1), value);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->number, kObjectError);
+  EXPECT_EQ(ToUtf8(error->description), "El Evaluador de la fórmula ya no existe");
+  EXPECT_EQ(formula->Texto(), u"A + 1");
+}
+
+// Formulas over A, B, C and D, in random shapes.
+class RandomFormula {
+ public:
+  explicit RandomFormula(std::mt19937& random) : random_(random) {}
+
+  Text Number(int depth) {
+    switch (depth == 0 ? random_() % 3 : random_() % 11) {
+      case 0:
+      case 1:
+        return Text(1, u"ABCD"[random_() % 4]);
+      case 2:
+        return FromUtf8(std::to_string(random_() % 7)) + (random_() % 2 ? u".5" : u"");
+      case 3:
+        return u"ABS(" + Number(depth - 1) + u")";
+      case 4:
+        return u"MAX(" + Number(depth - 1) + u"," + Number(depth - 1) + u")";
+      case 5:
+        return u"MIN(" + Number(depth - 1) + u"," + Number(depth - 1) + u")";
+      case 6:
+        return u"IIF(" + Condition(depth - 1) + u"," + Number(depth - 1) + u"," +
+               Number(depth - 1) + u")";
+      case 7:
+        return Number(depth - 1) + u"*-" + Number(0);
+      default: {
+        const char16_t* operators[] = {u"+", u"-", u"*", u"/", u"^"};
+        return u"(" + Number(depth - 1) + u" " + operators[random_() % 5] + u" " +
+               Number(depth - 1) + u")";
+      }
+    }
+  }
+
+  Text Condition(int depth) {
+    const char16_t* comparisons[] = {u"<", u"<=", u">", u">=", u"=", u"<>"};
+    const Text plain = u"(" + Number(depth > 0 ? depth - 1 : 0) + u" " +
+                       comparisons[random_() % 6] + u" " + Number(0) + u")";
+    if (depth < 2 || random_() % 2) return plain;
+    return u"(" + plain + (random_() % 2 ? u" AND " : u" OR ") + Condition(depth - 1) + u")";
+  }
+
+ private:
+  std::mt19937& random_;
+};
+
+double RandomValue(std::mt19937& random) {
+  constexpr double kSpecial[] = {0.0,    -0.0,   1.0,    -1.0,      1e308,
+                                 -1e308, 1e-308, 5e-324, 0.1,       0.30000000000000004,
+                                 1e15,   2.0,    3.0,    1.0 / 3.0, INFINITY};
+  if (random() % 40 == 0) return kSpecial[random() % std::size(kSpecial)];
+  return (static_cast<double>(random() % 2'000'000) - 1e6) / (random() % 2 ? 100.0 : 7.0);
+}
+
+struct RowOutcome {
+  std::uint64_t bits = 0;
+  std::int32_t error = 0;
+  friend bool operator==(const RowOutcome&, const RowOutcome&) = default;
+  friend void PrintTo(const RowOutcome& outcome, std::ostream* stream) {
+    *stream << std::bit_cast<double>(outcome.bits) << " error " << outcome.error;
+  }
+};
+
+// Every road gives the same value to the last bit: the columns, the rows, and
+// the walk over a postfix Collection, which knows no shorter way.
+TEST(EvaluarTabla, GivesWhatEachRowGives) {
+  constexpr std::size_t kRows = 1200;  // more than two blocks
+  const char16_t* names[] = {u"A", u"B", u"C", u"D"};
+  std::mt19937 random(11);
+  for (int round = 0; round < 150; ++round) {
+    FormulaHost host;
+    host.evaluator->ClearVbles();
+    for (const char16_t* name : names) host.evaluator->AddVble(name, 0.0, u"", kNumeric);
+    const Text text = RandomFormula(random).Number(1 + static_cast<int>(random() % 4));
+    std::vector<std::vector<double>> values(4, std::vector<double>(kRows));
+    for (auto& column : values)
+      for (double& value : column) value = RandomValue(random);
+    std::vector<Formula::Column> columns;
+    for (std::size_t i = 0; i < 4; ++i)
+      columns.push_back({names[i], std::span<const double>(values[i])});
+
+    std::vector<double> results(kRows, 777);
+    const Ref<Formula> formula = host.evaluator->Preparar(text);
+    ASSERT_EQ(formula->Errores()->Count(), 0) << ToUtf8(text);
+    const auto errors = formula->EvaluarTabla(columns, kRows, std::span<double>(results));
+    std::vector<RowOutcome> by_table(kRows);
+    for (std::size_t row = 0; row < kRows; ++row)
+      by_table[row].bits = std::bit_cast<std::uint64_t>(results[row]);
+    for (const auto& error : errors) {
+      EXPECT_EQ(results[error.row], 777);
+      by_table[error.row] = {0, error.error.number};
+    }
+
+    Ref<Collection> items;
+    Text expression = text;
+    host.evaluator->Posfijo(host.evaluator->CheckInfijo(expression), items);
+    const Variant inputs[] = {Variant(text), Variant(items)};
+    for (std::size_t row = 0; row < kRows; row += 1 + random() % 5) {
+      for (std::size_t i = 0; i < 4; ++i) host.evaluator->ChangeVble(values[i][row], names[i]);
+      for (const Variant& input : inputs) {
+        RowOutcome by_row;
+        try {
+          Variant value;
+          host.evaluator->EvaluatePosfijo(input, value);
+          by_row.bits = std::bit_cast<std::uint64_t>(ToDouble(value));
+        } catch (const Error& error) {
+          by_row = {0, error.number};
+        }
+        ASSERT_EQ(by_table[row], by_row) << ToUtf8(text) << " row " << row;
+      }
+    }
+  }
+}
+
+TEST(EvaluarTabla, TakesVariantsAndHostFunctions) {
+  FormulaHost host;
+  host.evaluator->AddFunction(u"DOBLE(", u"DOBLE", u"", u"");
+  host.evaluator->Evaluate.Attach([&](const Text&, Variant& result, Ref<Collection>& pila) {
+    result = 2 * ToDouble(host.evaluator->LoadTopePila(pila));
+  });
+  const Variant codes[] = {u"x", 5.0, Variant::Null(), u"abc"};
+  const double numbers[] = {1, 2, 3, 4};
+  const Formula::Column columns[] = {{u"X", std::span<const Variant>(codes)},
+                                     {u"A", std::span<const double>(numbers)}};
+  std::vector<Variant> results(4);
+  const Ref<Formula> joined = host.evaluator->Preparar(u"X & DOBLE(A)");
+  EXPECT_TRUE(joined->EvaluarTabla(columns, 4, std::span<Variant>(results)).empty());
+  EXPECT_EQ(FormulaHost::Show(results[1]), "String 54");
+  EXPECT_EQ(FormulaHost::Show(results[2]), "String 6");
+  const Ref<Formula> added = host.evaluator->Preparar(u"X + DOBLE(A)");
+  const auto errors = added->EvaluarTabla(columns, 4, std::span<Variant>(results));
+  ASSERT_EQ(errors.size(), 2u);
+  EXPECT_EQ(errors[1].row, 3u);
+  EXPECT_EQ(errors[1].error.number, 13);
+  EXPECT_EQ(FormulaHost::Show(results[1]), "Double 9");
+  EXPECT_EQ(FormulaHost::Show(host.evaluator->GetVariable(u"X", 0.0)), "String Contabilidad");
+  const Formula::Column unknown[] = {{u"Quien", std::span<const double>(numbers)}};
+  EXPECT_THROW(added->EvaluarTabla(unknown, 4, std::span<Variant>(results)), Error);
+  EXPECT_THROW(added->EvaluarTabla(columns, 5, std::span<Variant>(results)), Error);
+}
+
+TEST(EvaluarTabla, IsCalledLateBound) {
+  FormulaHost host;
+  const Ref<Formula> formula = host.evaluator->Preparar(u"A / B + X");
+  auto columns = Make<Collection>();
+  for (const char16_t* name : {u"A", u"X"}) {
+    auto array = Make<VariantArray>(1, 2);
+    array->At(0, 0) = 10.0;
+    array->At(0, 1) = Text(name) == u"X" ? Variant(u"abc") : Variant(1.0);
+    columns->Add(Variant(array), Variant(name));
+  }
+  Variant results;
+  Variant arguments[] = {Variant(columns), std::int32_t{2}, Variant::ByReference(results)};
+  Variant failed;
+  ASSERT_FALSE(formula->Invoke(u"evaluartabla", MemberKind::Method, arguments, failed));
+  EXPECT_EQ(failed.AsLong(), 1);
+  EXPECT_EQ(FormulaHost::Show(results.AsArray().At(0, 0)), "Double 12");
+  EXPECT_EQ(results.AsArray().At(0, 1).AsErrorCode(), 13);
+}
+
+}  // namespace
+}  // namespace tovalin

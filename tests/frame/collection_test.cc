@@ -1,0 +1,224 @@
+#include "tovalin/collection.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+
+#include "tovalin/campos.h"
+#include "tovalin/convert.h"
+
+namespace tovalin {
+namespace {
+
+std::int32_t RaisedNumber(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const Error& error) {
+    return error.number;
+  }
+  return 0;
+}
+
+// The same operations on a Collection and on a plain vector.
+TEST(Collection, AgreesWithAVector) {
+  struct Entry {
+    std::int32_t item;
+    Text key;
+  };
+  std::mt19937 random(3);
+  const auto below = [&random](std::size_t limit) {
+    return static_cast<std::size_t>(random()) % limit;
+  };
+  auto collection = Make<Collection>();
+  std::vector<Entry> model;
+  for (std::int32_t step = 0; step < 20'000; ++step) {
+    const Text key = below(3) ? u"Clave" + FromUtf8(std::to_string(below(60))) : Text();
+    const auto place = static_cast<std::int32_t>(below(model.size() + 2));
+    const bool taken = !key.empty() && std::ranges::any_of(model, [&](const Entry& entry) {
+      return EqualFolded(entry.key, key);
+    });
+    const bool exists = place >= 1 && place <= static_cast<std::int32_t>(model.size());
+    const Variant key_argument = key.empty() ? Variant::Missing() : Variant(ToUpper(key));
+    const auto add = [&](const Variant& before, const Variant& after, std::size_t position) {
+      const std::int32_t error =
+          RaisedNumber([&] { collection->Add(step, key_argument, before, after); });
+      if (!exists && !(before.IsMissing() && after.IsMissing())) {
+        EXPECT_EQ(error, 9);
+      } else if (taken) {
+        EXPECT_EQ(error, 457);
+      } else {
+        EXPECT_EQ(error, 0);
+        model.insert(model.begin() + static_cast<std::ptrdiff_t>(position), {step, key});
+      }
+    };
+    switch (below(6)) {
+      case 0:
+      case 1:
+        add(Variant::Missing(), Variant::Missing(), model.size());
+        break;
+      case 2:
+        add(place, Variant::Missing(), static_cast<std::size_t>(place) - 1);
+        break;
+      case 3:
+        add(Variant::Missing(), place, static_cast<std::size_t>(place));
+        break;
+      case 4:
+        EXPECT_EQ(RaisedNumber([&] { collection->Remove(place); }), exists ? 0 : 9);
+        if (exists) model.erase(model.begin() + place - 1);
+        break;
+      case 5:
+        if (key.empty()) break;
+        EXPECT_EQ(RaisedNumber([&] { collection->Remove(Variant(key)); }), taken ? 0 : 5);
+        std::erase_if(model, [&](const Entry& entry) { return EqualFolded(entry.key, key); });
+    }
+    ASSERT_EQ(collection->Count(), static_cast<std::int32_t>(model.size()));
+    if (step % 50 != 0) continue;
+    for (std::size_t i = 0; i < model.size(); ++i) {
+      ASSERT_EQ(collection->Item(static_cast<std::int32_t>(i) + 1).AsLong(), model[i].item);
+      if (!model[i].key.empty()) {
+        ASSERT_EQ(collection->Item(ToLower(model[i].key)).AsLong(), model[i].item);
+      }
+    }
+  }
+}
+
+TEST(Collection, RefusesWhatItCannotPlace) {
+  auto collection = Make<Collection>();
+  collection->Add(1.0, u"uno");
+  EXPECT_EQ(RaisedNumber([&] { collection->Add(2.0, 5.0); }), 13);
+  EXPECT_EQ(RaisedNumber([&] { collection->Add(2.0, u"dos", u"uno", u"uno"); }), 5);
+  EXPECT_EQ(RaisedNumber([&] { collection->Add(2.0, u"dos", u"tres"); }), 5);
+  EXPECT_EQ(RaisedNumber([&] { collection->Item(0.4); }), 9);
+  EXPECT_EQ(RaisedNumber([&] { collection->Item(Variant::Null()); }), 13);
+  EXPECT_EQ(collection->Item(1.4).AsDouble(), 1.0);
+  EXPECT_EQ(collection->Count(), 1);
+}
+
+std::string Walk(const Ref<Collection>& collection,
+                 const std::function<void(std::int32_t)>& at_item) {
+  std::string met;
+  for (const Variant& item : *collection) {
+    met += ToUtf8(ToText(item)) + " ";
+    if (item.Is(Subtype::Long)) at_item(item.AsLong());
+  }
+  return met;
+}
+
+Ref<Collection> OneToFive() {
+  auto collection = Make<Collection>();
+  for (std::int32_t i = 1; i <= 5; ++i) collection->Add(i);
+  return collection;
+}
+
+TEST(Iteration, StaysRightWhileItemsComeAndGo) {
+  auto collection = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t item) {
+                   if (item == 2) collection->Remove(2);
+                 }),
+            "1 2 3 4 5 ");
+  collection = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t item) {
+                   if (item == 3) collection->Remove(1);
+                 }),
+            "1 2 3 4 5 ");
+  collection = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t item) {
+                   if (item == 2) collection->Add(u"nuevo", Variant::Missing(), std::int32_t{1});
+                   if (item == 4) collection->Add(u"luego");
+                 }),
+            "1 2 3 4 5 luego ");
+  collection = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t item) {
+                   if (item != 3) return;
+                   collection->Remove(3);
+                   collection->Add(u"aquí", Variant::Missing(), std::int32_t{3});
+                 }),
+            "1 2 3 aquí 4 5 ");
+  collection = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t) {
+                   while (collection->Count()) collection->Remove(1);
+                 }),
+            "1 ");
+  collection = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t item) {
+                   if (item == 5) collection->Remove(5);
+                 }),
+            "1 2 3 4 5 ");
+  // Walks within walks, and a list that dies on the way.
+  collection = OneToFive();
+  std::string inner;
+  auto doomed = OneToFive();
+  EXPECT_EQ(Walk(collection,
+                 [&](std::int32_t item) {
+                   if (item == 1)
+                     inner = Walk(collection, [&](std::int32_t i) {
+                       if (i == 4) collection->Remove(2);
+                     });
+                 }),
+            "1 3 4 5 ");
+  EXPECT_EQ(inner, "1 2 3 4 5 ");
+  for (const Variant& item : *doomed) {
+    EXPECT_EQ(item.AsLong(), 1);
+    doomed = nullptr;
+  }
+}
+
+TEST(Campos, KeepsRecordsUnderTheirNames) {
+  auto table = Make<Campos>();
+  const auto record = Make<Campo>(u"Año");
+  table->Add(record);
+  table->Add(Make<Campo>(u"B"), u"AÑO");
+  EXPECT_EQ(table->Item(std::int32_t{2})->Name(), u"Año");
+  EXPECT_EQ(table->Item(u"año"), record);
+  EXPECT_FALSE(table->Exists(u"ano"));
+  EXPECT_EQ(RaisedNumber([&] { table->Add(Make<Campo>(u"b")); }), 457);
+  EXPECT_EQ(RaisedNumber([&] { table->Add(nullptr); }), 91);
+  EXPECT_EQ(RaisedNumber([&] { table->Remove(u"C"); }), 5);
+  record->LetName(u"Otro");  // it stays where it was put
+  EXPECT_TRUE(table->Exists(u"año") && !table->Exists(u"Otro"));
+  const std::uint64_t version = table->Version();
+  record->LetValue(5.0);
+  EXPECT_EQ(table->Version(), version);
+  record->LetFormula(u"B + 1");
+  EXPECT_GT(table->Version(), version);
+  table->Remove(u"año");
+  table = nullptr;
+  record->LetFormula(u"");  // tells no table that is gone
+}
+
+TEST(Variant, SharesTextAndCopiesArraysWhenWritten) {
+  EXPECT_EQ(sizeof(Variant), 16u);
+  Variant text = u"un texto más largo que cualquier otro";
+  const Variant copy = text;
+  EXPECT_EQ(text.AsText().data(), copy.AsText().data());
+  const Variant moved = std::move(text);
+  EXPECT_TRUE(text.Is(Subtype::Empty));
+  EXPECT_EQ(moved.AsText(), copy.AsText());
+
+  Variant array = Make<VariantArray>(2, 3);
+  EXPECT_EQ(array.Code(), 8204);
+  array.MutableArray().At(1, 2) = 5.0;
+  const Variant other = array;
+  array.MutableArray().At(1, 2) = 6.0;
+  EXPECT_EQ(other.AsArray().At(1, 2).AsDouble(), 5.0);
+  EXPECT_EQ(RaisedNumber([&] { other.AsArray().At(2, 0); }), 9);
+
+  Variant target = std::int16_t{3};
+  Variant reference = Variant::ByReference(target);
+  EXPECT_EQ(reference.Code(), 16386);
+  Variant chained = Variant::ByReference(reference);
+  chained.Assign(u"cambiado");
+  EXPECT_EQ(target.AsText(), u"cambiado");
+  EXPECT_EQ(chained.AsText(), u"cambiado");
+}
+
+}  // namespace
+}  // namespace tovalin
