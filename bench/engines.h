@@ -1,9 +1,9 @@
 #pragma once
 
-#include <lua.hpp>
 #include <muParser.h>
 
 #include <deque>
+#include <lua.hpp>
 #include <string>
 
 #include "bench/formulas.h"

@@ -8,7 +8,7 @@
 namespace tovalin::bench {
 namespace {
 
-void FirstTovalin(benchmark::State& state, const Formula& formula) {
+void FirstTovalin(benchmark::State& state, const Sample& formula) {
   const Ref<Evaluador> evaluador = MakeEvaluador();
   FreshText<Text> fresh(FromUtf8(formula.tovalin));
   Variant expression;
@@ -23,7 +23,7 @@ void FirstTovalin(benchmark::State& state, const Formula& formula) {
   if (!evaluador->LastError().empty()) state.SkipWithError("faults");
 }
 
-void FirstMuParser(benchmark::State& state, const Formula& formula) {
+void FirstMuParser(benchmark::State& state, const Sample& formula) {
   MuParser parser;
   FreshText<std::string> fresh(formula.muparser);
   for (auto _ : state) {
@@ -32,7 +32,7 @@ void FirstMuParser(benchmark::State& state, const Formula& formula) {
   }
 }
 
-void FirstLua(benchmark::State& state, const Formula& formula) {
+void FirstLua(benchmark::State& state, const Sample& formula) {
   Lua lua;
   FreshText<std::string> fresh(std::string("return ") + formula.lua);
   bool good = true;
@@ -43,7 +43,7 @@ void FirstLua(benchmark::State& state, const Formula& formula) {
   if (!good) state.SkipWithError("does not compute");
 }
 
-void AgainTovalin(benchmark::State& state, const Formula& formula) {
+void AgainTovalin(benchmark::State& state, const Sample& formula) {
   const Ref<Evaluador> evaluador = MakeEvaluador();
   const Variant expression(FromUtf8(formula.tovalin));
   Variant result;
@@ -55,7 +55,7 @@ void AgainTovalin(benchmark::State& state, const Formula& formula) {
 }
 
 // A variable is another number each time, as it is row after row.
-void RowsTovalin(benchmark::State& state, const Formula& formula) {
+void RowsTovalin(benchmark::State& state, const Sample& formula) {
   const Ref<Evaluador> evaluador = MakeEvaluador();
   const Variant expression(FromUtf8(formula.tovalin));
   const Text name = u"Salario";
@@ -69,13 +69,13 @@ void RowsTovalin(benchmark::State& state, const Formula& formula) {
   }
 }
 
-void AgainMuParser(benchmark::State& state, const Formula& formula) {
+void AgainMuParser(benchmark::State& state, const Sample& formula) {
   MuParser parser;
   parser.Prepare(formula.muparser);
   for (auto _ : state) benchmark::DoNotOptimize(parser.Eval());
 }
 
-void AgainLua(benchmark::State& state, const Formula& formula) {
+void AgainLua(benchmark::State& state, const Sample& formula) {
   Lua lua;
   bool good = lua.Load(std::string("return ") + formula.lua);
   for (auto _ : state) {

@@ -14,9 +14,14 @@ struct NumberVariable {
 };
 
 inline constexpr NumberVariable kNumbers[] = {
-    {"Salario", 2512345.0}, {"DiasTrabajados", 28.0}, {"HorasExtra", 12.0},
-    {"Comision", 187500.0}, {"SalarioMinimo", 1423500.0}, {"Anticipo", 350000.0},
-    {"Tasa", 0.0725},       {"Cuotas", 36.0},
+    {"Salario", 2512345.0},
+    {"DiasTrabajados", 28.0},
+    {"HorasExtra", 12.0},
+    {"Comision", 187500.0},
+    {"SalarioMinimo", 1423500.0},
+    {"Anticipo", 350000.0},
+    {"Tasa", 0.0725},
+    {"Cuotas", 36.0},
 };
 
 struct TextVariable {
@@ -29,21 +34,21 @@ inline constexpr TextVariable kTexts[] = {
 
 /// One formula in the dialect of each engine; null where an engine has none for it.
 /// Each holds the number 1000000 once: FreshText varies it.
-struct Formula {
+struct Sample {
   const char* tovalin;
   const char* muparser;
   const char* lua;
 };
 
 /// Three operations.
-inline constexpr Formula kShortFormula = {
+inline constexpr Sample kShortFormula = {
     "Salario * DiasTrabajados / 30 + 1000000",
     "Salario * DiasTrabajados / 30 + 1000000",
     "Salario * DiasTrabajados / 30 + 1000000",
 };
 
 /// Fifteen operations.
-inline constexpr Formula kLongFormula = {
+inline constexpr Sample kLongFormula = {
     "(Salario * DiasTrabajados / 30 + HorasExtra * Salario * 1.25 / 220 + Comision) * "
     "(1 - Tasa) - Anticipo + (Salario - SalarioMinimo) * 0.04 / Cuotas + 1000000 * 2 - 5",
     "(Salario * DiasTrabajados / 30 + HorasExtra * Salario * 1.25 / 220 + Comision) * "
@@ -53,7 +58,7 @@ inline constexpr Formula kLongFormula = {
 };
 
 /// Comparisons and a choice, as a payroll has them.
-inline constexpr Formula kChoiceFormula = {
+inline constexpr Sample kChoiceFormula = {
     "IIF((Salario <= 2 * SalarioMinimo) AND (DiasTrabajados > 0), "
     "1000000 * DiasTrabajados / 30, 0)",
     "(Salario <= 2 * SalarioMinimo) && (DiasTrabajados > 0) ? "
@@ -63,14 +68,14 @@ inline constexpr Formula kChoiceFormula = {
 };
 
 /// Text.
-inline constexpr Formula kTextFormula = {
+inline constexpr Sample kTextFormula = {
     "IIF(Cargo = \"Asesor comercial\", Codigo & \"-\" & Nit, \"1000000\")",
     nullptr,
     "Cargo == \"Asesor comercial\" and Codigo .. \"-\" .. Nit or \"1000000\"",
 };
 
 /// Dates.
-inline constexpr Formula kDatesFormula = {
+inline constexpr Sample kDatesFormula = {
     "Dias360(FechaIngreso, SERIEFECHA(2025, 12, 31)) / 360 + YEAR(FechaIngreso) + 1000000",
     nullptr,
     nullptr,

@@ -10,7 +10,6 @@ namespace tovalin {
 
 /// Where formulas find their evaluator; emptied when the evaluator goes.
 struct EvaluatorLink {
-  Evaluador* evaluator = nullptr;
   Evaluador::Core* core = nullptr;
 };
 
@@ -30,7 +29,7 @@ class Evaluador::Core {
 
   /// The plan of what a host wants evaluated: a formula text, or a postfix
   /// Collection, whose items are looked up as they are.
-  Ref<Plan> PlanOf(const Variant& expression, const Ref<Campos>& locals);
+  Engine::Prepared Prepare(const Variant& expression, const Ref<Campos>& locals);
   /// The tokens of a formula text of a host.
   TokenList FormulaTokens(const Text& formula);
 };

@@ -8,15 +8,14 @@ namespace tovalin {
 void DependencyIndex::Refresh() {
   const NamesStamp stamp = StampNames(symbols_, nullptr);
   if (built_ && stamp == stamp_) return;
+  const auto records = static_cast<std::size_t>(symbols_.variables->Count());
+  const bool stray = mentions_.size() > 2 * records + 64;  // of records that are gone
+  if (stray || stamp.vocabulary != stamp_.vocabulary) mentions_.clear();
   dependants_.clear();
   for (const Ref<Campo>& record : symbols_.variables->List().Items()) {
     if (!record->HasFormula()) continue;
-    const TokenList list = plans_.Tokens(record->Formula());
-    for (const Token& token : list.tokens) {
-      if (token.kind != TokenKind::Name) continue;
-      TextView name = list.Span(token);
-      if (name.starts_with(u'@')) name.remove_prefix(1);
-      const Campo* mentioned = symbols_.variables->Find(name);
+    for (const Text& name : NamesOf(*record)) {
+      const Campo* mentioned = symbols_.Find(name);
       if (!mentioned) continue;
       std::vector<Campo*>& readers = dependants_[mentioned];
       if (readers.empty() || readers.back() != record.get()) readers.push_back(record.get());
@@ -24,6 +23,21 @@ void DependencyIndex::Refresh() {
   }
   stamp_ = stamp;
   built_ = true;
+}
+
+const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {
+  Mentions& mentions = mentions_[&record];
+  if (mentions.formula == record.Formula()) return mentions.names;
+  mentions.formula = record.Formula();
+  mentions.names.clear();
+  const TokenList list = plans_.Tokens(record.Formula());
+  for (const Token& token : list.tokens) {
+    if (token.kind != TokenKind::Name) continue;
+    TextView name = list.Span(token);
+    if (name.starts_with(u'@')) name.remove_prefix(1);
+    mentions.names.emplace_back(name);
+  }
+  return mentions.names;
 }
 
 std::vector<Campo*> DependencyIndex::Reached(const std::vector<Ref<Campo>>& roots) const {

@@ -18,17 +18,38 @@ class DependencyIndex {
   /// end. A root is among them only when another root leads to it.
   std::vector<Ref<Campo>> Dependants(const std::vector<Ref<Campo>>& roots);
 
+  /// Whether a formula variable that mentions one of `roots` itself is as asked.
+  template <class Predicate>
+  bool AnyReader(const std::vector<Ref<Campo>>& roots, Predicate predicate) {
+    Refresh();
+    for (const Ref<Campo>& root : roots) {
+      const auto readers = dependants_.find(root.get());
+      if (readers == dependants_.end()) continue;
+      for (const Campo* reader : readers->second)
+        if (predicate(*reader)) return true;
+    }
+    return false;
+  }
+
  private:
   using Edges = std::unordered_map<const Campo*, std::vector<Campo*>>;
 
+  // The names that a formula mentions, good while the vocabulary and its text stay.
+  struct Mentions {
+    Text formula;
+    std::vector<Text> names;
+  };
+
   void Refresh();
+  const std::vector<Text>& NamesOf(const Campo& record);
   std::vector<Campo*> Reached(const std::vector<Ref<Campo>>& roots) const;
 
   const Symbols& symbols_;
   PlanStore& plans_;
   NamesStamp stamp_;
   bool built_ = false;
-  Edges dependants_;  // of a variable: the formula variables that mention it
+  Edges dependants_;  // of a variable or constant: the formula variables that mention it
+  std::unordered_map<const Campo*, Mentions> mentions_;
 };
 
 }  // namespace tovalin

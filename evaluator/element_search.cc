@@ -65,6 +65,7 @@ void ElementSearch::Add(TextView pattern, Element element) {
     node = child;
   }
   if (nodes_[node].element != 0) return;
+  if (element.kind == TokenKind::Operator) element.operator_code = CodeOf(Trim(pattern));
   element.length = static_cast<std::uint32_t>(pattern.size());
   elements_.push_back(element);
   nodes_[node].element = static_cast<std::uint16_t>(elements_.size());
@@ -108,6 +109,7 @@ std::optional<ElementSearch::Match> ElementSearch::Find(TextView text, std::size
   std::uint32_t node = 0;
   for (std::size_t i = from; i < text.size(); ++i) {
     const char16_t c = text[i];
+    if (node == 0 && c < kDirect && root_[fold_[c]] == 0) continue;  // no element begins so
     node = Step(node, c < kDirect ? fold_[c] : FoldCase(c));
     const Node& here = nodes_[node];
     // What is being matched now starts too late to beat what was found.
@@ -121,7 +123,8 @@ std::optional<ElementSearch::Match> ElementSearch::Find(TextView text, std::size
     }
   }
   if (!best) return std::nullopt;
-  return Match{best_start, best->length, best->kind, best->record, best->builtin, best->is_word};
+  return Match{best_start,    best->length,        best->kind,   best->record,
+               best->builtin, best->operator_code, best->is_word};
 }
 
 Campo* ElementSearch::FindWord(TextView name) const {

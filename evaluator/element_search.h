@@ -28,7 +28,8 @@ class ElementSearch {
     TokenKind kind;
     Campo* record;           // null for a separator
     const Builtin* builtin;  // of a function that is built in
-    bool is_word;            // found with a blank on each side, which its span holds
+    OperatorCode operator_code;
+    bool is_word;  // found with a blank on each side, which its span holds
   };
 
   /// Reads the tables of `symbols`; the records stay theirs.
@@ -45,6 +46,7 @@ class ElementSearch {
     Campo* record = nullptr;
     const Builtin* builtin = nullptr;
     bool is_word = false;
+    OperatorCode operator_code = OperatorCode::Unknown;
     std::uint32_t length = 0;
   };
   struct Node {

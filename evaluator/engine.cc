@@ -1,5 +1,6 @@
 #include "evaluator/engine.h"
 
+#include <algorithm>
 #include <array>
 
 #include "frame/clock.h"
@@ -57,7 +58,15 @@ struct Engine::Level {
 };
 
 Engine::Calculation::Calculation(Engine& engine, Ref<Campos> locals)
-    : engine_(engine), locals_(std::move(locals)), outer_(engine.calculation_) {
+    : engine_(engine),
+      locals_(std::move(locals)),
+      outer_(engine.calculation_),
+      marks_(&own_marks_),
+      values_(engine.StampValues(locals_.get())) {
+  const Evaluador& owner = engine.owner_;
+  if (owner.Evaluate.HasHandlers() && owner.references.Value() > 0)
+    alive_ = Ref<Object>::Share(&engine.owner_);
+  if (outer_ && outer_->values_ == values_ && outer_->locals_ == locals_) marks_ = outer_->marks_;
   engine.calculation_ = this;
 }
 
@@ -66,22 +75,39 @@ Engine::Calculation::~Calculation() { engine_.calculation_ = outer_; }
 Engine::Outcome Engine::Calculation::Walk(const Ref<Plan>& plan) {
   try {
     Outcome outcome = engine_.Walk(*plan, locals_);
-    ComputeDependantsOfComputed();
+    Finish();
     return outcome;
   } catch (...) {
-    // What was computed before the error has dependants too.
-    ComputeDependantsOfComputed();
+    Finish();  // what was computed before the error has dependants too
     throw;
   }
 }
 
-void Engine::Calculation::ComputeDependantsOfComputed() {
-  if (marks_.Computed().empty()) return;
-  const std::vector<Ref<Campo>> computed = marks_.Computed();
-  ComputeDependants(computed);
+void Engine::Calculation::Touch(const Ref<Campo>& record) {
+  Outermost().touched_.push_back(record);
+  Finish();
 }
 
-void Engine::Calculation::ComputeDependants(const std::vector<Ref<Campo>>& roots) {
+Engine::Calculation& Engine::Calculation::Outermost() {
+  Calculation* outermost = this;
+  while (outermost->outer_) outermost = outermost->outer_;
+  return *outermost;
+}
+
+// Dependants are left to the outermost evaluation: each may call a handler that
+// evaluates again, and their number would grow with every level.
+void Engine::Calculation::Finish() {
+  if (outer_ || finishing_ || touched_.empty()) return;
+  finishing_ = true;
+  ComputeDependants();
+  finishing_ = false;
+  touched_.clear();
+}
+
+void Engine::Calculation::ComputeDependants() {
+  const std::vector<Ref<Campo>> roots = std::move(touched_);
+  const auto is_due = [this](const Campo& record) { return engine_.NeedsComputing(record); };
+  if (!engine_.dependencies_.AnyReader(roots, is_due)) return;
   for (const Ref<Campo>& record : engine_.dependencies_.Dependants(roots)) {
     if (!engine_.NeedsComputing(*record)) continue;
     try {
@@ -92,20 +118,38 @@ void Engine::Calculation::ComputeDependants(const std::vector<Ref<Campo>>& roots
   }
 }
 
-Ref<Plan> Engine::Prepare(const Text& formula, const Ref<Campos>& locals) {
-  Ref<Plan> plan;
-  if (formula.find_first_of(u"@\r") == Text::npos) {
-    plan = plans_.Get(formula, locals);
+std::uint64_t Engine::StampValues(const Campos* locals) const {
+  return symbols_.variables->ValuesVersion() + symbols_.constants->ValuesVersion() +
+         (locals ? locals->ValuesVersion() : 0) + symbols_.replacements;
+}
+
+Engine::Prepared Engine::Prepare(const Ref<SharedText>& formula, const Ref<Campos>& locals) {
+  Recent& recent = recent_[std::hash<const void*>()(formula.get()) / sizeof(SharedText) % kRecent];
+  if (recent.text == formula && recent.plan->walks == 0 &&
+      recent.plan->stamp == StampNames(symbols_, locals.get()))
+    return {recent.plan, std::nullopt};
+  Prepared prepared = Prepare(formula->value, locals);
+  const Plan& plan = *prepared.plan;
+  // Faults have to be told anew and constants bound anew each time.
+  if (!prepared.expression && plan.faults.empty() && !plan.has_constants)
+    recent = {formula, prepared.plan};
+  return prepared;
+}
+
+Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals) {
+  Prepared prepared;
+  const auto is_special = [](char16_t c) { return c == u'@' || c == u'\r'; };
+  if (std::ranges::none_of(formula, is_special)) {
+    prepared.plan = plans_.Get(formula, locals);
   } else {
     Text replaced = ReplaceReferences(formula, locals.get());
-    std::string trace_expression = ToUtf8(replaced);
+    prepared.expression = ToUtf8(replaced);
     StripCarriageReturns(replaced);
-    plan = plans_.Get(replaced, locals);
-    plan->trace_expression = std::move(trace_expression);
-    plan->trace_varies = true;
+    prepared.plan = plans_.Get(replaced, locals);
   }
-  if (!plan->faults.empty()) reports_.push_back({formula, plan->text, plan->faults});
-  return plan;
+  const Plan& plan = *prepared.plan;
+  if (!plan.faults.empty()) reports_.push_back({formula, plan.text, plan.faults});
+  return prepared;
 }
 
 Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
@@ -114,12 +158,16 @@ Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
   return plans_.Make(replaced, locals);
 }
 
+std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
+  if (!plan.numeric) return std::nullopt;
+  const NumericProgram& program = *plan.numeric;
+  const std::optional<double> number = program.Run();
+  if (!number) return std::nullopt;
+  return Outcome{program.gives_boolean ? Variant(*number != 0) : Variant(*number), program.left};
+}
+
 Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
-  if (plan.numeric) {
-    const NumericProgram& program = *plan.numeric;
-    if (const std::optional<double> number = program.Run())
-      return {program.gives_boolean ? Variant(*number != 0) : Variant(*number), program.left};
-  }
+  if (std::optional<Outcome> outcome = RunNumeric(plan)) return std::move(*outcome);
   Level level(*this, plan);
   ValueStack& stack = *level.stack;
   for (std::size_t i = 0; i < plan.items.size(); ++i) {
@@ -202,12 +250,24 @@ void Engine::CallHost(const Ref<Campo>& function, ValueStack& stack) {
   }
   close_stack_ = false;
   take_back();
-  stack.push_back(std::move(result));
+  stack.push_back(result.IsByReference() ? Variant(result.Value()) : std::move(result));
 }
 
 bool Engine::NeedsComputing(const Campo& record) const {
   return record.HasFormula() && record.Status() != Campo::kBeingComputed &&
-         !calculation_->marks_.Contains(record);
+         !calculation_->marks_->Contains(record);
+}
+
+Ref<Plan> Engine::FormulaPlan(const Campo& record, const Ref<Campos>& locals) {
+  const auto records = static_cast<std::size_t>(symbols_.variables->Count());
+  if (formula_plans_.size() > 2 * records + 64) formula_plans_.clear();
+  Ref<Plan>& kept = formula_plans_[&record];
+  if (!kept || kept->walks > 0 || kept->stamp != StampNames(symbols_, locals.get()))
+    kept = PrepareApart(record.Formula(), locals);
+  else if (kept->has_constants)
+    BindConstants(*kept);
+  if (!kept->faults.empty()) reports_.push_back({record.Formula(), kept->text, kept->faults});
+  return kept;
 }
 
 void Engine::ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals) {
@@ -217,10 +277,10 @@ void Engine::ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals)
     Campo& record;
   } busy(*record);
   if (depth_ > kDeepest) Raise(Failure::OutOfStack);
-  const Ref<Plan> plan = Prepare(record->Formula(), locals);
+  const Ref<Plan> plan = FormulaPlan(*record, locals);
   const Variant value = Walk(*plan, locals).value;
-  record->LetValue(IsNumber(value) ? Variant(ToDouble(value)) : value);
-  calculation_->marks_.Add(*record);
+  calculation_->marks_->Store(*record, IsNumber(value) ? Variant(ToDouble(value)) : value);
+  calculation_->Outermost().touched_.push_back(record);
 }
 
 }  // namespace tovalin

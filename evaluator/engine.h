@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <deque>
 #include <functional>
+#include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "evaluator/dependencies.h"
@@ -37,30 +40,58 @@ class Engine {
         dependencies_(symbols, plans),
         close_stack_(close_stack) {}
 
-  /// One evaluation as the host sees it: within it each formula variable is
-  /// computed at most once, and at its end those that depend on them are too.
-  /// Evaluations that a handler starts are calculations of their own.
+  /// A formula ready to be walked, and its text for the trace where several texts
+  /// share the plan; otherwise that is the plan's.
+  struct Prepared {
+    Ref<Plan> plan;
+    std::optional<std::string> expression;
+  };
+
+  /// One evaluation as the host sees it. Within the outermost one each formula
+  /// variable is computed at most once, and at its end those that depend on what
+  /// was computed are too. An evaluation that a handler starts goes by what was
+  /// computed already, unless a value was written since: a host that sums over
+  /// rows gets a new value for each row.
   class Calculation {
    public:
     Calculation(Engine& engine, Ref<Campos> locals);
     ~Calculation();
+    Calculation(const Calculation&) = delete;
+    Calculation& operator=(const Calculation&) = delete;
     /// Walks one plan of this evaluation. Throws whatever the walk raises.
     Outcome Walk(const Ref<Plan>& plan);
-    /// Computes what depends on `roots`.
-    void ComputeDependants(const std::vector<Ref<Campo>>& roots);
+    /// Has what depends on `record` computed: now, or by the outermost evaluation
+    /// at its end.
+    void Touch(const Ref<Campo>& record);
 
    private:
     friend class Engine;
-    void ComputeDependantsOfComputed();
+    Calculation& Outermost();
+    void Finish();
+    void ComputeDependants();
 
+    // First, so that it goes last: a handler may drop the host's last Ref on the
+    // evaluator.
+    Ref<Object> alive_;
     Engine& engine_;
     Ref<Campos> locals_;
-    FormulaMarks marks_;
     Calculation* outer_;
+    FormulaMarks own_marks_;
+    FormulaMarks* marks_;
+    std::uint64_t values_;             // StampValues when it began
+    std::vector<Ref<Campo>> touched_;  // of the outermost: whose dependants are due
+    bool finishing_ = false;
   };
 
-  /// The formula with "@Name" replaced, without carriage returns, and its plan.
-  Ref<Plan> Prepare(const Text& formula, const Ref<Campos>& locals);
+  /// The outcome of a plan of numbers alone, if its program gets through: it reads
+  /// no formula variable and calls no handler, and so needs no Calculation.
+  static std::optional<Outcome> RunNumeric(const Plan& plan);
+
+  /// Looks up or makes the plan of a formula text, "@Name" replaced.
+  Prepared Prepare(const Text& formula, const Ref<Campos>& locals);
+  /// The same for a text that a host hands in again and again: shared text is known
+  /// by its address.
+  Prepared Prepare(const Ref<SharedText>& formula, const Ref<Campos>& locals);
   /// The same for a plan of its own, which the plan store does not keep.
   Ref<Plan> PrepareApart(const Text& formula, const Ref<Campos>& locals);
   Text ReplaceReferences(const Text& formula, const Campos* locals) const;
@@ -78,8 +109,16 @@ class Engine {
   void CallBuiltin(const Builtin& builtin, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
   void ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals);
+  Ref<Plan> FormulaPlan(const Campo& record, const Ref<Campos>& locals);
   bool NeedsComputing(const Campo& record) const;
+  std::uint64_t StampValues(const Campos* locals) const;
 
+  // A formula text of a host and its plan, which is used while the stamp holds.
+  struct Recent {
+    Ref<SharedText> text;
+    Ref<Plan> plan;
+  };
+  static constexpr std::size_t kRecent = 32;
   static constexpr int kDeepest = 1000;
 
   Evaluador& owner_;
@@ -89,6 +128,10 @@ class Engine {
   bool& close_stack_;
   std::function<Date()> clock_;
   std::vector<FaultReport> reports_;
+  std::array<Recent, kRecent> recent_;
+  // The plans of formula variables, beside the bounded store: each is good while
+  // its stamp holds, which a record that is gone has broken.
+  std::unordered_map<const Campo*, Ref<Plan>> formula_plans_;
   std::deque<ValueStack> stacks_;  // one for each level, kept for its memory
   Calculation* calculation_ = nullptr;
   int depth_ = 0;

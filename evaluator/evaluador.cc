@@ -22,7 +22,6 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
 }  // namespace
 
 Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) {
-  core_->link->evaluator = this;
   core_->link->core = core_.get();
   UseClock(SystemNow);
 }
@@ -110,22 +109,21 @@ void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
 bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 Ref<Campos>* LocalVbles) {
   const Ref<Campos> locals = LocalsOf(LocalVbles);
-  // A handler may drop the host's last Ref on this object.
-  const bool may_vanish = Evaluate.HasHandlers() && references.Value() > 0;
-  const Ref<Object> alive = may_vanish ? Ref<Object>::Share(this) : nullptr;
-  Engine::Calculation calculation(core_->engine, locals);
-  const Ref<Plan> plan = core_->PlanOf(vExpresion, locals);
-  core_->trace.Begin(plan);
-  Engine::Outcome outcome = calculation.Walk(plan);
+  const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
+  core_->trace.Begin(prepared);
+  std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
+  std::optional<Engine::Calculation> calculation;
+  if (!numeric) calculation.emplace(core_->engine, locals);
+  Engine::Outcome outcome = numeric ? std::move(*numeric) : calculation->Walk(prepared.plan);
   Result.Assign(std::move(outcome.value));
-  core_->trace.End(plan, Result.Value(), outcome.left);
+  core_->trace.End(prepared, Result.Value(), outcome.left);
   return true;
 }
 
-Ref<Plan> Evaluador::Core::PlanOf(const Variant& expression, const Ref<Campos>& locals) {
+Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<Campos>& locals) {
   if (expression.Is(Subtype::String)) {
     engine.Reports().clear();
-    return engine.Prepare(expression.AsText(), locals);
+    return engine.Prepare(Ref<SharedText>::Share(&expression.AsSharedText()), locals);
   }
   if (!expression.Is(Subtype::Object)) {
     engine.Reports().clear();
@@ -137,8 +135,7 @@ Ref<Plan> Evaluador::Core::PlanOf(const Variant& expression, const Ref<Campos>& 
   auto plan = Make<Plan>();
   for (const Variant& item : items->List().Items())
     AppendHostItem(*plan, item, symbols, locals.get());
-  plan->trace_postfix = ToUtf8(PostfixText(*plan));
-  return plan;
+  return {plan, std::string()};
 }
 
 void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes) {
@@ -150,10 +147,10 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
     const std::size_t reported = reports.size();
     outcomes[i] = {};
     try {
-      const Ref<Plan> plan = core_->engine.Prepare(formulas[i], nullptr);
-      core_->trace.Begin(plan);
-      Engine::Outcome outcome = calculation.Walk(plan);
-      core_->trace.End(plan, outcome.value, outcome.left);
+      const Engine::Prepared prepared = core_->engine.Prepare(formulas[i], nullptr);
+      core_->trace.Begin(prepared);
+      Engine::Outcome outcome = calculation.Walk(prepared.plan);
+      core_->trace.End(prepared, outcome.value, outcome.left);
       outcomes[i].value = std::move(outcome.value);
     } catch (const Error& error) {
       outcomes[i].error = error;
@@ -167,18 +164,16 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
 Variant Evaluador::LoadTopePila(Ref<Collection>& rPila) {
   if (!rPila) Raise(Failure::ObjectNotSet);
   KeyedList<Variant>& list = rPila->List();
-  if (!list.HasKeys()) return Pop(list.Items());
   if (list.Size() == 0) return Variant();
-  ValueStack top{list[list.Size() - 1]};
+  Variant top = std::move(list[list.Size() - 1]);
   list.Remove(list.Size() - 1);
-  return Pop(top);
+  return Normalised(std::move(top));
 }
 
 void Evaluador::CalcularDependencias(const Text& Name) {
-  Campo* root = core_->symbols.variables->Find(Name);
+  Campo* root = core_->symbols.Find(Name);
   if (!root) return;
-  Engine::Calculation calculation(core_->engine, nullptr);
-  calculation.ComputeDependants({Ref<Campo>::Share(root)});
+  Engine::Calculation(core_->engine, nullptr).Touch(Ref<Campo>::Share(root));
 }
 
 void Evaluador::UseClock(std::function<Date()> clock) { core_->engine.UseClock(std::move(clock)); }

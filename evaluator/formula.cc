@@ -41,17 +41,12 @@ const Ref<Plan>& Formula::Core::Current() {
 }
 
 Engine::Outcome Formula::Core::Evaluate() {
-  const Ref<Plan> plan = Current();
   Evaluador::Core& host = Host();
   host.engine.Reports().clear();
+  if (std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*Current()))
+    return std::move(*numeric);
+  const Ref<Plan> plan = Current();
   if (!plan->faults.empty()) host.engine.Reports().push_back({text_, plan->text, plan->faults});
-  if (!plan->faults.empty() || !plan->numeric) {
-    // A handler may drop the last Ref on the evaluator.
-    Evaluador& evaluator = *link_->evaluator;
-    const bool may_vanish = evaluator.Evaluate.HasHandlers() && evaluator.references.Value() > 0;
-    const Ref<Object> alive = may_vanish ? Ref<Object>::Share(&evaluator) : nullptr;
-    return Engine::Calculation(host.engine, locals_).Walk(plan);
-  }
   return Engine::Calculation(host.engine, locals_).Walk(plan);
 }
 

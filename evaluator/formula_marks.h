@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "tovalin/campos.h"
@@ -14,11 +15,13 @@ class FormulaMarks {
   bool Contains(const Campo& record) const {
     return record.mark_ < computed_.size() && computed_[record.mark_].get() == &record;
   }
-  void Add(Campo& record) {
+  /// Gives a formula variable its value and marks it as computed. It is no change
+  /// of a value as hosts make them.
+  void Store(Campo& record, Variant value) {
+    record.value_ = std::move(value);
     record.mark_ = static_cast<std::uint32_t>(computed_.size());
     computed_.push_back(Ref<Campo>::Share(&record));
   }
-  const std::vector<Ref<Campo>>& Computed() const { return computed_; }
 
  private:
   std::vector<Ref<Campo>> computed_;

@@ -30,9 +30,9 @@ void CheckDuplicateOperators(TokenList& list) {
 
 char16_t LastCharacter(const TokenList& list, const Token& token) {
   if (token.kind == TokenKind::Literal) return u'"';
-  if (token.kind == TokenKind::Function && token.record) return Trim(token.record->Name()).back();
-  const TextView span = list.Span(token);
-  return span.empty() ? u' ' : span.back();
+  const bool named = token.kind == TokenKind::Function && token.record;
+  const TextView text = named ? Trim(token.record->Name()) : list.Span(token);
+  return text.empty() ? u' ' : text.back();
 }
 
 void CheckBrackets(TokenList& list) {

@@ -2,153 +2,172 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "frame/comparison.h"
 
 namespace tovalin {
 namespace {
 
-// Plain loops over blocks, one for each step, so that each becomes a vector loop.
-// `left` is also the result.
+// Sums kept apart by lane, so that the compiler may take several rows at once
+// without changing the order of any addition.
+constexpr std::size_t kLanes = 16;
+
+template <class Term>
+bool AllZero(std::size_t count, Term term) {
+  double sums[kLanes] = {};
+  std::size_t i = 0;
+  for (; i + kLanes <= count; i += kLanes)
+    for (std::size_t lane = 0; lane < kLanes; ++lane) sums[lane] += term(i + lane);
+  for (; i < count; ++i) sums[0] += term(i);
+  for (std::size_t lane = 1; lane < kLanes; ++lane) sums[0] += sums[lane];
+  return sums[0] == 0;
+}
+
+// x - x is 0 for a finite number and no number for any other. A sum, difference
+// or product of what is not finite is not finite either, so that only the end of a
+// run, and steps that might hide it, have to ask.
+bool AreFinite(const double* values, std::size_t count) {
+  return AllZero(count, [values](std::size_t i) { return values[i] - values[i]; });
+}
+
+bool AreDivisors(const double* values, std::size_t count) {
+  return AreFinite(values, count) &&
+         AllZero(count, [values](std::size_t i) { return values[i] == 0 ? 1.0 : 0.0; });
+}
+
+struct Operands {
+  double* target;
+  const double* left;
+  const double* right;
+  std::size_t count;
+};
 
 template <class Operation>
-void Each(double* left, const double* right, std::size_t count, Operation operation) {
-  for (std::size_t i = 0; i < count; ++i) left[i] = operation(left[i], right[i]);
+void Each(const Operands& operands, Operation operation) {
+  const auto [target, left, right, count] = operands;
+  for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], right[i]);
 }
 
-// Whether a value is beyond the finite numbers or is none. A sum, difference or
-// product of such values is one too, so that only the end of a run, and what might
-// hide one, has to ask.
-std::uint64_t NotFinite(const double* values, std::size_t count) {
-  std::uint64_t found = 0;
-  for (std::size_t i = 0; i < count; ++i)
-    found |= static_cast<std::uint64_t>(!(std::fabs(values[i]) <= 1.7976931348623157e308));
-  return found;
-}
-
-std::uint64_t NotDivisor(const double* values, std::size_t count) {
-  std::uint64_t found = 0;
-  for (std::size_t i = 0; i < count; ++i)
-    found |= static_cast<std::uint64_t>(!(std::fabs(values[i]) <= 1.7976931348623157e308)) |
-             static_cast<std::uint64_t>(values[i] == 0);
-  return found;
-}
-
-bool IsComparison(NumericCode code) {
-  return code >= NumericCode::Less && code <= NumericCode::Different;
-}
-
-void Compare(NumericCode code, double* left, const double* right, std::size_t count) {
+void Compare(NumericCode code, const Operands& operands) {
   switch (code) {
     case NumericCode::Less:
-      return Each(left, right, count, [](double a, double b) { return a < b ? 1.0 : 0.0; });
+      return Each(operands, [](double a, double b) { return a < b ? 1.0 : 0.0; });
     case NumericCode::LessOrEqual:
-      return Each(left, right, count, [](double a, double b) { return a <= b ? 1.0 : 0.0; });
+      return Each(operands, [](double a, double b) { return a <= b ? 1.0 : 0.0; });
     case NumericCode::Greater:
-      return Each(left, right, count, [](double a, double b) { return a > b ? 1.0 : 0.0; });
+      return Each(operands, [](double a, double b) { return a > b ? 1.0 : 0.0; });
     case NumericCode::GreaterOrEqual:
-      return Each(left, right, count, [](double a, double b) { return a >= b ? 1.0 : 0.0; });
+      return Each(operands, [](double a, double b) { return a >= b ? 1.0 : 0.0; });
     case NumericCode::Equal:
-      return Each(left, right, count, [](double a, double b) {
+      return Each(operands, [](double a, double b) {
         return a == b || comparison::EqualNumbers(a, b) ? 1.0 : 0.0;
       });
     default:
-      return Each(left, right, count, [](double a, double b) { return a != b ? 1.0 : 0.0; });
+      return Each(operands, [](double a, double b) { return a != b ? 1.0 : 0.0; });
   }
 }
 
-void Combine(NumericCode code, double* left, const double* right, std::size_t count) {
+void Combine(NumericCode code, const Operands& operands) {
   switch (code) {
     case NumericCode::Add:
-      return Each(left, right, count, [](double a, double b) { return a + b; });
+      return Each(operands, [](double a, double b) { return a + b; });
     case NumericCode::Subtract:
-      return Each(left, right, count, [](double a, double b) { return a - b; });
+      return Each(operands, [](double a, double b) { return a - b; });
     case NumericCode::Multiply:
     case NumericCode::And:
-      return Each(left, right, count, [](double a, double b) { return a * b; });
+      return Each(operands, [](double a, double b) { return a * b; });
     case NumericCode::TimesNegated:
-      return Each(left, right, count, [](double a, double b) { return a * b * -1; });
+      return Each(operands, [](double a, double b) { return a * b * -1; });
     case NumericCode::Divide:
-      return Each(left, right, count, [](double a, double b) { return a / b; });
+      return Each(operands, [](double a, double b) { return a / b; });
     case NumericCode::Min:
-      return Each(left, right, count, [](double a, double b) { return a < b ? a : b; });
+      return Each(operands, [](double a, double b) { return a < b ? a : b; });
     case NumericCode::Max:
     case NumericCode::Or:
-      return Each(left, right, count, [](double a, double b) { return a > b ? a : b; });
+      return Each(operands, [](double a, double b) { return a > b ? a : b; });
     default:
-      return Compare(code, left, right, count);
+      return Compare(code, operands);
   }
 }
 
-// What would hide that an operand is not finite: its rows have to be walked.
+// Whether a step's result may be finite when an operand is not.
 bool MayHide(NumericCode code) {
-  return IsComparison(code) || code == NumericCode::Min || code == NumericCode::Max;
-}
-
-void Choose(double* conditions, const double* yes, const double* no, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) conditions[i] = conditions[i] != 0 ? yes[i] : no[i];
+  return (code >= NumericCode::Less && code <= NumericCode::Different) ||
+         code == NumericCode::Min || code == NumericCode::Max;
 }
 
 }  // namespace
 
 NumericColumns::NumericColumns(const NumericProgram& program, std::span<const Bound> columns)
     : slots_(program.depth) {
+  stack_.reserve(program.depth);
+  const auto add_constant = [this](double number) {
+    constants_.emplace_back().fill(number);
+    return constants_.size() - 1;
+  };
   for (const NumericStep& step : program.steps) {
     Step& made = steps_.emplace_back(Step{step.code});
-    if (step.code == NumericCode::Push) made.number = step.number;
+    if (step.code == NumericCode::Power) is_ready_ = false;
+    if (step.code == NumericCode::Push) made.constant = add_constant(step.number);
     if (step.code != NumericCode::Load) continue;
-    made.source = step.source;
     const auto bound = std::ranges::find(columns, step.source, &Bound::source);
-    if (bound != columns.end()) made.column = bound->values;
+    if (bound != columns.end())
+      made.column = bound->values;
+    else if (step.source->Is(Subtype::Double))
+      made.constant = add_constant(step.source->AsDouble());
+    else
+      is_ready_ = false;
   }
-}
-
-bool NumericColumns::IsReady() const {
-  return std::ranges::all_of(steps_, [](const Step& step) {
-    return step.code != NumericCode::Power &&
-           (!step.source || step.column || step.source->Is(Subtype::Double));
-  });
 }
 
 bool NumericColumns::Run(std::size_t first, std::size_t count, double* results) {
-  std::size_t top = 0;  // the number of slots in use
-  std::uint64_t bad = 0;
-  for (const Step& step : steps_) {
-    switch (step.code) {
-      case NumericCode::Load:
-        if (step.column)
-          std::copy_n(step.column + first, count, slots_[top++].data());
-        else
-          std::fill_n(slots_[top++].data(), count, step.source->AsDouble());
-        break;
-      case NumericCode::Push:
-        std::fill_n(slots_[top++].data(), count, step.number);
-        break;
-      case NumericCode::Negate:
-        for (std::size_t i = 0; i < count; ++i) slots_[top - 1][i] *= -1;
-        break;
-      case NumericCode::Abs:
-        for (std::size_t i = 0; i < count; ++i) slots_[top - 1][i] = std::fabs(slots_[top - 1][i]);
-        break;
-      case NumericCode::Choose:
-        top -= 2;
-        bad |= NotFinite(slots_[top].data(), count) | NotFinite(slots_[top + 1].data(), count);
-        Choose(slots_[top - 1].data(), slots_[top].data(), slots_[top + 1].data(), count);
-        break;
-      default:
-        --top;
-        double* left = slots_[top - 1].data();
-        const double* right = slots_[top].data();
-        if (MayHide(step.code)) bad |= NotFinite(left, count) | NotFinite(right, count);
-        if (step.code == NumericCode::Divide) bad |= NotDivisor(right, count);
-        Combine(step.code, left, right, count);
-    }
-    if (bad != 0) return false;
-  }
-  for (std::size_t slot = 0; slot < top; ++slot) bad |= NotFinite(slots_[slot].data(), count);
-  if (bad != 0) return false;
-  std::copy_n(slots_[0].data(), count, results);
+  stack_.clear();
+  for (const Step& step : steps_)
+    if (!RunStep(step, first, count)) return false;
+  for (const double* values : stack_)
+    if (!AreFinite(values, count)) return false;
+  std::copy_n(stack_[0], count, results);
   return true;
+}
+
+bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t count) {
+  switch (step.code) {
+    case NumericCode::Load:
+    case NumericCode::Push:
+      stack_.push_back(step.column ? step.column + first : constants_[step.constant].data());
+      return true;
+    case NumericCode::Negate:
+    case NumericCode::Abs: {
+      double* own = slots_[stack_.size() - 1].data();
+      const double* values = std::exchange(stack_.back(), own);
+      if (step.code == NumericCode::Negate)
+        for (std::size_t i = 0; i < count; ++i) own[i] = values[i] * -1;
+      else
+        for (std::size_t i = 0; i < count; ++i) own[i] = std::fabs(values[i]);
+      return true;
+    }
+    case NumericCode::Choose: {
+      const double* no = stack_.back();
+      const double* yes = stack_[stack_.size() - 2];
+      stack_.resize(stack_.size() - 2);
+      if (!AreFinite(no, count) || !AreFinite(yes, count)) return false;
+      double* own = slots_[stack_.size() - 1].data();
+      const double* conditions = std::exchange(stack_.back(), own);
+      for (std::size_t i = 0; i < count; ++i) own[i] = conditions[i] != 0 ? yes[i] : no[i];
+      return true;
+    }
+    default: {
+      const double* right = stack_.back();
+      stack_.pop_back();
+      double* own = slots_[stack_.size() - 1].data();
+      const double* left = std::exchange(stack_.back(), own);
+      if (step.code == NumericCode::Divide && !AreDivisors(right, count)) return false;
+      if (MayHide(step.code) && !(AreFinite(left, count) && AreFinite(right, count))) return false;
+      Combine(step.code, {own, left, right, count});
+      return true;
+    }
+  }
 }
 
 }  // namespace tovalin

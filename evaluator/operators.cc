@@ -33,6 +33,7 @@ Variant Negated(const Variant& value) { return Multiply(value, kMinusOne); }
 
 bool IsZero(const Variant& value) {
   if (value.Is(Subtype::Double)) return value.AsDouble() == 0;
+  if (value.Is(Subtype::Date)) return value.AsDate().days == 0;
   return !value.Is(Subtype::Null) && IsNumeric(value) && ToDouble(value) == 0;
 }
 
@@ -50,9 +51,23 @@ bool IsWithin(const Variant& whole, const Variant& part) {
   return !text.empty() && FindFolded(text, ToText(part)) != Text::npos;
 }
 
-Variant Binary(OperatorCode code, const Variant& left, const Variant& right) {
+// Text without quotes and commas stays so when more of it is joined: what is
+// known of both need not be read again at the next pop.
+Variant Join(Variant left, const Variant& right) {
+  const auto is_plain = [](const Variant& value) {
+    return value.Is(Subtype::String) ? value.AsSharedText().is_plain : IsNumeric(value);
+  };
+  const bool plain = is_plain(left) && is_plain(right);
+  Variant joined = Concatenate(std::move(left), right);
+  if (plain && joined.Is(Subtype::String)) joined.AsSharedText().is_plain = true;
+  return joined;
+}
+
+Variant Binary(OperatorCode code, Variant& left, const Variant& right) {
   switch (code) {
     case OperatorCode::Add:
+      if (left.Is(Subtype::String) && right.Is(Subtype::String))
+        return Join(std::move(left), right);
       return Add(left, right);
     case OperatorCode::Subtract:
       return Subtract(left, right);
@@ -65,7 +80,7 @@ Variant Binary(OperatorCode code, const Variant& left, const Variant& right) {
     case OperatorCode::TimesNegated:
       return Negated(Multiply(left, right));
     case OperatorCode::Concatenate:
-      return Concatenate(left, right);
+      return Join(std::move(left), right);
     case OperatorCode::Less:
       return Less(left, right);
     case OperatorCode::LessOrEqual:
@@ -98,11 +113,16 @@ void ApplyUnary(OperatorCode code, ValueStack& stack) {
 bool HasThousands(TextView text) { return text.find(u',') != TextView::npos; }
 
 Variant NormalisedText(Variant value) {
-  const Text& text = value.AsText();
-  if (HasThousands(text))
-    if (const auto number = ReadNumber(text)) return *number;
-  if (text.find(u'"') == Text::npos) return value;
-  Text stripped = text;
+  SharedText& shared = value.AsSharedText();
+  if (shared.is_plain) return value;
+  const bool thousands = HasThousands(shared.value);
+  if (thousands)
+    if (const auto number = ReadNumber(shared.value)) return *number;
+  if (shared.value.find(u'"') == Text::npos) {
+    if (!thousands && shared.references.Value() == 1) shared.is_plain = true;
+    return value;
+  }
+  Text stripped = shared.value;
   std::erase(stripped, u'"');
   return stripped;
 }
@@ -119,7 +139,12 @@ Variant Pop(ValueStack& stack) {
   if (stack.empty()) return Variant();
   Variant value = std::move(stack.back());
   stack.pop_back();
-  return value.Is(Subtype::String) ? NormalisedText(std::move(value)) : value;
+  return Normalised(std::move(value));
+}
+
+Variant Normalised(Variant value) {
+  if (!value.Is(Subtype::String)) return value;
+  return NormalisedText(value.IsByReference() ? Variant(value.Value()) : std::move(value));
 }
 
 void ApplyOperator(OperatorCode code, ValueStack& stack) {
@@ -129,7 +154,7 @@ void ApplyOperator(OperatorCode code, ValueStack& stack) {
   }
   if (stack.size() == 1) return ApplyUnary(code, stack);
   const Variant right = Pop(stack);
-  const Variant left = Pop(stack);
+  Variant left = Pop(stack);
   if (code == OperatorCode::Between) {
     const Variant tested = Pop(stack);
     stack.emplace_back(GreaterOrEqual(tested, left) && LessOrEqual(tested, right));

@@ -41,6 +41,9 @@ using ValueStack = std::vector<Variant>;
 /// are taken as they are. Empty from an empty stack.
 Variant Pop(ValueStack& stack);
 
+/// A value as Pop gives it.
+Variant Normalised(Variant value);
+
 /// Applies an operator to the top of the stack. With a single value it is unary,
 /// with none it pushes Empty.
 void ApplyOperator(OperatorCode code, ValueStack& stack);

@@ -36,6 +36,7 @@ struct Item {
   };
   Ref<Campo> record;
   Variant value;
+  bool quoted = false;  // of a Constant: it is text, and stands as a literal
 };
 
 /// A formula converted for walking: made once, walked many times, and made anew
@@ -45,10 +46,12 @@ struct Plan {
   std::vector<Item> items;
   std::vector<Fault> faults;  // with any, there are no items
   NamesStamp stamp;
-  Ref<Campos> locals;            // pins the address in the stamp
-  std::string trace_expression;  // what the trace shows, in UTF-8
+  Ref<Campos> locals;  // pins the address in the stamp
+  // What the trace shows, in UTF-8: made when it is first shown, and again when a
+  // constant has changed the postfix text.
+  std::string trace_expression;
   std::string trace_postfix;
-  bool trace_varies = false;  // several texts lead to this plan
+  int trace_edition = 0;  // 0: not made yet
   bool has_constants = false;
   std::optional<NumericProgram> numeric;  // of a plan of numbers alone
   int walks = 0;                          // under way
@@ -73,7 +76,8 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols, co
 /// Looks the names of `plan` up again from item `from` on, as the tables are now.
 void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals);
 
-/// Gives the constants of a plan the values that they have now.
-void BindConstants(Plan& plan);
+/// Gives the constants of a plan the values that they have now. Whether the
+/// postfix text is another one then.
+bool BindConstants(Plan& plan);
 
 }  // namespace tovalin

@@ -25,7 +25,8 @@ Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   if ((*place)->walks > 0) return Compile(formula, locals, stamp);
   order_.splice(order_.begin(), order_, place);
   if ((*place)->stamp == stamp) {
-    if ((*place)->has_constants) BindConstants(**place);
+    Plan& kept = **place;
+    if (kept.has_constants && BindConstants(kept)) kept.trace_edition = 0;
     return *place;
   }
   Ref<Plan> plan = Compile(formula, locals, stamp);
@@ -45,8 +46,6 @@ Ref<Plan> PlanStore::Compile(TextView formula, const Ref<Campos>& locals, const 
   if (plan->faults.empty()) ConvertToPostfix(list, *plan);
   plan->text = std::move(list.text);
   if (plan->faults.empty()) plan->numeric = MakeNumericProgram(*plan);
-  plan->trace_expression = ToUtf8(plan->text);
-  plan->trace_postfix = ToUtf8(PostfixText(*plan));
   return plan;
 }
 

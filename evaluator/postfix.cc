@@ -1,4 +1,5 @@
 #include <optional>
+#include <utility>
 
 #include "evaluator/element_search.h"
 #include "evaluator/number_token.h"
@@ -21,9 +22,17 @@ Text TextOrEmpty(const Variant& value) {
   }
 }
 
-void BindConstant(Item& item) {
-  item.value = IsTextConstant(*item.record) ? Variant(TextOrEmpty(item.record->Value()))
-                                            : item.record->Value();
+// Whether the item's text is another one than before.
+bool BindConstant(Item& item) {
+  const bool was_quoted = std::exchange(item.quoted, IsTextConstant(*item.record));
+  if (!item.quoted) {
+    item.value = item.record->Value();
+    return was_quoted;
+  }
+  Variant text = TextOrEmpty(item.record->Value());
+  const bool same = was_quoted && item.value.AsText() == text.AsText();
+  if (!same) item.value = std::move(text);
+  return !same;
 }
 
 std::optional<std::int32_t> Priority(const Campo& record) {
@@ -41,10 +50,10 @@ void SetFunction(Item& item, Campo& record, const Builtin* builtin) {
   item.builtin = builtin;
 }
 
-void SetOperator(Item& item, Campo& record) {
+void SetOperator(Item& item, Campo& record, OperatorCode code) {
   item.kind = ItemKind::Operator;
   item.record = Ref<Campo>::Share(&record);
-  item.operator_code = CodeOf(Trim(record.Name()));
+  item.operator_code = code;
 }
 
 void SetName(Item& item, Campo& record, bool is_constant) {
@@ -110,7 +119,7 @@ class Converter {
 
   bool IsOpener(const Token& token) const {
     if (!token.record) return true;
-    return Trim(token.record->Name()).back() == u'(';
+    return Trim(token.record->Name()).ends_with(u'(');
   }
   static bool IsBracket(const Token& token) { return token.kind != TokenKind::Operator; }
 
@@ -134,7 +143,7 @@ class Converter {
         item.value = Variant(list_.Span(token));
         break;
       case TokenKind::Operator:
-        SetOperator(item, *token.record);
+        SetOperator(item, *token.record, token.operator_code);
         break;
       case TokenKind::Function:
         if (token.record) SetFunction(item, *token.record, token.builtin);
@@ -152,8 +161,8 @@ class Converter {
 };
 
 void AppendItemText(Text& text, const Plan& plan, const Item& item) {
-  const bool quoted = item.kind == ItemKind::Literal ||
-                      (item.kind == ItemKind::Constant && IsTextConstant(*item.record));
+  const bool quoted =
+      item.kind == ItemKind::Literal || (item.kind == ItemKind::Constant && item.quoted);
   if (quoted)
     text.append(1, u'"').append(item.value.AsText()).append(1, u'"');
   else if (item.kind == ItemKind::Value)
@@ -173,7 +182,7 @@ void Classify(Item& item, TextView text, const Symbols& symbols, const Campos* l
     item.kind = ItemKind::Number;
     item.number = *number;
   } else if ((record = symbols.operators->Find(text))) {
-    SetOperator(item, *record);
+    SetOperator(item, *record, CodeOf(Trim(record->Name())));
   } else if ((record = locals ? locals->Find(text) : nullptr) ||
              (record = symbols.variables->Find(text))) {
     SetName(item, *record, false);
@@ -204,7 +213,7 @@ Text PostfixText(const Plan& plan) {
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
   for (const Item& item : plan.items) {
-    if (item.kind == ItemKind::Constant && !IsTextConstant(*item.record)) {
+    if (item.kind == ItemKind::Constant && !item.quoted) {
       // A copy, so that a later change of the constant is not seen.
       items->List().Append(item.record->Copy());
       continue;
@@ -244,9 +253,11 @@ void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const C
   }
 }
 
-void BindConstants(Plan& plan) {
+bool BindConstants(Plan& plan) {
+  bool changed = false;
   for (Item& item : plan.items)
-    if (item.kind == ItemKind::Constant) BindConstant(item);
+    if (item.kind == ItemKind::Constant) changed |= BindConstant(item);
+  return changed;
 }
 
 }  // namespace tovalin

@@ -35,6 +35,7 @@ struct VocabularyStamp {
   std::uint64_t replacements = 0;
   std::uint64_t functions = 0;
   std::uint64_t operators = 0;
+  std::uint64_t priorities = 0;
 
   friend bool operator==(const VocabularyStamp&, const VocabularyStamp&) = default;
 };
@@ -52,7 +53,8 @@ struct NamesStamp {
 };
 
 inline VocabularyStamp StampVocabulary(const Symbols& symbols) {
-  return {symbols.replacements, symbols.functions->Version(), symbols.operators->Version()};
+  return {symbols.replacements, symbols.functions->Version(), symbols.operators->Version(),
+          symbols.operators->ValuesVersion()};
 }
 
 inline NamesStamp StampNames(const Symbols& symbols, const Campos* locals) {

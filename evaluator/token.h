@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "evaluator/operators.h"
 #include "tovalin/campos.h"
 #include "tovalin/text.h"
 
@@ -27,6 +28,7 @@ enum class Scope : std::uint8_t { None, Local, Variable, Constant };
 /// One token of a formula, as a span of its text.
 struct Token {
   TokenKind kind = TokenKind::Name;
+  OperatorCode operator_code = OperatorCode::Unknown;
   Scope scope = Scope::None;  // of a Name, once it was looked up
   std::uint32_t start = 0;
   std::uint32_t length = 0;

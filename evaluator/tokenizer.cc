@@ -36,8 +36,12 @@ class Tokenizer {
 
   void Add(TokenKind kind, std::size_t start, std::size_t end, Campo* record = nullptr,
            const Builtin* builtin = nullptr) {
-    list_.tokens.push_back({kind, Scope::None, static_cast<std::uint32_t>(start),
-                            static_cast<std::uint32_t>(end - start), record, builtin, 0});
+    Token& token = list_.tokens.emplace_back();
+    token.kind = kind;
+    token.start = static_cast<std::uint32_t>(start);
+    token.length = static_cast<std::uint32_t>(end - start);
+    token.record = record;
+    token.builtin = builtin;
   }
 
   bool QuotedLiteral() {
@@ -81,6 +85,7 @@ class Tokenizer {
     const std::size_t blank = match->is_word ? 1 : 0;
     const std::size_t end = match->start + match->length - blank;
     Add(match->kind, match->start + blank, end, match->record, match->builtin);
+    list_.tokens.back().operator_code = match->operator_code;
     position_ = end;  // the blank behind a word may stand before the next one
   }
 
@@ -93,6 +98,7 @@ class Tokenizer {
       list_.tokens.back().number = *number;
     } else if (Campo* word = elements_.FindWord(operand)) {
       Add(TokenKind::Operator, first, last, word);
+      list_.tokens.back().operator_code = CodeOf(Trim(word->Name()));
     } else {
       Add(TokenKind::Name, first, last);
     }
@@ -136,6 +142,7 @@ void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elemen
   } else if (Campo* record = symbols.operators->Find(word)) {
     token.kind = TokenKind::Operator;
     token.record = record;
+    token.operator_code = CodeOf(Trim(record->Name()));
   } else if (match && match->length == word.size() && !word.empty()) {
     token.kind = match->kind;
     token.record = match->record;

@@ -12,6 +12,10 @@ constexpr TextView kSection = u"Posfijo";
 constexpr std::string_view kKeys[] = {"Expresion", "Posfijo", "Resultado", "ElementosPila"};
 constexpr std::size_t kResultKey = 2;
 
+std::string_view ExpressionOf(const Engine::Prepared& prepared) {
+  return prepared.expression ? *prepared.expression : prepared.plan->trace_expression;
+}
+
 std::string ResultText(const Variant& result) {
   try {
     return result.Is(Subtype::Null) ? std::string() : ToUtf8(ToText(result));
@@ -31,21 +35,39 @@ void Trace::UseStore(Ref<SettingsStore> store) {
   shown_ = nullptr;
 }
 
-void Trace::Begin(const Ref<Plan>& plan) {
-  if (shown_ == plan && !plan->trace_varies) return;
-  Write(0, std::array<std::string_view, 2>{plan->trace_expression, plan->trace_postfix});
-  shown_ = plan;
+bool Trace::Shows(const Engine::Prepared& prepared) const {
+  return shown_ == prepared.plan && !prepared.expression &&
+         shown_edition_ == prepared.plan->trace_edition;
 }
 
-void Trace::End(const Ref<Plan>& plan, const Variant& result, std::size_t left) {
+void Trace::Remember(const Engine::Prepared& prepared) {
+  shown_ = prepared.expression ? nullptr : prepared.plan;
+  shown_edition_ = prepared.plan->trace_edition;
+}
+
+void Trace::MakeTexts(Plan& plan) {
+  if (plan.trace_edition != 0) return;
+  plan.trace_expression = ToUtf8(plan.text);
+  plan.trace_postfix = ToUtf8(PostfixText(plan));
+  plan.trace_edition = ++last_edition_;
+}
+
+void Trace::Begin(const Engine::Prepared& prepared) {
+  MakeTexts(*prepared.plan);
+  if (Shows(prepared)) return;
+  Write(0, std::array<std::string_view, 2>{ExpressionOf(prepared), prepared.plan->trace_postfix});
+  Remember(prepared);
+}
+
+void Trace::End(const Engine::Prepared& prepared, const Variant& result, std::size_t left) {
   result_ = ResultText(result);
   left_ = std::to_string(left);
-  if (shown_ == plan)
+  if (Shows(prepared))
     Write(kResultKey, std::array<std::string_view, 2>{result_, left_});
-  else  // a handler has evaluated another formula since Begin
-    Write(0, std::array<std::string_view, 4>{plan->trace_expression, plan->trace_postfix, result_,
-                                             left_});
-  shown_ = plan;
+  else  // the text has no plan to itself, or a handler evaluated another formula
+    Write(0, std::array<std::string_view, 4>{ExpressionOf(prepared), prepared.plan->trace_postfix,
+                                             result_, left_});
+  Remember(prepared);
 }
 
 void Trace::Write(std::size_t first, std::span<const std::string_view> values) {

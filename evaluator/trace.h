@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "evaluator/plan.h"
+#include "evaluator/engine.h"
 #include "frame/live_section.h"
 #include "tovalin/settings.h"
 
@@ -18,18 +18,25 @@ class Trace {
   Trace();
 
   /// Before the walk, so that the formula is there when the host does not survive it.
-  void Begin(const Ref<Plan>& plan);
+  void Begin(const Engine::Prepared& prepared);
   /// After the walk.
-  void End(const Ref<Plan>& plan, const Variant& result, std::size_t left);
+  void End(const Engine::Prepared& prepared, const Variant& result, std::size_t left);
 
   void UseStore(Ref<SettingsStore> store);
 
  private:
+  bool Shows(const Engine::Prepared& prepared) const;
+  void MakeTexts(Plan& plan);
+  void Remember(const Engine::Prepared& prepared);
   void Write(std::size_t first, std::span<const std::string_view> values);
 
   Ref<SettingsStore> store_;
   LiveSection section_;
-  Ref<Plan> shown_;  // whose expression stands in the section now
+  // What stands in the section now: the plan, if with its own expression, and
+  // the edition of its postfix text.
+  Ref<Plan> shown_;
+  int shown_edition_ = 0;
+  int last_edition_ = 0;
   std::string result_;
   std::string left_;
 };

@@ -133,7 +133,8 @@ void ApplyListViewLayout(Object& view, TextView layout) {
   WriteMember(view, u"View", Variant(items.Next()));
   for (std::int32_t i = 1; !items.AtEnd(); ++i) {
     const Variant width(items.Next());
-    WriteMember(*ReadElement(view, u"ColumnHeaders", Variant(i)), u"Width", width);
+    const Ref<Object> header = ReadElement(view, u"ColumnHeaders", Variant(i));
+    WriteMember(*header, u"Width", width);
   }
 }
 

@@ -231,8 +231,11 @@ Variant Abs(const Variant& value) {
     case Subtype::Boolean:
     case Subtype::Empty:
       return Whole(Subtype::Integer, std::abs(std::int64_t{ToLong(value)}));
+    case Subtype::Double:
     case Subtype::String:
       return std::abs(ToDouble(value));
+    case Subtype::Single:
+      return std::abs(value.AsSingle());
     default:
       return ToDouble(value) < 0 ? Negate(value) : value.Value();
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/deep_release.h"
 #include "frame/positions.h"
 #include "tovalin/dispatch.h"
 
@@ -68,14 +69,27 @@ Ref<Campo> Campo::Copy() const {
   return copy;
 }
 
+void Campo::LetName(const Text& Name) {
+  name_ = Name;
+  for (Campos* table : tables_) ++table->version_;
+}
+
+void Campo::LetValue(const Variant& Value) {
+  value_ = Value.Value();
+  for (Campos* table : tables_) ++table->values_version_;
+}
+
 void Campo::LetFormula(const Text& Formula) {
   formula_ = Formula;
   has_formula_ = !Trim(Formula).empty();
   for (Campos* table : tables_) ++table->version_;
 }
 
+Campo::~Campo() { DeepRelease().Take(value_); }
+
 Campos::~Campos() {
   for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
+  DeepRelease().TakeRecords(*this);
 }
 
 void Campos::Add(const Ref<Campo>& Campo, const Variant& Before, const Variant& After) {

@@ -1,5 +1,6 @@
 #include "tovalin/collection.h"
 
+#include "frame/deep_release.h"
 #include "frame/positions.h"
 #include "tovalin/dispatch.h"
 
@@ -20,6 +21,8 @@ constexpr ClassInfo kClass{Collection::kClassName, kMembers};
 }  // namespace
 
 const ClassInfo& Collection::Class() const { return kClass; }
+
+Collection::~Collection() { DeepRelease().TakeAll(list_.Items()); }
 
 void Collection::Add(const Variant& Item, const Variant& Key, const Variant& Before,
                      const Variant& After) {

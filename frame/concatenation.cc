@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "frame/arithmetic.h"
 #include "frame/conversion.h"
 
@@ -18,6 +20,16 @@ Variant Concatenate(const Variant& left, const Variant& right) {
   AppendOperand(text, left);
   AppendOperand(text, right);
   return text;
+}
+
+Variant Concatenate(Variant&& left, const Variant& right) {
+  const bool alone = !left.IsByReference() && left.Is(Subtype::String) &&
+                     left.AsSharedText().references.Value() == 1;
+  if (!alone) return Concatenate(std::as_const(left), right);
+  SharedText& text = left.AsSharedText();
+  text.is_plain = false;
+  AppendOperand(text.value, right);
+  return std::move(left);
 }
 
 }  // namespace tovalin

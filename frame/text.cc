@@ -89,8 +89,12 @@ std::size_t FindExact(TextView text, TextView part) {
 }  // namespace
 
 Text FromUtf8(std::string_view utf8) {
-  Text text;
+  // Most texts are plain ASCII up to some place: that much goes without decoding.
+  std::size_t plain = 0;
+  while (plain < utf8.size() && static_cast<unsigned char>(utf8[plain]) < 0x80) ++plain;
+  Text text(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(plain));
   text.reserve(utf8.size());
+  utf8.remove_prefix(plain);
   while (!utf8.empty()) {
     const Decoded next = DecodeOne(utf8);
     utf8.remove_prefix(next.length);
@@ -105,9 +109,13 @@ Text FromUtf8(std::string_view utf8) {
 }
 
 std::string ToUtf8(TextView text) {
-  std::string utf8;
+  std::size_t plain = 0;
+  while (plain < text.size() && text[plain] < 0x80) ++plain;
+  std::string utf8(plain, '\0');
+  for (std::size_t i = 0; i < plain; ++i) utf8[i] = static_cast<char>(text[i]);
+  if (plain == text.size()) return utf8;
   utf8.reserve(text.size() + text.size() / 8);
-  for (std::size_t i = 0; i < text.size(); ++i) {
+  for (std::size_t i = plain; i < text.size(); ++i) {
     const char16_t c = text[i];
     if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;

@@ -1,5 +1,7 @@
 #include "tovalin/variant.h"
 
+#include "frame/deep_release.h"
+
 namespace tovalin {
 
 Variant Variant::ErrorValue(std::int32_t code) {
@@ -11,7 +13,7 @@ Variant Variant::ErrorValue(std::int32_t code) {
 Variant Variant::ByReference(Variant& target) {
   Variant value;
   value.by_reference_ = true;
-  value.target_ = &target;
+  value.target_ = &target.Value();
   return value;
 }
 
@@ -39,6 +41,8 @@ void Variant::DropReference() {
       std::destroy_at(&array_);
   }
 }
+
+VariantArray::~VariantArray() { DeepRelease().TakeAll(items_); }
 
 const Variant& VariantArray::At(std::size_t column, std::size_t row) const {
   if (column >= columns_ || row >= rows_) Raise(Failure::SubscriptOutOfRange);

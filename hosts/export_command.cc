@@ -60,7 +60,8 @@ struct ExportField {
   std::size_t column;
 };
 
-// An empty cell is Null, as in a table of a database. `place` is for the error.
+// An empty cell is Null, as in a table of a database. Raises kObjectError, with the
+// place, for one that does not read as its field's type.
 Variant CellValue(const std::string& cell, const ExportField& field, std::size_t row) {
   if (cell.empty()) return Variant::Null();
   const Text text = FromUtf8(cell);
@@ -203,15 +204,13 @@ Ref<clsFileExport> MakeExport(const ExportOptions& options) {
   return writer;
 }
 
-// The class says no more than False.
+// The class says no more than False, so all that may be wrong is told.
 int ReportFailure(const ExportOptions& options, std::int32_t wanted, std::size_t rows) {
-  std::cerr << "La exportación falló (False)";
+  std::cerr << "La exportación falló (False): un valor es más ancho que su campo, un nombre tiene "
+               "más de 30 caracteres, no hay campos o no se pudo escribir";
   if (rows < static_cast<std::size_t>(wanted))
-    std::cerr << ": se pidieron " << wanted << " filas y hay " << rows << '\n';
-  else
-    std::cerr << ": un valor es más ancho que su campo, un nombre tiene más de 30 caracteres,"
-                 " no hay campos o no se pudo escribir\n";
-  std::cerr << "Los registros anteriores a la falla quedan en " << options.output << ".txt\n";
+    std::cerr << "; además se pidieron " << wanted << " filas y hay " << rows;
+  std::cerr << "\nLos registros anteriores a la falla quedan en " << options.output << ".txt\n";
   return kFaults;
 }
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "hosts/command_line.h"
+#include "hosts/input.h"
 
 // The command-line tool: a host of the library like any other.
 
@@ -56,70 +57,91 @@ std::vector<std::string> ShieldFormulas(std::vector<std::string> arguments) {
   return arguments;
 }
 
-int Run(std::vector<std::string> arguments) {
-  CLI::App app("Formula evaluator and business toolbox", "tovalin");
-  app.require_subcommand(1);
-  std::function<int()> chosen;
-  const auto command = [&](const char* name, const char* help, std::function<int()> run) {
-    CLI::App* sub = app.add_subcommand(name, help);
-    sub->callback([&chosen, run = std::move(run)] { chosen = run; });
-    return sub;
-  };
-
-  SymbolOptions symbols;
-  std::string formula;
-  std::string lines;
-  CLI::Option* lines_option = nullptr;
-  CLI::App* eval = command("eval", "Evaluates a formula", [&] {
-    return *lines_option ? RunEvalLines(symbols, lines) : RunEval(symbols, formula);
-  });
-  AddSymbolOptions(*eval, symbols);
-  CLI::Option_group* source = eval->add_option_group("What to evaluate")->require_option(1);
-  source->add_option("FORMULA", formula, "The formula");
-  lines_option =
-      source->add_option("--lines", lines, "A file with one formula a line, - for standard input");
-  for (CLI::App* sub : {command("check", "Prints the tokens of a formula, or its faults",
-                                [&] { return RunCheck(symbols, formula); }),
-                        command("postfix", "Prints the postfix text of a formula",
-                                [&] { return RunPostfix(symbols, formula); })}) {
-    sub->add_option("FORMULA", formula, "The formula")->required();
-    AddSymbolOptions(*sub, symbols);
+// The commands, and the one that was chosen with its options.
+class CommandLine {
+ public:
+  CommandLine() {
+    app_.require_subcommand(1);
+    AddFormulaCommands();
+    AddFileCommands();
+    AddOtherCommands();
   }
 
-  TableOptions table;
-  CLI::App* table_command = command("table", "Evaluates named formulas for every row of a CSV file",
-                                    [&] { return RunTable(table); });
-  table_command->add_option("IN", table.input, "The CSV file, - for standard input")->required();
-  table_command->add_option("--formulas", table.formulas, "A file of lines Name = formula")
-      ->required();
-  table_command->add_option("-o,--output", table.output, "The CSV file to write");
-
-  ExportOptions exported;
-  AddExportOptions(*command("export", "Exports the rows of a CSV file with clsFileExport",
-                            [&] { return RunExport(exported); }),
-                   exported);
-
-  command("functions", "Lists the functions", RunFunctions);
-  command("operators", "Lists the operators", RunOperators);
-  command("constants", "Lists the constants of the system", RunConstants);
-  bool follow = false;
-  command("trace", "Shows the trace of the last evaluation", [&] {
-    return RunTrace(follow);
-  })->add_flag("--follow", follow, "Shows it again at every change, until interrupted");
-  CLI::App* call = nullptr;
-  call = command("call", "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...",
-                 [&] { return RunCall(call->remaining()); });
-  call->prefix_command();
-
-  arguments = ShieldFormulas(std::move(arguments));
-  std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
-  try {
-    app.parse(std::move(arguments));
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error);
+  int Run(std::vector<std::string> arguments) {
+    arguments = ShieldFormulas(std::move(arguments));
+    std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
+    try {
+      app_.parse(std::move(arguments));
+    } catch (const CLI::ParseError& error) {
+      return app_.exit(error);
+    }
+    return chosen_();
   }
-  return chosen();
-}
+
+ private:
+  CLI::App& Add(const char* name, const char* help, std::function<int()> run) {
+    CLI::App* command = app_.add_subcommand(name, help);
+    command->callback([this, run = std::move(run)] { chosen_ = run; });
+    return *command;
+  }
+
+  void AddFormulaCommands() {
+    CLI::App& eval = Add("eval", "Evaluates a formula", [this] { return Eval(); });
+    AddSymbolOptions(eval, symbols_);
+    formula_option_ = eval.add_option("FORMULA", formula_, "The formula");
+    lines_option_ =
+        eval.add_option("--lines", lines_, "A file with one formula a line, - for standard input")
+            ->excludes(formula_option_);
+    for (CLI::App* command : {&Add("check", "Prints the tokens of a formula, or its faults",
+                                   [this] { return RunCheck(symbols_, formula_); }),
+                              &Add("postfix", "Prints the postfix text of a formula",
+                                   [this] { return RunPostfix(symbols_, formula_); })}) {
+      command->add_option("FORMULA", formula_, "The formula")->required();
+      AddSymbolOptions(*command, symbols_);
+    }
+  }
+
+  int Eval() const {
+    if (*lines_option_) return RunEvalLines(symbols_, lines_);
+    if (!*formula_option_) RaiseAbout(Failure::ArgumentNotOptional, "FORMULA, --lines");
+    return RunEval(symbols_, formula_);
+  }
+
+  void AddFileCommands() {
+    CLI::App& table = Add("table", "Evaluates named formulas for every row of a CSV file",
+                          [this] { return RunTable(table_); });
+    table.add_option("IN", table_.input, "The CSV file, - for standard input")->required();
+    table.add_option("--formulas", table_.formulas, "A file of lines Name = formula")->required();
+    table.add_option("-o,--output", table_.output, "The CSV file to write");
+    AddExportOptions(Add("export", "Exports the rows of a CSV file with clsFileExport",
+                         [this] { return RunExport(export_); }),
+                     export_);
+  }
+
+  void AddOtherCommands() {
+    Add("functions", "Lists the functions", RunFunctions);
+    Add("operators", "Lists the operators", RunOperators);
+    Add("constants", "Lists the constants of the system", RunConstants);
+    Add("trace", "Shows the trace of the last evaluation", [this] {
+      return RunTrace(follow_);
+    }).add_flag("--follow", follow_, "Shows it again at every change, until interrupted");
+    call_ = &Add("call", "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...",
+                 [this] { return RunCall(call_->remaining()); });
+    call_->prefix_command();
+  }
+
+  CLI::App app_{"Formula evaluator and business toolbox", "tovalin"};
+  std::function<int()> chosen_;
+  SymbolOptions symbols_;
+  std::string formula_;
+  std::string lines_;
+  CLI::Option* formula_option_ = nullptr;
+  CLI::Option* lines_option_ = nullptr;
+  TableOptions table_;
+  ExportOptions export_;
+  bool follow_ = false;
+  CLI::App* call_ = nullptr;
+};
 
 }  // namespace
 }  // namespace tovalin::tool
@@ -127,7 +149,7 @@ int Run(std::vector<std::string> arguments) {
 int main(int count, char** values) {
   using namespace tovalin;
   try {
-    const int code = tool::Run(std::vector<std::string>(values + 1, values + count));
+    const int code = tool::CommandLine().Run({values + 1, values + count});
     if (!std::cout.flush()) Raise(Failure::DiskFull);
     return code;
   } catch (const Error& error) {

@@ -39,13 +39,14 @@ class TOVALIN_API Campo : public Object {
 
   Campo() = default;
   explicit Campo(Text name) : name_(std::move(name)) {}
+  ~Campo() override;
   const ClassInfo& Class() const override;
   /// A record with the same attributes that belongs to no table.
   Ref<Campo> Copy() const;
 
   const Text& Name() const { return name_; }
   /// A record that is in a table stays there under the name that it was added with.
-  void LetName(const Text& Name) { name_ = Name; }
+  void LetName(const Text& Name);
   /// One of the DataType codes.
   std::int32_t DataType() const { return data_type_; }
   void LetDataType(std::int32_t DataType) { data_type_ = DataType; }
@@ -56,7 +57,7 @@ class TOVALIN_API Campo : public Object {
   std::int16_t Position() const { return position_; }
   void LetPosition(std::int16_t Position) { position_ = Position; }
   const Variant& Value() const { return value_; }
-  void LetValue(const Variant& Value) { value_ = Value.Value(); }
+  void LetValue(const Variant& Value);
   const Text& Description() const { return description_; }
   void LetDescription(const Text& Description) { description_ = Description; }
   /// The formula that gives a formula variable its value, empty for any other.
@@ -76,6 +77,7 @@ class TOVALIN_API Campo : public Object {
 
  private:
   friend class Campos;
+  friend class DeepRelease;
   friend class FormulaMarks;
 
   Text name_;
@@ -128,18 +130,22 @@ class TOVALIN_API Campos : public Object {
     return position == list_.kNotFound ? nullptr : list_[position].get();
   }
   const KeyedList<Ref<Campo>>& List() const { return list_; }
-  /// Grows with every change of the set of names and of a record's formula.
+  /// Grows with every change of the set of names and of a record's name or formula.
   std::uint64_t Version() const { return version_; }
+  /// Grows with every value that is written into a record by LetValue.
+  std::uint64_t ValuesVersion() const { return values_version_; }
 
   KeyedList<Ref<Campo>>::Cursor begin() const { return list_.begin(); }
   std::default_sentinel_t end() const { return {}; }
 
  private:
   friend class Campo;
+  friend class DeepRelease;
 
   KeyedList<Ref<Campo>> list_;
   Text system_list_;
   std::uint64_t version_ = 0;
+  std::uint64_t values_version_ = 0;
 };
 
 }  // namespace tovalin

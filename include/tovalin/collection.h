@@ -19,6 +19,7 @@ class TOVALIN_API Collection : public Object {
  public:
   static constexpr TextView kClassName = u"Collection";
 
+  ~Collection() override;
   const ClassInfo& Class() const override;
 
   /// Adds an item: at the end, or before or after an item that `Before` or
@@ -38,6 +39,8 @@ class TOVALIN_API Collection : public Object {
   std::default_sentinel_t end() const { return {}; }
 
  private:
+  friend class DeepRelease;
+
   KeyedList<Variant> list_;
 };
 

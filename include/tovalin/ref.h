@@ -47,7 +47,9 @@ class Ref {
   }
 
   T* get() const { return target_; }
-  T& operator*() const { return *target_; }
+  T& operator*() const& { return *target_; }
+  /// The thing might be gone at the end of the expression.
+  T& operator*() && = delete;
   T* operator->() const { return target_; }
   explicit operator bool() const { return target_ != nullptr; }
   friend bool operator==(const Ref& left, const Ref& right) {

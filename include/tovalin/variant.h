@@ -53,10 +53,11 @@ struct Date {
   friend auto operator<=>(const Date&, const Date&) = default;
 };
 
-/// Text shared by the Variants that hold it; it never changes.
+/// Text shared by the Variants that hold it; only a sole holder changes it.
 struct SharedText {
   explicit SharedText(Text text) : value(std::move(text)) {}
-  const Text value;
+  Text value;
+  bool is_plain = false;  // known to hold no double quote and no comma
   ReferenceCount references;
 };
 
@@ -77,10 +78,10 @@ class TOVALIN_API Variant {
   Variant(std::uint8_t value) : subtype_(Subtype::Byte), byte_(value) {}
   template <std::same_as<bool> Boolean>
   Variant(Boolean value) : subtype_(Subtype::Boolean), boolean_(value) {}
-  Variant(Text value) : Variant(Make<const SharedText>(std::move(value))) {}
+  Variant(Text value) : Variant(Make<SharedText>(std::move(value))) {}
   Variant(TextView value) : Variant(Text(value)) {}
   Variant(const char16_t* value) : Variant(Text(value)) {}
-  Variant(Ref<const SharedText> text) : subtype_(Subtype::String), text_(std::move(text)) {}
+  Variant(Ref<SharedText> text) : subtype_(Subtype::String), text_(std::move(text)) {}
   Variant(Ref<VariantArray> array) : subtype_(Subtype::Array), array_(std::move(array)) {}
   template <std::derived_from<Object> T>
   Variant(Ref<T> object) : subtype_(Subtype::Object), object_(std::move(object)) {}
@@ -100,7 +101,8 @@ class TOVALIN_API Variant {
     return *this;
   }
   Variant& operator=(Variant&& other) noexcept {
-    if (this == &other) return *this;
+    // A value that refers to itself is the value that it is.
+    if (this == &other || (other.by_reference_ && other.target_ == this)) return *this;
     if (HoldsReference()) DropReference();
     StealFrom(other);
     return *this;
@@ -121,7 +123,10 @@ class TOVALIN_API Variant {
   const Variant& Value() const { return by_reference_ ? target_->Value() : *this; }
   Variant& Value() { return by_reference_ ? target_->Value() : *this; }
   /// Stores into the value itself, or into the target of a by-reference Variant.
-  void Assign(Variant value) { Value() = std::move(value); }
+  void Assign(Variant value) {
+    if (value.by_reference_) value = Variant(value.Value());
+    Value() = std::move(value);
+  }
 
   // The payload of the value. Each requires its own subtype; conversions are in
   // tovalin/convert.h.
@@ -132,6 +137,8 @@ class TOVALIN_API Variant {
   Currency AsCurrency() const { return Checked(Subtype::Currency).currency_; }
   Date AsDate() const { return Checked(Subtype::Date).date_; }
   const Text& AsText() const { return Checked(Subtype::String).text_->value; }
+  /// The text with its marks, for who knows what they mean.
+  SharedText& AsSharedText() const { return *Checked(Subtype::String).text_; }
   const Ref<Object>& AsObject() const { return Checked(Subtype::Object).object_; }
   std::int32_t AsErrorCode() const { return Checked(Subtype::Error).error_; }
   bool AsBoolean() const { return Checked(Subtype::Boolean).boolean_; }
@@ -168,7 +175,7 @@ class TOVALIN_API Variant {
     double double_;
     Currency currency_;
     Date date_;
-    Ref<const SharedText> text_;
+    Ref<SharedText> text_;
     Ref<Object> object_;
     std::int32_t error_;
     bool boolean_;
@@ -184,6 +191,8 @@ class TOVALIN_API VariantArray {
  public:
   VariantArray(std::size_t columns, std::size_t rows)
       : columns_(columns), rows_(rows), items_(columns * rows) {}
+  VariantArray(const VariantArray&) = default;
+  ~VariantArray();
 
   std::size_t Columns() const { return columns_; }
   std::size_t Rows() const { return rows_; }
@@ -194,6 +203,8 @@ class TOVALIN_API VariantArray {
   ReferenceCount references;
 
  private:
+  friend class DeepRelease;
+
   std::size_t columns_;
   std::size_t rows_;
   std::vector<Variant> items_;  // column by column within a row: rows are written together

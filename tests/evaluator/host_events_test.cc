@@ -124,7 +124,7 @@ TEST_F(HostEvents, LookNamesUpAgainWhenAHandlerChangesTheTables) {
   });
   EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"), "Double 101");
   EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"),
-            "1 - Variable no definida OTRA\r\n2 - Variable no definida )\r\n");
+            "1 - Variable no definida OTRA\r\n");
 }
 
 TEST_F(HostEvents, TakeANameThatAHandlerRemovesForText) {

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Checks that `tovalin trace --follow` shows each new trace, and ends well when it
+# is asked to.
+#   follow_trace.sh TOOL
+set -euo pipefail
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export XDG_CONFIG_HOME=$work/config
+tool=$1
+
+# Waits until the output has a line.
+shown() {
+  for _ in {1..100}; do
+    if grep -qxF -- "$1" "$work/out"; then return 0; fi
+    sleep 0.1
+  done
+  echo "Never shown: $1"
+  cat "$work/out"
+  return 1
+}
+
+for signal in INT TERM; do
+  "$tool" eval "1 + 1" >"$work/result"
+  : >"$work/out"
+  "$tool" trace --follow >"$work/out" &
+  follower=$!
+  shown "Resultado=2"
+  "$tool" eval "20 * 2" >"$work/result"
+  shown "Resultado=40"
+  shown "Expresion=20 * 2"
+  # Nothing new: nothing more is shown.
+  lines=$(wc -l <"$work/out")
+  sleep 0.6
+  [[ $(wc -l <"$work/out") == "$lines" ]]
+  kill -"$signal" "$follower"
+  wait "$follower"
+done
+
+# A settings file that cannot be read at one moment does not end it either.
+rm -r "$work/config"
+"$tool" trace --follow >"$work/out" &
+follower=$!
+shown "Expresion="
+"$tool" eval '"más tarde"' >"$work/result"
+shown "Resultado=más tarde"
+kill "$follower"
+wait "$follower"
