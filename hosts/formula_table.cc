@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "hosts/command_line.h"
+#include "hosts/input.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::tool {
@@ -39,13 +40,17 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
       formulas_(std::move(formulas)),
       values_(columns_.size() + formulas_.size()),
       results_(formulas_.size()) {
-  for (const Text& column : columns_) evaluator_->AddVble(column, Variant(), u"", kNumeric);
-  for (const NamedFormula& formula : formulas_)
-    evaluator_->AddVble(formula.name, Variant(), u"", kNumeric);
+  for (const Text& column : columns_) AddVariable(column);
+  for (const NamedFormula& formula : formulas_) AddVariable(formula.name);
   if (OrderSteps()) return;
   steps_.clear();
   for (const NamedFormula& formula : formulas_)
     evaluator_->Variables()->Item(formula.name)->LetFormula(formula.formula);
+}
+
+void FormulaTable::AddVariable(const Text& name) {
+  if (evaluator_->ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, ToUtf8(name));
+  evaluator_->AddVble(name, Variant(), u"", kNumeric);
 }
 
 // Puts each formula behind those that it uses. False when some go in a circle.
@@ -81,7 +86,8 @@ void FormulaTable::AddStep(std::size_t formula, std::vector<std::size_t> uses) {
   const Ref<Collection> faults = step.prepared->Errores();
   for (const Variant& record : faults->List().Items()) {
     if (!step.faults.empty()) step.faults.append(" | ");
-    step.faults.append(ShowValue(record.AsObject().As<Collection>()->Item(u"Mensaje")));
+    const Ref<Collection> fault = record.AsObject().As<Collection>();
+    step.faults.append(ShowValue(fault->Item(u"Mensaje")));
   }
   steps_.push_back(std::move(step));
 }

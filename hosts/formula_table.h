@@ -47,6 +47,7 @@ class FormulaTable {
     std::vector<std::size_t> uses;  // the formulas that it names
   };
 
+  void AddVariable(const Text& name);
   bool OrderSteps();
   void AddStep(std::size_t formula, std::vector<std::size_t> uses);
   void ComputeStep(const Step& step);

@@ -6,6 +6,7 @@
 
 #include "hosts/command_line.h"
 #include "hosts/csv.h"
+#include "hosts/formula_table.h"
 #include "tovalin/convert.h"
 
 // tovalin table: formulas over the rows of a CSV file, which is never in memory
@@ -14,10 +15,8 @@
 namespace tovalin::tool {
 namespace {
 
-struct NamedFormula {
-  Text name;
-  Text formula;
-};
+// Rows are computed in portions of this many.
+constexpr std::size_t kPortion = 1024;
 
 // "Name = formula".
 NamedFormula ReadFormula(TextView line) {
@@ -92,18 +91,17 @@ class Progress {
 class TableRun {
  public:
   TableRun(const TableOptions& options, std::vector<NamedFormula> formulas)
-      : evaluator_(MakeEvaluator({})), formulas_(std::move(formulas)), writer_(options.output) {
-    evaluator_->ClearConstants();
-  }
+      : formulas_(std::move(formulas)), writer_(options.output) {}
 
   void Take(CsvRow& row) {
-    if (columns_.empty())
+    if (!table_)
       TakeHeader(row);
     else
       TakeRow(row);
   }
 
   int Finish() {
+    if (table_) WritePortion();
     writer_.Finish();
     if (failed_cells_ == 0) return kDone;
     std::cerr << failed_cells_ << " celdas con error en " << failed_rows_ << " filas\n";
@@ -112,73 +110,66 @@ class TableRun {
 
  private:
   void TakeHeader(const CsvRow& row) {
+    std::vector<Text> columns;
     for (const std::string& header : row) {
-      const Text name(Trim(FromUtf8(header)));
-      AddVariable(name, {});
-      columns_.push_back(evaluator_->Variables()->Item(name));
+      columns.emplace_back(Trim(FromUtf8(header)));
       writer_.Field(header);
     }
-    for (const NamedFormula& formula : formulas_) {
-      AddVariable(formula.name, formula.formula);
-      names_.push_back(formula.name);
-      writer_.Field(ToUtf8(formula.name));
-    }
-    outcomes_.resize(names_.size());
+    for (const NamedFormula& formula : formulas_) writer_.Field(ToUtf8(formula.name));
     writer_.EndRow();
+    const Ref<Evaluador> evaluator = MakeEvaluator({});
+    evaluator->ClearConstants();
+    table_.emplace(evaluator, columns, formulas_);
+    values_.resize(columns.size());
   }
 
-  void AddVariable(const Text& name, const Text& formula) {
-    if (evaluator_->ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, ToUtf8(name));
-    evaluator_->AddVble(name, Variant(), u"", kNumeric, formula);
-  }
-
-  void TakeRow(const CsvRow& row) {
-    for (std::size_t i = 0; i < columns_.size(); ++i) {
-      const std::string_view cell = i < row.size() ? std::string_view(row[i]) : std::string_view();
-      columns_[i]->LetValue(CellValue(std::string(cell)));
-      writer_.Field(cell);
-    }
-    const std::size_t failed_before = failed_cells_;
-    if (row.size() > columns_.size())
-      WriteMisfit(row.size());
-    else
-      WriteResults();
-    failed_rows_ += failed_cells_ > failed_before;
-    writer_.EndRow();
+  void TakeRow(CsvRow& row) {
+    for (std::size_t i = 0; i < values_.size(); ++i)
+      values_[i] = i < row.size() ? CellValue(row[i]) : Variant();
+    const std::size_t place = table_->Rows();
+    table_->AddRow(values_);
+    if (rows_.size() <= place) rows_.emplace_back();
+    rows_[place].swap(row);
+    if (table_->Rows() == kPortion) WritePortion();
     progress_.Row();
   }
 
-  // A row with more fields than the header has does not say what they are.
-  void WriteMisfit(std::size_t fields) {
-    for (std::size_t i = 0; i < names_.size(); ++i)
-      WriteFailure("la fila tiene " + std::to_string(fields) + " campos y el encabezado " +
-                   std::to_string(columns_.size()));
-  }
-
-  void WriteResults() {
-    evaluator_->EvaluateBatch(names_, outcomes_);
-    for (const Evaluador::Outcome& outcome : outcomes_) {
-      if (outcome.error)
-        WriteFailure(ShowError(*outcome.error));
-      else if (!outcome.faults.empty())
-        WriteFailure(ToUtf8(outcome.faults));
-      else
-        writer_.Field(ShowValue(outcome.value));
+  void WritePortion() {
+    table_->Compute();
+    for (std::size_t row = 0; row < table_->Rows(); ++row) {
+      const CsvRow& cells = rows_[row];
+      for (std::size_t i = 0; i < values_.size(); ++i)
+        writer_.Field(i < cells.size() ? std::string_view(cells[i]) : std::string_view());
+      const std::size_t failed_before = failed_cells_;
+      for (std::size_t i = 0; i < formulas_.size(); ++i) WriteResult(cells, i, row);
+      failed_rows_ += failed_cells_ > failed_before;
+      writer_.EndRow();
     }
+    table_->Clear();
   }
 
-  void WriteFailure(std::string message) {
-    while (message.ends_with('\n') || message.ends_with('\r')) message.pop_back();
+  void WriteResult(const CsvRow& cells, std::size_t formula, std::size_t row) {
+    const FormulaTable::Cell& result = table_->Result(formula, row);
+    if (cells.size() > values_.size())
+      // A row with more fields than the header has does not say what they are.
+      WriteFailure("la fila tiene " + std::to_string(cells.size()) + " campos y el encabezado " +
+                   std::to_string(values_.size()));
+    else if (!result.failure.empty())
+      WriteFailure(result.failure);
+    else
+      writer_.Field(ShowValue(result.value));
+  }
+
+  void WriteFailure(const std::string& message) {
     ++failed_cells_;
     writer_.Field("#" + message);
   }
 
-  Ref<Evaluador> evaluator_;
   std::vector<NamedFormula> formulas_;
-  std::vector<Ref<Campo>> columns_;
-  std::vector<Text> names_;
-  std::vector<Evaluador::Outcome> outcomes_;
   CsvWriter writer_;
+  std::optional<FormulaTable> table_;  // from the header on
+  std::vector<Variant> values_;        // of one row
+  std::vector<CsvRow> rows_;           // of a portion, as they were read
   Progress progress_;
   std::size_t failed_cells_ = 0;
   std::size_t failed_rows_ = 0;
