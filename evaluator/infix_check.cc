@@ -13,37 +13,45 @@ constexpr TextView kBrackets =
 constexpr TextView kUndefined = u"Variable no definida ";
 constexpr TextView kMissing = u"Falta una expresión";
 
-void AddFault(TokenList& list, FaultCode code, const Token& token, Text message) {
-  list.faults.push_back({code, token.start, token.length, std::move(message)});
+Fault MakeFault(FaultCode code, const Token& token, Text message) {
+  return {code, token.start, token.length, std::move(message)};
 }
 
-void CheckDuplicateOperators(TokenList& list) {
+// How a token counts in the balance of brackets: by its last character.
+int BracketBalance(const TokenList& list, const Token& token) {
+  switch (token.kind) {
+    case TokenKind::Open:
+      return 1;
+    case TokenKind::Close:
+      return -1;
+    case TokenKind::Function:
+      return !token.record || Trim(token.record->Name()).ends_with(u'(') ? 1 : 0;
+    case TokenKind::Name: {
+      const TextView span = list.Span(token);
+      return span.ends_with(u'(') ? 1 : span.ends_with(u')') ? -1 : 0;
+    }
+    default:
+      return 0;
+  }
+}
+
+// Two operators in a row, and brackets that do not match.
+std::vector<Fault> StructuralFaults(const TokenList& list) {
+  std::vector<Fault> faults;
+  std::ptrdiff_t open = 0;
   bool after_operator = false;
   for (const Token& token : list.tokens) {
     const bool is_operator = token.kind == TokenKind::Operator;
     if (is_operator && after_operator)
-      AddFault(list, FaultCode::DuplicateOperator, token,
-               Text(kDuplicate).append(list.Spelling(token)));
+      faults.push_back(MakeFault(FaultCode::DuplicateOperator, token,
+                                 Text(kDuplicate).append(list.Spelling(token))));
     after_operator = is_operator;
+    open += BracketBalance(list, token);
   }
-}
-
-char16_t LastCharacter(const TokenList& list, const Token& token) {
-  if (token.kind == TokenKind::Literal) return u'"';
-  const bool named = token.kind == TokenKind::Function && token.record;
-  const TextView text = named ? Trim(token.record->Name()) : list.Span(token);
-  return text.empty() ? u' ' : text.back();
-}
-
-void CheckBrackets(TokenList& list) {
-  std::ptrdiff_t open = 0;
-  for (const Token& token : list.tokens) {
-    const char16_t last = LastCharacter(list, token);
-    open += (last == u'(') - (last == u')');
-  }
-  if (open == 0) return;
-  list.faults.push_back({FaultCode::BracketMismatch, 0,
-                         static_cast<std::uint32_t>(list.text.size()), Text(kBrackets)});
+  if (open != 0)
+    faults.push_back({FaultCode::BracketMismatch, 0, static_cast<std::uint32_t>(list.text.size()),
+                      Text(kBrackets)});
+  return faults;
 }
 
 // The name behind the "@" of a token, without the quotes around it, or nothing
@@ -64,7 +72,8 @@ bool IsKnown(TextView name, const Symbols& symbols, const Campos* locals) {
 }
 
 void AddUndefined(TokenList& list, const Token& token, TextView name) {
-  AddFault(list, FaultCode::UndefinedVariable, token, Text(kUndefined).append(name));
+  list.faults.push_back(
+      MakeFault(FaultCode::UndefinedVariable, token, Text(kUndefined).append(name)));
 }
 
 void CheckName(TokenList& list, Token& token, const Symbols& symbols, const Campos* locals) {
@@ -116,14 +125,11 @@ void CheckOperands(TokenList& list, const Symbols& symbols, const Campos* locals
 }  // namespace
 
 void CheckTokens(TokenList& list, const Symbols& symbols, const Campos* locals) {
+  const std::vector<Fault> faults = StructuralFaults(list);
   // A formula of several tokens deliberately has these two mistakes told twice:
   // hosts count the lines of LastError.
-  if (list.tokens.size() > 1) {
-    CheckDuplicateOperators(list);
-    CheckBrackets(list);
-  }
-  CheckDuplicateOperators(list);
-  CheckBrackets(list);
+  for (int times = list.tokens.size() > 1 ? 2 : 1; times > 0; --times)
+    list.faults.insert(list.faults.end(), faults.begin(), faults.end());
   CheckOperands(list, symbols, locals);
 }
 

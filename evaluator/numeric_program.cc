@@ -56,8 +56,8 @@ class ProgramMaker {
     program_.steps.reserve(plan.items.size());
     for (const Item& item : plan.items)
       if (!Take(item)) return std::nullopt;
-    program_.left = static_cast<std::uint32_t>(types_.size());
-    program_.gives_boolean = types_.front() == SlotType::Boolean;
+    program_.left = size_;
+    program_.gives_boolean = types_[0] == SlotType::Boolean;
     return std::move(program_);
   }
 
@@ -88,9 +88,9 @@ class ProgramMaker {
   }
 
   bool TakeOperator(OperatorCode code) {
-    if (types_.size() == 1) return TakeUnary(code);
+    if (size_ == 1) return TakeUnary(code);
     const auto* row = std::ranges::find(kOperators, code, &OperatorRow::code);
-    if (row == std::end(kOperators) || types_.size() < 2) return false;
+    if (row == std::end(kOperators) || size_ < 2) return false;
     return Pop(row->takes) && Pop(row->takes) && Emit(row->step, row->gives);
   }
 
@@ -101,7 +101,7 @@ class ProgramMaker {
 
   bool TakeFunction(const Builtin& builtin) {
     const auto* row = std::ranges::find(kFunctions, builtin.name, &FunctionRow::name);
-    if (row == std::end(kFunctions) || types_.size() < builtin.pops) return false;
+    if (row == std::end(kFunctions) || size_ < builtin.pops) return false;
     const std::size_t conditions = row->step == NumericCode::Choose ? 1 : 0;
     for (std::size_t i = conditions; i < builtin.pops; ++i)
       if (!Pop(SlotType::Number)) return false;
@@ -109,22 +109,20 @@ class ProgramMaker {
   }
 
   bool Push(SlotType type) {
-    types_.push_back(type);
-    program_.depth = std::max(program_.depth, static_cast<std::uint32_t>(types_.size()));
-    return types_.size() <= NumericProgram::kDeepest;
-  }
-  bool Pop(SlotType type) {
-    if (types_.empty() || types_.back() != type) return false;
-    types_.pop_back();
+    if (size_ == types_.size()) return false;
+    types_[size_++] = type;
+    program_.depth = std::max(program_.depth, size_);
     return true;
   }
+  bool Pop(SlotType type) { return size_ > 0 && types_[--size_] == type; }
   bool Emit(NumericCode code, SlotType gives) {
     program_.steps.push_back({code, {}});
     return Push(gives);
   }
 
   NumericProgram program_;
-  std::vector<SlotType> types_;
+  std::array<SlotType, NumericProgram::kDeepest> types_{};  // of what is on the stack
+  std::uint32_t size_ = 0;
 };
 
 bool IsDefinedPower(double base, double exponent) {

@@ -68,6 +68,7 @@ class Converter {
 
   void Run() {
     plan_.items.reserve(plan_.items.size() + list_.tokens.size());
+    waiting_.reserve(list_.tokens.size() / 2 + 1);
     for (const Token& token : list_.tokens) Take(token);
     while (!waiting_.empty()) Release();
   }

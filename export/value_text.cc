@@ -41,8 +41,10 @@ TextView ValueText::Formed(const Variant& value, FieldForm form) {
   const Pattern& pattern = form == FieldForm::Time ? time_ : date_;
   if (form == FieldForm::Plain || pattern.name.empty()) return Plain(value);
   if (value.Is(Subtype::Null)) return {};
-  return text_ = value.Is(Subtype::Date) ? FormatDate(pattern.parsed, value.AsDate())
-                                         : Format(value, pattern.name);
+  if (!value.Is(Subtype::Date)) return text_ = Format(value, pattern.name);
+  text_.clear();
+  AppendDate(text_, pattern.parsed, value.AsDate());
+  return text_;
 }
 
 }  // namespace tovalin

@@ -66,7 +66,9 @@ DatePattern::Step DateTokenAt(TextView text);
 
 DatePattern ParseDatePattern(TextView pattern);
 
-/// Raises 5 for a date outside of the calendar.
+/// Both raise 5 for a date outside of the calendar; AppendDate lets a text that is
+/// written again and again keep its memory.
+void AppendDate(Text& text, const DatePattern& pattern, Date date);
 Text FormatDate(const DatePattern& pattern, Date date);
 
 }  // namespace tovalin

@@ -12,17 +12,18 @@ using enum DateToken;
 
 class DateWriter {
  public:
-  DateWriter(const DatePattern& pattern, Date date)
-      : pattern_(pattern),
+  DateWriter(Text& text, const DatePattern& pattern, Date date)
+      : text_(text),
+        pattern_(pattern),
         date_(date),
         civil_(DateOf(date)),
         time_(TimeOf(date)),
         has_day_(civil_ != CivilDate{.year = 1899, .month = 12, .day = 30}),
         has_time_(time_ != TimeOfDay{}) {}
 
-  Text Write() {
+  void Write() {
     constexpr std::size_t kUsualStep = 5;
-    text_.reserve(pattern_.literals.size() + pattern_.steps.size() * kUsualStep);
+    text_.reserve(text_.size() + pattern_.literals.size() + pattern_.steps.size() * kUsualStep);
     std::size_t literal = 0;
     std::size_t skip = 0;
     for (const DatePattern::Step& step : pattern_.steps) {
@@ -36,7 +37,6 @@ class DateWriter {
         WriteToken(step.token);
       }
     }
-    return std::move(text_);
   }
 
  private:
@@ -169,17 +169,25 @@ class DateWriter {
     while (count > 0) text_ += digits[--count];
   }
 
+  Text& text_;
   const DatePattern& pattern_;
   Date date_;
   CivilDate civil_;
   TimeOfDay time_;
   bool has_day_;
   bool has_time_;
-  Text text_;
 };
 
 }  // namespace
 
-Text FormatDate(const DatePattern& pattern, Date date) { return DateWriter(pattern, date).Write(); }
+void AppendDate(Text& text, const DatePattern& pattern, Date date) {
+  DateWriter(text, pattern, date).Write();
+}
+
+Text FormatDate(const DatePattern& pattern, Date date) {
+  Text text;
+  AppendDate(text, pattern, date);
+  return text;
+}
 
 }  // namespace tovalin
