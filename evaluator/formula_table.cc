@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <limits>
 #include <type_traits>
 
 #include "evaluator/formula_core.h"
@@ -125,6 +126,13 @@ class TableRun {
     return true;
   }
 
+  static Result NoResult() {
+    if constexpr (std::is_same_v<Result, double>)
+      return std::numeric_limits<double>::quiet_NaN();
+    else
+      return Variant();
+  }
+
   void RunRows(std::size_t first, std::size_t end) {
     for (std::size_t row = first; row < end; ++row) {
       variables_.TakeRow(row);
@@ -135,6 +143,7 @@ class TableRun {
         else
           results_[row] = std::move(value);
       } catch (const Error& error) {
+        results_[row] = NoResult();
         errors_.push_back({row, error});
       }
     }

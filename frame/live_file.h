@@ -36,7 +36,8 @@ namespace tovalin {
 // - The edition with "-" for its first digit marks a file that is about to be
 //   replaced by a new one at the same path: it keeps its values, writers open the
 //   path again. Marks are made, and dropped when the new file was never put in
-//   place, under the FileLock alone.
+//   place, under the FileLock alone. Who drops one adds 4 to an even edition: then
+//   no edition comes back soon, and while it stays the same nobody has written.
 // - A reader reads the current slot, then the edition again: what it read holds
 //   while the edition, taken as even, has gone up by 2 at most.
 //
@@ -68,8 +69,16 @@ class LiveFile {
 
   enum class Outcome { kWritten, kTooLong, kMoved };
 
-  /// Writes the lines of the section, a multiple of 8 bytes long.
-  Outcome Write(std::string_view body);
+  /// Writes the lines of the section, a multiple of 8 bytes long. The first `same`
+  /// bytes are those of the last Write of this object.
+  Outcome Write(std::string_view body, std::size_t same);
+
+  /// Whether the last Write of this object succeeded and nobody has written since.
+  bool HoldsLast() const { return mapping_.Load(kEditionPlace) == last_word_; }
+
+  /// Takes nothing for granted that was written before: the next two Writes write
+  /// every line, whatever became of the file.
+  void Forget() { agreed_ = {}; }
 
   /// The lines of the section, all from one Write. Nothing when the file is
   /// being rewritten so often that no look at it succeeds.
@@ -86,7 +95,10 @@ class LiveFile {
   std::string ReadName(std::size_t slot, std::size_t size) const;
   std::size_t SlotStart(std::size_t slot) const;
   std::size_t Used(std::size_t slot) const;
-  void Fill(std::size_t slot, std::string_view body);
+  bool TryWrite(std::uint64_t word, std::uint32_t mine, std::string_view body);
+  void Fill(std::size_t slot, std::string_view body, std::size_t agreed);
+
+  static constexpr std::size_t kEditionPlace = 8;
 
   Mapping mapping_;
   std::size_t slot_size_;
@@ -98,6 +110,10 @@ class LiveFile {
   std::uint32_t last_edition_ = 0;
   std::array<std::uint64_t, 2> used_words_{};
   std::array<std::size_t, 2> used_{};
+
+  // How many bytes of the last body each slot begins with for certain, as long as
+  // the edition is the last one that was written here.
+  std::array<std::size_t, 2> agreed_{};
 };
 
 }  // namespace tovalin

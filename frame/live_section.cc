@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <exception>
+#include <utility>
 
 #include "frame/ini_text.h"
 #include "frame/settings_content.h"
@@ -19,14 +21,13 @@ constexpr std::size_t kLongestBody = std::size_t{1} << 30;
 
 }  // namespace
 
-LiveSection::LiveSection(TextView application, TextView section, std::vector<std::string> keys)
+LiveSection::LiveSection(TextView application, TextView section,
+                         const std::vector<std::string>& keys)
     : application_(application),
       section_(section),
-      written_section_(EscapeIni(section, IniPlace::kSection)),
-      keys_(std::move(keys)),
-      lines_(keys_.size()) {
-  for (const std::string& key : keys_) {
-    written_keys_.push_back(EscapeIni(FromUtf8(key), IniPlace::kKey) + "=");
+      written_section_(EscapeIni(section, IniPlace::kSection)) {
+  for (const std::string& key : keys) {
+    entries_.push_back({.key = EscapeIni(FromUtf8(key), IniPlace::kKey) + "=", .value = {}});
   }
 }
 
@@ -37,9 +38,12 @@ LiveSection::~LiveSection() {
 
 bool LiveSection::Put(std::size_t first, std::span<const std::string_view> utf8_values) noexcept {
   try {
-    unwritten_ = true;
     Keep(first, utf8_values);
-    unwritten_ = !Write(CoarseMilliseconds());
+    const bool look = IsTimeToLook();
+    if (!look && !unwritten_ && file_ && file_->HoldsLast()) return true;
+    unwritten_ = true;
+    Join();
+    unwritten_ = !Write(look);
     return !unwritten_;
   } catch (const Error&) {
   } catch (const std::exception&) {
@@ -48,64 +52,93 @@ bool LiveSection::Put(std::size_t first, std::span<const std::string_view> utf8_
 }
 
 void LiveSection::Keep(std::size_t first, std::span<const std::string_view> utf8_values) {
-  if (first >= lines_.size()) return;
-  const std::size_t count = std::min(utf8_values.size(), lines_.size() - first);
+  if (first >= entries_.size()) return;
+  const std::size_t count = std::min(utf8_values.size(), entries_.size() - first);
   for (std::size_t i = 0; i < count; ++i) {
-    const std::string_view value = utf8_values[i];
-    const bool plain = IsPlainIniText(value);
-    const std::string escaped = plain ? "" : EscapeIni(FromUtf8(value), IniPlace::kText);
-    const std::string_view text = plain ? value : std::string_view(escaped);
-    const std::string& key = written_keys_[first + i];
-    std::string& line = lines_[first + i];
-    line.reserve(key.size() + text.size() + 1);  // the line changes whole or not at all
-    line = key;
-    line += text;
-    line += '\n';
+    Entry& entry = entries_[first + i];
+    if (entry.was_put && entry.value == utf8_values[i]) continue;
+    unwritten_ = true;
+    entry.value = utf8_values[i];
+    entry.was_put = true;
+    joined_ = std::min(joined_, first + i);
   }
-  JoinLines(first);
 }
 
-void LiveSection::JoinLines(std::size_t first) {
-  if (!joined_) first = 0;
-  joined_ = false;
-  std::size_t start = 0;
-  for (std::size_t i = 0; i < first; ++i) start += lines_[i].size();
-  std::size_t end = start;
-  for (std::size_t i = first; i < lines_.size(); ++i) end += lines_[i].size();
-  body_.resize((end + 7) / 8 * 8, ' ');
-  for (std::size_t i = first; i < lines_.size(); ++i) {
-    lines_[i].copy(body_.data() + start, lines_[i].size());
-    start += lines_[i].size();
+// Writes the lines into the body from the first that changed.
+void LiveSection::Join() {
+  if (joined_ == entries_.size()) return;
+  std::size_t end = entries_[joined_].start;
+  same_ = std::min(same_, end);
+  for (std::size_t i = joined_; i < entries_.size(); ++i) {
+    entries_[i].start = end;
+    if (entries_[i].was_put) end = WriteLine(entries_[i], end);
   }
-  std::fill(body_.begin() + static_cast<std::ptrdiff_t>(start), body_.end(), ' ');
-  joined_ = true;
+  std::memset(Room(end, 8), ' ', 8);
+  body_size_ = (end + 7) / 8 * 8;
+  joined_ = entries_.size();
 }
 
-bool LiveSection::Write(std::int64_t now) {
-  if (now >= next_look_) {
-    const bool in_place = file_ && file_->IsAt(path_);
-    next_look_ = now + kLookEvery;
-    if (!in_place && !Open(now)) return false;
+// Answers the place behind the line.
+std::size_t LiveSection::WriteLine(const Entry& entry, std::size_t place) {
+  char* const line = Room(place, entry.key.size() + entry.value.size() + kPlainIniTextExtra + 1);
+  char* const text = std::copy(entry.key.begin(), entry.key.end(), line);
+  char* end = WritePlainIniText(entry.value, text);
+  if (!end) {
+    const std::string escaped = EscapeIni(std::string_view(entry.value), IniPlace::kText);
+    const std::size_t text_place = place + entry.key.size();
+    end = std::copy(escaped.begin(), escaped.end(), Room(text_place, escaped.size() + 1));
+  }
+  *end++ = '\n';
+  return static_cast<std::size_t>(end - buffer_.data());
+}
+
+// Where `size` bytes may be written.
+char* LiveSection::Room(std::size_t place, std::size_t size) {
+  if (buffer_.size() < place + size) buffer_.resize(place + size + size / 2);
+  return buffer_.data() + place;
+}
+
+// The clock takes longer than all else about a Put of known values. So when it told
+// the same time over and over, only every fourth Put asks it.
+bool LiveSection::IsTimeToLook() {
+  constexpr int kBurst = 100;
+  constexpr int kUnasked = 3;
+  if (unasked_ > 0 && file_) {
+    --unasked_;
+    return false;
+  }
+  const std::int64_t now = CoarseMilliseconds();
+  asked_ = now == now_ ? std::min(asked_ + 1, kBurst) : 0;
+  unasked_ = file_ && asked_ == kBurst ? kUnasked : 0;
+  now_ = now;
+  return now >= next_look_;
+}
+
+bool LiveSection::Write(bool look) {
+  if (look) {
+    next_look_ = now_ + kLookEvery;
+    if (file_) file_->Forget();
+    if ((!file_ || !file_->IsAt(path_)) && !Open()) return false;
   }
   if (!file_) return false;
-  LiveFile::Outcome outcome = file_->Write(body_);
-  if (outcome == LiveFile::Outcome::kWritten) return true;
-  if (!Open(now)) return false;
-  return file_->Write(body_) == LiveFile::Outcome::kWritten;
+  if (file_->Write(Body(), std::exchange(same_, body_size_)) == LiveFile::Outcome::kWritten) {
+    return true;
+  }
+  return Open() && file_->Write(Body(), 0) == LiveFile::Outcome::kWritten;
 }
 
 // Leaves no file open when it fails.
-bool LiveSection::Open(std::int64_t now) {
+bool LiveSection::Open() {
   file_.reset();
-  next_look_ = now + kLookEvery;
-  if (body_.size() > kLongestBody) return false;
+  next_look_ = now_ + kLookEvery;
+  if (body_size_ > kLongestBody) return false;
   path_ = SettingsPath(application_);
   const std::optional<FileLock> lock = FileLock::Try(path_, kPatience);
   if (!lock) return false;
   std::optional<LiveFile> file = LiveFile::Open(path_, Mapping::Access::kWrite);
   // Two live sections would take the file from one another at every turn.
   if (file && file->section() != written_section_) return false;
-  if (!file || !file->HasRoom(body_)) {
+  if (!file || !file->HasRoom(Body())) {
     MakeFile();
     file = LiveFile::Open(path_, Mapping::Access::kWrite);
   }
@@ -117,10 +150,11 @@ bool LiveSection::Open(std::int64_t now) {
 // Makes the file a live one, or one with more room. Its other entries stay.
 void LiveSection::MakeFile() {
   SettingsContent content = TakeContent(path_);
-  for (const std::string& key : keys_) {
-    content.rest = WithoutEntry(content.rest, section_, FromUtf8(key));
+  for (const Entry& entry : entries_) {
+    const std::string_view key = std::string_view(entry.key).substr(0, entry.key.size() - 1);
+    content.rest = WithoutEntry(content.rest, section_, UnescapeIni(key));
   }
-  content.live = SettingsContent::Section{written_section_, body_};
+  content.live = SettingsContent::Section{written_section_, std::string(Body())};
   ReplaceWhole(path_, content.Bytes());
 }
 

@@ -22,7 +22,7 @@ namespace tovalin {
 class LiveSection {
  public:
   /// Opens nothing yet.
-  LiveSection(TextView application, TextView section, std::vector<std::string> keys);
+  LiveSection(TextView application, TextView section, const std::vector<std::string>& keys);
   LiveSection(const LiveSection&) = delete;
   LiveSection& operator=(const LiveSection&) = delete;
   /// Tries once more to write what the last Put could not.
@@ -32,27 +32,43 @@ class LiveSection {
   /// the last key are disregarded. Keys that were never Put have no entry. False
   /// when the section cannot be written: the values are kept then, and written with
   /// the next Put that succeeds. The way to the file is tried once a second at most.
+  /// A file that others deleted comes back with the first Put after a second, or
+  /// three later after a burst of them. A Put that changes nothing writes nothing.
   bool Put(std::size_t first, std::span<const std::string_view> utf8_values) noexcept;
 
  private:
+  struct Entry {
+    std::string key;  // as written, with its "="
+    std::string value;
+    bool was_put = false;
+    std::size_t start = 0;  // of its line in the body
+  };
+
   void Keep(std::size_t first, std::span<const std::string_view> utf8_values);
-  void JoinLines(std::size_t first);
-  bool Write(std::int64_t now);
-  bool Open(std::int64_t now);
+  void Join();
+  std::size_t WriteLine(const Entry& entry, std::size_t place);
+  char* Room(std::size_t place, std::size_t size);
+  std::string_view Body() const { return std::string_view(buffer_).substr(0, body_size_); }
+  bool IsTimeToLook();
+  bool Write(bool look);
+  bool Open();
   void MakeFile();
 
   Text application_;
   Text section_;
-  std::string written_section_;            // as a heading has it
-  std::vector<std::string> keys_;          // UTF-8
-  std::vector<std::string> written_keys_;  // each with its "="
-  std::vector<std::string> lines_;         // one for each key, empty before its first Put
-  std::string body_;                       // the lines, padded
-  bool joined_ = true;                     // whether the body holds the lines as they were
+  std::string written_section_;  // as a heading has it
+  std::vector<Entry> entries_;
+  std::string buffer_;         // the body, their lines with blanks behind, and room
+  std::size_t body_size_ = 0;  // a multiple of 8
+  std::size_t joined_ = 0;     // the first of the entries that the body may not hold
+  std::size_t same_ = 0;       // how many bytes of the body are as last written
   std::filesystem::path path_;
   std::optional<LiveFile> file_;
-  std::int64_t next_look_ = 0;  // when to look again whether the path leads to the file
   bool unwritten_ = false;
+  std::int64_t next_look_ = 0;  // when to look again whether the path leads to the file
+  std::int64_t now_ = 0;        // when the clock was last asked
+  int asked_ = 0;               // how often it told that time
+  int unasked_ = 0;             // how many more Puts do not ask it
 };
 
 }  // namespace tovalin

@@ -58,7 +58,7 @@ class TOVALIN_API Formula : public Object {
   /// Computes `rows` rows, with each column's variable (not a formula variable)
   /// having the row's value, into `results`: the same values, to the last bit, as
   /// row after row through Evaluar. Answers the rows that failed; their results are
-  /// left as they were. The variables have their own values again afterwards.
+  /// no number (NaN), or Empty. The variables have their own values again afterwards.
   /// Raises 5 for a column of no variable and 9 for a column or `results` shorter
   /// than `rows`; results that are no numbers fail their rows with 13.
   std::vector<RowError> EvaluarTabla(std::span<const Column> columns, std::size_t rows,

@@ -138,7 +138,7 @@ TEST(EvaluarTabla, GivesWhatEachRowGives) {
     for (std::size_t row = 0; row < kRows; ++row)
       by_table[row].bits = std::bit_cast<std::uint64_t>(results[row]);
     for (const auto& error : errors) {
-      EXPECT_EQ(results[error.row], 777);
+      EXPECT_TRUE(std::isnan(results[error.row]));
       by_table[error.row] = {0, error.error.number};
     }
 

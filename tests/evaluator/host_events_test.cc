@@ -123,8 +123,7 @@ TEST_F(HostEvents, LookNamesUpAgainWhenAHandlerChangesTheTables) {
     result = 1.0;
   });
   EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"), "Double 101");
-  EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"),
-            "1 - Variable no definida OTRA\r\n");
+  EXPECT_EQ(host.Evaluate(u"OTRA( ) + B"), "1 - Variable no definida OTRA\r\n");
 }
 
 TEST_F(HostEvents, TakeANameThatAHandlerRemovesForText) {

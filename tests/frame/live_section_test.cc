@@ -4,8 +4,10 @@
 #include <signal.h>
 #include <sys/resource.h>
 
+#include <array>
 #include <chrono>
 #include <optional>
+#include <random>
 #include <thread>
 
 #include "frame/live_file.h"
@@ -118,7 +120,18 @@ TEST_F(LiveSectionTest, KeepsAnyTextAndLeavesNoRemainder) {
                                           "Ñandú \U0001F600",
                                           "\x7F",
                                           "seis\\siete",
-                                          "12345678"};
+                                          "12345678",
+                                          "A B + 3 * B A / - ",
+                                          " ",
+                                          "  ",
+                                          "\\s ",
+                                          "1234567\n",
+                                          "1234\n678 ",
+                                          "12345\t",
+                                          "\x1F"
+                                          "234",
+                                          "12345678\\9012345678",
+                                          "1234567890123456\r8"};
   for (const std::string& text : texts) {
     for (int twice = 0; twice < 2; ++twice) ASSERT_TRUE(Put(section, 2, {text}));
     EXPECT_EQ(Get("Resultado"), text);
@@ -149,6 +162,41 @@ TEST_F(LiveSectionTest, TheLastWriterWinsAsAWhole) {
   EXPECT_EQ(GetAll(), (std::vector<std::string>{"2a", "2b", "2c", "(nada)"}));
   ASSERT_TRUE(Put(one, 3, {"1D"}));
   EXPECT_EQ(GetAll(), (std::vector<std::string>{"1a", "1b", "1c", "1D"}));
+}
+
+// Each writes only what it does not know to be there.
+TEST_F(LiveSectionTest, WritersInAnyOrderLeaveTheLastValues) {
+  const std::vector<std::string> texts = {"1", "18.5", "A B + 3 * ", "", std::string(90, 'x')};
+  std::array<LiveSection, 2> sections = {Make(), Make()};
+  std::array<std::vector<std::string>, 2> expected;
+  expected.fill(std::vector<std::string>(4, "(nada)"));
+  std::minstd_rand random(7);
+  std::size_t writer = 0;
+  for (int i = 0; i < 3000; ++i) {
+    if (random() % 8 == 0) writer = 1 - writer;
+    const std::size_t first = random() % 4;
+    std::vector<std::string_view> values;
+    for (std::size_t key = first; key < 4 && key < first + 2; ++key) {
+      expected[writer][key] = texts[random() % texts.size()];
+      values.push_back(expected[writer][key]);
+    }
+    ASSERT_TRUE(Put(sections[writer], first, values));
+    ASSERT_EQ(GetAll(), expected[writer]) << i;
+    if (random() % 64 == 0) TakeContent(SettingsPath(u"Evaluador"));
+    if (random() % 64 == 0) DefaultSettings()->Save(u"Evaluador", u"Otra", u"x", u"1");
+  }
+}
+
+TEST_F(LiveSectionTest, APutOfTheSameValuesWritesNothing) {
+  LiveSection section = Make();
+  ASSERT_TRUE(Put(section, 0, {"a", "b", "c", "d"}));
+  const std::string file = ReadFile("Evaluador.ini");
+  ASSERT_TRUE(Put(section, 0, {"a", "b", "c", "d"}));
+  EXPECT_EQ(ReadFile("Evaluador.ini"), file);
+  LiveSection other = Make();
+  ASSERT_TRUE(Put(other, 0, {"x", "x", "x", "x"}));
+  ASSERT_TRUE(Put(section, 2, {"c"}));
+  EXPECT_EQ(GetAll(), (std::vector<std::string>{"a", "b", "c", "d"}));
 }
 
 TEST_F(LiveSectionTest, ReadersNeverSeeAMixOfTwoWriters) {
