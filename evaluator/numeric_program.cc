@@ -125,8 +125,36 @@ class ProgramMaker {
   std::uint32_t size_ = 0;
 };
 
+// The comparisons, and the smaller and larger of two: steps whose result may be
+// finite when an operand is not.
+double Select(NumericCode code, double left, double right) {
+  switch (code) {
+    case NumericCode::Less:
+      return left < right;
+    case NumericCode::LessOrEqual:
+      return left <= right;
+    case NumericCode::Greater:
+      return left > right;
+    case NumericCode::GreaterOrEqual:
+      return left >= right;
+    case NumericCode::Equal:
+      return left == right || comparison::EqualNumbers(left, right);
+    case NumericCode::Different:
+      return left != right;
+    case NumericCode::Min:
+      return left < right ? left : right;
+    default:
+      return left > right ? left : right;
+  }
+}
+
+bool AreFinite(double left, double right) {
+  return arithmetic::IsFinite(left) && arithmetic::IsFinite(right);
+}
+
 bool IsDefinedPower(double base, double exponent) {
-  return base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent));
+  return AreFinite(base, exponent) &&
+         (base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent)));
 }
 
 }  // namespace
@@ -135,18 +163,22 @@ std::optional<NumericProgram> MakeNumericProgram(const Plan& plan) {
   return ProgramMaker().Make(plan);
 }
 
+// A sum, difference or product of what is not finite is not finite either, so that
+// only the end, and steps that might hide it, have to ask.
 std::optional<double> NumericProgram::Run() const {
   std::array<double, kDeepest> stack;
   double* top = stack.data() - 1;
   for (const NumericStep& step : steps) {
     switch (step.code) {
       case NumericCode::Load:
-        if (!step.source->Is(Subtype::Double)) return std::nullopt;
-        *++top = step.source->AsDouble();
-        continue;
+        if (const double* number = step.source->IfDouble())
+          *++top = *number;
+        else
+          return std::nullopt;
+        break;
       case NumericCode::Push:
         *++top = step.number;
-        continue;
+        break;
       case NumericCode::Add:
         --top;
         *top = top[0] + top[1];
@@ -156,12 +188,13 @@ std::optional<double> NumericProgram::Run() const {
         *top = top[0] - top[1];
         break;
       case NumericCode::Multiply:
+      case NumericCode::And:
         --top;
         *top = top[0] * top[1];
         break;
       case NumericCode::Divide:
         --top;
-        if (top[1] == 0) return std::nullopt;
+        if (top[1] == 0 || !arithmetic::IsFinite(top[1])) return std::nullopt;
         *top = top[0] / top[1];
         break;
       case NumericCode::Power:
@@ -171,63 +204,31 @@ std::optional<double> NumericProgram::Run() const {
         break;
       case NumericCode::TimesNegated:
         --top;
-        *top = top[0] * top[1];
-        if (!arithmetic::IsFinite(*top)) return std::nullopt;
-        *top *= -1;
+        *top = top[0] * top[1] * -1;
         break;
       case NumericCode::Negate:
         *top *= -1;
         break;
-      case NumericCode::Less:
-        --top;
-        *top = top[0] < top[1];
-        continue;
-      case NumericCode::LessOrEqual:
-        --top;
-        *top = top[0] <= top[1];
-        continue;
-      case NumericCode::Greater:
-        --top;
-        *top = top[0] > top[1];
-        continue;
-      case NumericCode::GreaterOrEqual:
-        --top;
-        *top = top[0] >= top[1];
-        continue;
-      case NumericCode::Equal:
-        --top;
-        *top = top[0] == top[1] || comparison::EqualNumbers(top[0], top[1]);
-        continue;
-      case NumericCode::Different:
-        --top;
-        *top = top[0] != top[1];
-        continue;
-      case NumericCode::And:
-        --top;
-        *top = top[0] * top[1];
-        continue;
+      case NumericCode::Abs:
+        *top = std::fabs(*top);
+        break;
       case NumericCode::Or:
         --top;
         *top = std::max(top[0], top[1]);
-        continue;
-      case NumericCode::Abs:
-        *top = std::fabs(*top);
-        continue;
-      case NumericCode::Min:
-        --top;
-        *top = top[0] < top[1] ? top[0] : top[1];
-        continue;
-      case NumericCode::Max:
-        --top;
-        *top = top[0] > top[1] ? top[0] : top[1];
-        continue;
+        break;
       case NumericCode::Choose:
         top -= 2;
+        if (!AreFinite(top[1], top[2])) return std::nullopt;
         *top = top[0] != 0 ? top[1] : top[2];
-        continue;
+        break;
+      default:
+        --top;
+        if (!AreFinite(top[0], top[1])) return std::nullopt;
+        *top = Select(step.code, top[0], top[1]);
     }
-    if (!arithmetic::IsFinite(*top)) return std::nullopt;
   }
+  for (const double* value = stack.data(); value <= top; ++value)
+    if (!arithmetic::IsFinite(*value)) return std::nullopt;
   return stack[0];
 }
 

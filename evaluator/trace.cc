@@ -1,6 +1,7 @@
 #include "evaluator/trace.h"
 
 #include <array>
+#include <bit>
 
 #include "tovalin/convert.h"
 
@@ -52,6 +53,16 @@ void Trace::MakeTexts(Plan& plan) {
   plan.trace_edition = ++last_edition_;
 }
 
+// The text of a result that comes again and again is made once.
+void Trace::KeepResult(const Variant& result, std::size_t left) {
+  const double* number = result.IfDouble();
+  const std::optional<std::uint64_t> bits =
+      number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
+  if (!bits || bits != number_bits_) result_ = ResultText(result);
+  number_bits_ = bits;
+  left_ = std::to_string(left);
+}
+
 void Trace::Begin(const Engine::Prepared& prepared) {
   MakeTexts(*prepared.plan);
   if (Shows(prepared)) return;
@@ -60,8 +71,7 @@ void Trace::Begin(const Engine::Prepared& prepared) {
 }
 
 void Trace::End(const Engine::Prepared& prepared, const Variant& result, std::size_t left) {
-  result_ = ResultText(result);
-  left_ = std::to_string(left);
+  KeepResult(result, left);
   if (Shows(prepared))
     Write(kResultKey, std::array<std::string_view, 2>{result_, left_});
   else  // the text has no plan to itself, or a handler evaluated another formula

@@ -27,6 +27,7 @@ class Trace {
  private:
   bool Shows(const Engine::Prepared& prepared) const;
   void MakeTexts(Plan& plan);
+  void KeepResult(const Variant& result, std::size_t left);
   void Remember(const Engine::Prepared& prepared);
   void Write(std::size_t first, std::span<const std::string_view> values);
 
@@ -38,6 +39,7 @@ class Trace {
   int shown_edition_ = 0;
   int last_edition_ = 0;
   std::string result_;
+  std::optional<std::uint64_t> number_bits_;  // of the Double that result_ is the text of
   std::string left_;
 };
 
