@@ -89,12 +89,11 @@ std::size_t FindExact(TextView text, TextView part) {
 }  // namespace
 
 Text FromUtf8(std::string_view utf8) {
-  // Most texts are plain ASCII up to some place: that much goes without decoding.
-  std::size_t plain = 0;
-  while (plain < utf8.size() && static_cast<unsigned char>(utf8[plain]) < 0x80) ++plain;
-  Text text(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(plain));
+  int bits = 0;
+  for (char c : utf8) bits |= c;
+  if ((bits & 0x80) == 0) return Text(utf8.begin(), utf8.end());
+  Text text;
   text.reserve(utf8.size());
-  utf8.remove_prefix(plain);
   while (!utf8.empty()) {
     const Decoded next = DecodeOne(utf8);
     utf8.remove_prefix(next.length);
@@ -109,13 +108,14 @@ Text FromUtf8(std::string_view utf8) {
 }
 
 std::string ToUtf8(TextView text) {
-  std::size_t plain = 0;
-  while (plain < text.size() && text[plain] < 0x80) ++plain;
-  std::string utf8(plain, '\0');
-  for (std::size_t i = 0; i < plain; ++i) utf8[i] = static_cast<char>(text[i]);
-  if (plain == text.size()) return utf8;
+  // Plain ASCII, as nearly all formulas are, is told and narrowed many characters
+  // at a time.
+  char16_t bits = 0;
+  for (char16_t c : text) bits |= c;
+  if (bits < 0x80) return std::string(text.begin(), text.end());
+  std::string utf8;
   utf8.reserve(text.size() + text.size() / 8);
-  for (std::size_t i = plain; i < text.size(); ++i) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
     if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;
