@@ -45,9 +45,21 @@ class BoundVariables {
   BoundVariables(const BoundVariables&) = delete;
   BoundVariables& operator=(const BoundVariables&) = delete;
 
-  void TakeRow(std::size_t row) {
+  /// Leaves out the columns that a walk of `plan` cannot come to.
+  void KeepThoseOf(const Plan& plan) {
+    const auto leads_elsewhere = [](const Item& item) {
+      return item.kind == ItemKind::HostFunction ||
+             (item.kind == ItemKind::Variable && item.record->HasFormula());
+    };
+    taken_.clear();
+    const bool all = std::ranges::any_of(plan.items, leads_elsewhere);
     for (std::size_t i = 0; i < records_.size(); ++i)
-      records_[i]->LetValue(ValueAt(columns_[i], row));
+      if (all || std::ranges::find(plan.items, records_[i], &Item::record) != plan.items.end())
+        taken_.push_back(i);
+  }
+
+  void TakeRow(std::size_t row) {
+    for (std::size_t i : taken_) records_[i]->LetValue(ValueAt(columns_[i], row));
   }
 
   std::vector<NumericColumns::Bound> Doubles() const {
@@ -72,6 +84,7 @@ class BoundVariables {
   std::span<const Column> columns_;
   std::vector<Ref<Campo>> records_;
   std::vector<Variant> own_values_;
+  std::vector<std::size_t> taken_;  // the columns that are set for each row
 };
 
 template <class Result>
@@ -85,6 +98,7 @@ class TableRun {
         rows_(rows),
         results_(results) {
     if (results.size() < rows) Raise(Failure::SubscriptOutOfRange);
+    variables_.KeepThoseOf(*plan_);
   }
 
   std::vector<RowError> Run() {
