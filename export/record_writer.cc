@@ -64,7 +64,9 @@ void RecordWriter::AppendDelimited(const Field& field, const Variant& data, std:
 }
 
 void RecordWriter::RequireRoom(std::size_t length) const {
-  if (length > kLongestRecord - record_.size()) Raise(Failure::OutOfMemory);
+  // The delimiter behind the field may have filled the record by one more.
+  if (record_.size() > kLongestRecord || length > kLongestRecord - record_.size())
+    Raise(Failure::OutOfMemory);
 }
 
 const std::string& RecordWriter::Finish() {

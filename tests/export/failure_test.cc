@@ -51,6 +51,8 @@ TEST_F(Failures, InTheFirstRecord) {
            Case{"a column below zero", data, Fields({{u"A", kText, -1, 1}})},
            Case{"a size below zero", data, Fields({{u"A", kText, 0, -1}})},
            Case{"a size beyond reason", data, Fields({{u"A", kText, 0, 2147483647}})},
+           Case{"a field that fills the record before another", data,
+                Fields({{u"A", kText, 0, 1 << 28}, {u"B", kText, 0, 5}})},
            Case{"a long name", data, Fields({{u"Un nombre de treinta caracteres", kText, 0, 1}})},
        }) {
     EXPECT_FALSE(Export(c.data, c.fields, 0)) << c.what;
