@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 #include "evaluator/builtin_arguments.h"
@@ -63,6 +64,10 @@ Variant AutoBracket(Arguments arguments, const BuiltinContext&) {
 }
 
 Variant CheckDigit(Arguments arguments, const BuiltinContext&) {
+  // The text of a number of 16 digits no longer shows them all.
+  constexpr double kTooLong = 1e15;
+  const double* number = arguments[0].IfDouble();
+  if (number && std::abs(*number) >= kTooLong) Raise(Failure::InvalidArgument);
   return evaluator::DigitoV(TextArgument(arguments[0]));
 }
 

@@ -66,7 +66,7 @@ double RoundHalfEven(double value, std::int32_t decimals) {
   if (decimals < 0 || decimals > kMostDecimals) Raise(Failure::InvalidArgument);
   const DecimalDigits digits = ToDecimalDigits(Finite(value), kSignificant);
   const int kept = digits.exponent + decimals;
-  if (kept >= kSignificant) return value;
+  if (kept >= kSignificant) return decimals == 0 ? std::nearbyint(value) : value;
   if (kept < 0) return 0;
   const double units = LeadingDigits(digits, kept) + (RoundsUp(digits, kept) ? 1 : 0);
   const double magnitude = units / std::pow(10.0, decimals);

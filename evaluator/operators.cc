@@ -5,6 +5,7 @@
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
 #include "tovalin/convert.h"
+#include "tovalin/locale.h"
 
 namespace tovalin {
 namespace {
@@ -110,16 +111,36 @@ void ApplyUnary(OperatorCode code, ValueStack& stack) {
   stack.push_back(negates ? Negated(value) : std::move(value));
 }
 
-bool HasThousands(TextView text) { return text.find(u',') != TextView::npos; }
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+// Whether the digits of a text are grouped by thousands: 1,234 and 12,345,678.90,
+// but no list such as 1,2,3 and no pattern such as 0,000.00.
+bool HasThousands(TextView text) {
+  const auto first = std::ranges::find_if(text, IsDigit);
+  if (first == text.end() || *first == u'0') return false;
+  text.remove_prefix(static_cast<std::size_t>(first - text.begin()));
+  const char16_t separator = CurrentLocale().thousands_separator;
+  const auto digits = [&text] {
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, IsDigit) - text.begin());
+  };
+  std::size_t groups = 0;
+  for (std::size_t count = digits(); groups == 0 ? count <= 3 : count == 3; count = digits()) {
+    text.remove_prefix(count);
+    if (!text.starts_with(separator)) return groups > 0;
+    text.remove_prefix(1);
+    ++groups;
+  }
+  return false;
+}
 
 Variant NormalisedText(Variant value) {
   SharedText& shared = value.AsSharedText();
   if (shared.is_plain) return value;
-  const bool thousands = HasThousands(shared.value);
-  if (thousands)
+  const bool commas = shared.value.find(CurrentLocale().thousands_separator) != Text::npos;
+  if (commas && HasThousands(shared.value))
     if (const auto number = ReadNumber(shared.value)) return *number;
   if (shared.value.find(u'"') == Text::npos) {
-    if (!thousands && shared.references.Value() == 1) shared.is_plain = true;
+    if (!commas && shared.references.Value() == 1) shared.is_plain = true;
     return value;
   }
   Text stripped = shared.value;

@@ -37,7 +37,7 @@ OperatorCode CodeOf(TextView literal);
 using ValueStack = std::vector<Variant>;
 
 /// Takes the top value off, normalised: text loses its double quotes, and text
-/// that reads as a number with thousands separators becomes that Double. Numbers
+/// that reads as a number grouped by thousands becomes that Double. Numbers
 /// are taken as they are. Empty from an empty stack.
 Variant Pop(ValueStack& stack);
 

@@ -57,7 +57,7 @@ struct Date {
 struct SharedText {
   explicit SharedText(Text text) : value(std::move(text)) {}
   Text value;
-  bool is_plain = false;  // known to hold no double quote and no comma
+  bool is_plain = false;  // known to hold no double quote and no thousands separator
   ReferenceCount references;
 };
 
