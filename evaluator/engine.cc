@@ -166,8 +166,12 @@ std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
   return Outcome{program.gives_boolean ? Variant(*number != 0) : Variant(*number), program.left};
 }
 
+Engine::Outcome Engine::Compute(Plan& plan, const Ref<Campos>& locals) {
+  std::optional<Outcome> numeric = RunNumeric(plan);
+  return numeric ? std::move(*numeric) : Walk(plan, locals);
+}
+
 Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
-  if (std::optional<Outcome> outcome = RunNumeric(plan)) return std::move(*outcome);
   Level level(*this, plan);
   ValueStack& stack = *level.stack;
   for (std::size_t i = 0; i < plan.items.size(); ++i) {
@@ -278,7 +282,7 @@ void Engine::ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals)
   } busy(*record);
   if (depth_ > kDeepest) Raise(Failure::OutOfStack);
   const Ref<Plan> plan = FormulaPlan(*record, locals);
-  const Variant value = Walk(*plan, locals).value;
+  const Variant value = Compute(*plan, locals).value;
   calculation_->marks_->Store(*record, IsNumber(value) ? Variant(ToDouble(value)) : value);
   calculation_->Outermost().touched_.push_back(record);
 }

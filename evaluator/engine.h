@@ -58,7 +58,8 @@ class Engine {
     ~Calculation();
     Calculation(const Calculation&) = delete;
     Calculation& operator=(const Calculation&) = delete;
-    /// Walks one plan of this evaluation. Throws whatever the walk raises.
+    /// Walks one plan of this evaluation, whose numeric program gave up or is none.
+    /// Throws whatever the walk raises.
     Outcome Walk(const Ref<Plan>& plan);
     /// Has what depends on `record` computed: now, or by the outermost evaluation
     /// at its end.
@@ -97,15 +98,14 @@ class Engine {
   Text ReplaceReferences(const Text& formula, const Campos* locals) const;
 
   std::vector<FaultReport>& Reports() { return reports_; }
-  const std::function<Date()>& Clock() const { return clock_; }
   void UseClock(std::function<Date()> clock) { clock_ = std::move(clock); }
 
  private:
   struct Level;
 
+  Outcome Compute(Plan& plan, const Ref<Campos>& locals);
   Outcome Walk(Plan& plan, const Ref<Campos>& locals);
   void Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack);
-  void PushVariable(const Item& item, const Ref<Campos>& locals, ValueStack& stack);
   void CallBuiltin(const Builtin& builtin, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
   void ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals);

@@ -149,7 +149,8 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
     try {
       const Engine::Prepared prepared = core_->engine.Prepare(formulas[i], nullptr);
       core_->trace.Begin(prepared);
-      Engine::Outcome outcome = calculation.Walk(prepared.plan);
+      std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
+      Engine::Outcome outcome = numeric ? std::move(*numeric) : calculation.Walk(prepared.plan);
       core_->trace.End(prepared, outcome.value, outcome.left);
       outcomes[i].value = std::move(outcome.value);
     } catch (const Error& error) {

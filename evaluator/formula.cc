@@ -41,10 +41,14 @@ const Ref<Plan>& Formula::Core::Current() {
 }
 
 Engine::Outcome Formula::Core::Evaluate() {
+  Host().engine.Reports().clear();
+  std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*Current());
+  return numeric ? std::move(*numeric) : Walk();
+}
+
+Engine::Outcome Formula::Core::Walk() {
   Evaluador::Core& host = Host();
   host.engine.Reports().clear();
-  if (std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*Current()))
-    return std::move(*numeric);
   const Ref<Plan> plan = Current();
   if (!plan->faults.empty()) host.engine.Reports().push_back({text_, plan->text, plan->faults});
   return Engine::Calculation(host.engine, locals_).Walk(plan);
@@ -81,7 +85,7 @@ bool Formula::Evaluar(Variant& Result) {
     Result.Assign(plan.numeric->gives_boolean ? Variant(*number != 0) : Variant(*number));
     return true;
   }
-  Result.Assign(core_->Evaluate().value);
+  Result.Assign(core_->Walk().value);
   return true;
 }
 

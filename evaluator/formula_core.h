@@ -19,6 +19,8 @@ class Formula::Core {
   /// The plan as the tables are now.
   const Ref<Plan>& Current();
   Engine::Outcome Evaluate();
+  /// The same for a plan whose numeric program gave up or is none.
+  Engine::Outcome Walk();
 
  private:
   std::shared_ptr<const EvaluatorLink> link_;

@@ -172,6 +172,11 @@ class TableRun {
   std::vector<RowError> errors_;
 };
 
+// A handler may drop the host's last Ref on the formula while its rows go by.
+Ref<Formula> Held(Formula& formula) {
+  return formula.references.Value() > 0 ? Ref<Formula>::Share(&formula) : nullptr;
+}
+
 // The rows of an array of one column, copied so that its host may do what it likes.
 std::vector<Variant> RowsOf(const Variant& array) {
   if (!array.Is(Subtype::Array)) Raise(Failure::TypeMismatch);
@@ -187,11 +192,13 @@ std::vector<Variant> RowsOf(const Variant& array) {
 
 std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                             std::span<double> results) {
+  const Ref<Formula> alive = Held(*this);
   return TableRun<double>(*core_, columns, rows, results).Run();
 }
 
 std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                             std::span<Variant> results) {
+  const Ref<Formula> alive = Held(*this);
   return TableRun<Variant>(*core_, columns, rows, results).Run();
 }
 

@@ -1,6 +1,6 @@
 #include "tovalin/control.h"
 
-#include <new>
+#include "frame/guarded.h"
 
 namespace tovalin {
 namespace {
@@ -40,16 +40,7 @@ class BoundControl : public Control {
     // A widget's function may drop the host's last Ref on this control.
     const bool shared = references.Value() > 0;
     const Ref<Object> alive = shared ? Ref<Object>::Share(this) : nullptr;
-    try {
-      result = bound.call(arguments);
-      return std::nullopt;
-    } catch (const Error& error) {
-      return error;
-    } catch (const std::bad_alloc&) {
-      return PlatformError(Failure::OutOfMemory);
-    } catch (const std::exception& exception) {
-      return Error{kObjectError, u"Tovalin", FromUtf8(exception.what())};
-    }
+    return Guarded([&] { result = bound.call(arguments); });
   }
 
   const ControlKind kind_;

@@ -12,20 +12,7 @@ namespace tovalin::comparison {
 namespace {
 
 bool CountsAsNumber(const Variant& value) {
-  switch (value.Kind()) {
-    case Subtype::Empty:
-    case Subtype::Integer:
-    case Subtype::Long:
-    case Subtype::Single:
-    case Subtype::Double:
-    case Subtype::Currency:
-    case Subtype::Date:
-    case Subtype::Boolean:
-    case Subtype::Byte:
-      return true;
-    default:
-      return false;
-  }
+  return value.Is(Subtype::Date) || (!value.Is(Subtype::String) && IsNumeric(value));
 }
 
 double NumberOf(const Variant& value) {

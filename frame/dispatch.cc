@@ -1,8 +1,8 @@
 #include "tovalin/dispatch.h"
 
-#include <exception>
-#include <new>
 #include <vector>
+
+#include "frame/guarded.h"
 
 namespace tovalin {
 namespace {
@@ -31,21 +31,6 @@ std::vector<Variant> CompleteArguments(const MemberInfo& member, std::span<Varia
     complete.push_back(omitted ? DefaultOf(parameter) : Variant::ByReference(given[i]));
   }
   return complete;
-}
-
-// Runs a piece of work and turns whatever it throws into error information.
-template <class Work>
-std::optional<Error> Guarded(Work work) {
-  try {
-    work();
-    return std::nullopt;
-  } catch (const Error& error) {
-    return error;
-  } catch (const std::bad_alloc&) {
-    return PlatformError(Failure::OutOfMemory);
-  } catch (const std::exception& exception) {
-    return Error{kObjectError, u"Tovalin", FromUtf8(exception.what())};
-  }
 }
 
 }  // namespace

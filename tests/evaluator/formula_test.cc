@@ -190,6 +190,24 @@ TEST(EvaluarTabla, TakesVariantsAndHostFunctions) {
   EXPECT_THROW(added->EvaluarTabla(columns, 5, std::span<Variant>(results)), Error);
 }
 
+TEST(EvaluarTabla, SurvivesAHandlerThatDropsEverything) {
+  auto host = std::make_unique<FormulaHost>();
+  host->evaluator->AddFunction(u"SOLTAR(", u"SOLTAR", u"", u"");
+  Ref<Formula> formula = host->evaluator->Preparar(u"A + SOLTAR( )");
+  host->evaluator->Evaluate.Attach([&](const Text&, Variant& result, Ref<Collection>&) {
+    result = 1.0;
+    formula = nullptr;
+    host.reset();
+  });
+  const double numbers[] = {1, 2};
+  const Formula::Column columns[] = {{u"A", std::span<const double>(numbers)}};
+  std::vector<double> results(2);
+  const auto errors = formula->EvaluarTabla(columns, 2, std::span<double>(results));
+  EXPECT_EQ(results[0], 2);
+  ASSERT_EQ(errors.size(), 1u);
+  EXPECT_EQ(errors[0].error.number, kObjectError);
+}
+
 TEST(EvaluarTabla, IsCalledLateBound) {
   FormulaHost host;
   const Ref<Formula> formula = host.evaluator->Preparar(u"A / B + X");
