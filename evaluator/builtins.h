@@ -29,6 +29,12 @@ struct Builtin {
 /// own after the first name.
 std::span<const Builtin> Builtins();
 
+/// The place of a built-in function in that order, and back.
+inline std::uint8_t BuiltinRow(const Builtin& builtin) {
+  return static_cast<std::uint8_t>(&builtin - Builtins().data());
+}
+inline const Builtin& BuiltinAt(std::uint8_t row) { return Builtins()[row]; }
+
 /// The first function of that name, compared exactly against a word in upper
 /// case without bracket, or none.
 const Builtin* FindBuiltin(TextView upper_name);

@@ -7,10 +7,11 @@ namespace tovalin {
 
 void DependencyIndex::Refresh() {
   const NamesStamp stamp = StampNames(symbols_, nullptr);
-  if (built_ && stamp == stamp_) return;
+  if (stamp == stamp_) return;
+  const std::uint64_t vocabulary = VocabularyStamp(symbols_);
   const auto records = static_cast<std::size_t>(symbols_.variables->Count());
   const bool stray = mentions_.size() > 2 * records + 64;  // of records that are gone
-  if (stray || stamp.vocabulary != stamp_.vocabulary) mentions_.clear();
+  if (stray || vocabulary != vocabulary_) mentions_.clear();
   dependants_.clear();
   for (const Ref<Campo>& record : symbols_.variables->List().Items()) {
     if (!record->HasFormula()) continue;
@@ -22,7 +23,7 @@ void DependencyIndex::Refresh() {
     }
   }
   stamp_ = stamp;
-  built_ = true;
+  vocabulary_ = vocabulary;
 }
 
 const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {

@@ -47,7 +47,7 @@ class DependencyIndex {
   const Symbols& symbols_;
   PlanStore& plans_;
   NamesStamp stamp_;
-  bool built_ = false;
+  std::uint64_t vocabulary_ = NamesStamp::kNever;
   Edges dependants_;  // of a variable or constant: the formula variables that mention it
   std::unordered_map<const Campo*, Mentions> mentions_;
 };

@@ -123,16 +123,19 @@ std::uint64_t Engine::StampValues(const Campos* locals) const {
          (locals ? locals->ValuesVersion() : 0) + symbols_.replacements;
 }
 
-Engine::Prepared Engine::Prepare(const Ref<SharedText>& formula, const Ref<Campos>& locals) {
-  Recent& recent = recent_[std::hash<const void*>()(formula.get()) / sizeof(SharedText) % kRecent];
-  if (recent.text == formula && recent.plan->walks == 0 &&
-      recent.plan->stamp == StampNames(symbols_, locals.get()))
-    return {recent.plan, std::nullopt};
-  Prepared prepared = Prepare(formula->value, locals);
+const Ref<Plan>* Engine::Recent(const SharedText& formula, const Campos* locals) const {
+  const RecentText& recent = recent_[RecentPlace(formula)];
+  const bool same = recent.text.get() == &formula;
+  return same && recent.plan->MayRun(StampNames(symbols_, locals)) ? &recent.plan : nullptr;
+}
+
+Engine::Prepared Engine::Prepare(SharedText& formula, const Ref<Campos>& locals) {
+  if (const Ref<Plan>* recent = Recent(formula, locals.get())) return {*recent, std::nullopt};
+  Prepared prepared = Prepare(formula.value, locals);
   const Plan& plan = *prepared.plan;
   // Faults have to be told anew and constants bound anew each time.
-  if (!prepared.expression && plan.faults.empty() && !plan.has_constants)
-    recent = {formula, prepared.plan};
+  if (plan.came_again && !prepared.expression && plan.faults.empty() && !plan.has_constants)
+    recent_[RecentPlace(formula)] = {Ref<SharedText>::Share(&formula), prepared.plan};
   return prepared;
 }
 
@@ -143,7 +146,7 @@ Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals)
     prepared.plan = plans_.Get(formula, locals);
   } else {
     Text replaced = ReplaceReferences(formula, locals.get());
-    prepared.expression = ToUtf8(replaced);
+    prepared.expression = replaced;
     StripCarriageReturns(replaced);
     prepared.plan = plans_.Get(replaced, locals);
   }
@@ -160,10 +163,9 @@ Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
 
 std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
   if (!plan.numeric) return std::nullopt;
-  const NumericProgram& program = *plan.numeric;
-  const std::optional<double> number = program.Run();
+  const std::optional<double> number = plan.numeric.Run();
   if (!number) return std::nullopt;
-  return Outcome{program.gives_boolean ? Variant(*number != 0) : Variant(*number), program.left};
+  return Outcome{plan.numeric.ResultOf(*number), plan.numeric.left};
 }
 
 Engine::Outcome Engine::Compute(Plan& plan, const Ref<Campos>& locals) {
@@ -192,10 +194,10 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
       case ItemKind::Constant:
       case ItemKind::Literal:
       case ItemKind::Value:
-        stack.push_back(item.value);
+        stack.push_back(plan.ValueOf(item));
         break;
       case ItemKind::Builtin:
-        CallBuiltin(*item.builtin, stack);
+        CallBuiltin(BuiltinAt(item.builtin), stack);
         break;
       case ItemKind::HostFunction:
         Step(plan, i, locals, stack);
@@ -212,7 +214,7 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
 // behind it in the plan is looked up again then.
 void Engine::Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack) {
   const NamesStamp before = StampNames(symbols_, locals.get());
-  const Ref<Campo> record = plan.items[index].record;
+  const Ref<Campo> record = Ref<Campo>::Share(plan.items[index].record);
   if (plan.items[index].kind == ItemKind::HostFunction) {
     CallHost(record, stack);
   } else {
@@ -221,7 +223,6 @@ void Engine::Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, Valu
   }
   if (StampNames(symbols_, locals.get()) == before) return;
   plan.stamp = NamesStamp{};  // never to be taken for a plan of these tables
-  plan.stamp.vocabulary.replacements = static_cast<std::uint64_t>(-1);
   ClassifyAgain(plan, index + 1, symbols_, locals.get());
 }
 

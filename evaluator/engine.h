@@ -44,7 +44,7 @@ class Engine {
   /// share the plan; otherwise that is the plan's.
   struct Prepared {
     Ref<Plan> plan;
-    std::optional<std::string> expression;
+    std::optional<Text> expression;
   };
 
   /// One evaluation as the host sees it. Within the outermost one each formula
@@ -90,9 +90,11 @@ class Engine {
 
   /// Looks up or makes the plan of a formula text, "@Name" replaced.
   Prepared Prepare(const Text& formula, const Ref<Campos>& locals);
-  /// The same for a text that a host hands in again and again: shared text is known
-  /// by its address.
-  Prepared Prepare(const Ref<SharedText>& formula, const Ref<Campos>& locals);
+  /// The same for a text that a host may hand in again and again.
+  Prepared Prepare(SharedText& formula, const Ref<Campos>& locals);
+  /// The plan of a shared text that a host handed in before, known by its address,
+  /// or null.
+  const Ref<Plan>* Recent(const SharedText& formula, const Campos* locals) const;
   /// The same for a plan of its own, which the plan store does not keep.
   Ref<Plan> PrepareApart(const Text& formula, const Ref<Campos>& locals);
   Text ReplaceReferences(const Text& formula, const Campos* locals) const;
@@ -114,11 +116,14 @@ class Engine {
   std::uint64_t StampValues(const Campos* locals) const;
 
   // A formula text of a host and its plan, which is used while the stamp holds.
-  struct Recent {
+  struct RecentText {
     Ref<SharedText> text;
     Ref<Plan> plan;
   };
   static constexpr std::size_t kRecent = 32;
+  static std::size_t RecentPlace(const SharedText& formula) {
+    return reinterpret_cast<std::uintptr_t>(&formula) / sizeof(SharedText) % kRecent;
+  }
   static constexpr int kDeepest = 1000;
 
   Evaluador& owner_;
@@ -128,7 +133,7 @@ class Engine {
   bool& close_stack_;
   std::function<Date()> clock_;
   std::vector<FaultReport> reports_;
-  std::array<Recent, kRecent> recent_;
+  std::array<RecentText, kRecent> recent_;
   // The plans of formula variables, beside the bounded store: each is good while
   // its stamp holds, which a record that is gone has broken.
   std::unordered_map<const Campo*, Ref<Plan>> formula_plans_;

@@ -106,15 +106,20 @@ void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
   core_->plans.LetCapacity(static_cast<std::size_t>(NewValue));
 }
 
+// A plan of numbers runs no code of the host: its trace can wait for the result,
+// which is assigned last, since what it replaces may be an object of the host.
 bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 Ref<Campos>* LocalVbles) {
   const Ref<Campos> locals = LocalsOf(LocalVbles);
   const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
+  if (std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan)) {
+    core_->trace.End(prepared, numeric->value, numeric->left);
+    Result.Assign(std::move(numeric->value));
+    return true;
+  }
   core_->trace.Begin(prepared);
-  std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
-  std::optional<Engine::Calculation> calculation;
-  if (!numeric) calculation.emplace(core_->engine, locals);
-  Engine::Outcome outcome = numeric ? std::move(*numeric) : calculation->Walk(prepared.plan);
+  Engine::Calculation calculation(core_->engine, locals);
+  Engine::Outcome outcome = calculation.Walk(prepared.plan);
   Result.Assign(std::move(outcome.value));
   core_->trace.End(prepared, Result.Value(), outcome.left);
   return true;
@@ -123,7 +128,7 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
 Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<Campos>& locals) {
   if (expression.Is(Subtype::String)) {
     engine.Reports().clear();
-    return engine.Prepare(Ref<SharedText>::Share(&expression.AsSharedText()), locals);
+    return engine.Prepare(expression.AsSharedText(), locals);
   }
   if (!expression.Is(Subtype::Object)) {
     engine.Reports().clear();
@@ -135,7 +140,7 @@ Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<C
   auto plan = Make<Plan>();
   for (const Variant& item : items->List().Items())
     AppendHostItem(*plan, item, symbols, locals.get());
-  return {plan, std::string()};
+  return {plan, Text()};
 }
 
 void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes) {
@@ -148,8 +153,8 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
     outcomes[i] = {};
     try {
       const Engine::Prepared prepared = core_->engine.Prepare(formulas[i], nullptr);
-      core_->trace.Begin(prepared);
       std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
+      if (!numeric) core_->trace.Begin(prepared);
       Engine::Outcome outcome = numeric ? std::move(*numeric) : calculation.Walk(prepared.plan);
       core_->trace.End(prepared, outcome.value, outcome.left);
       outcomes[i].value = std::move(outcome.value);

@@ -9,8 +9,8 @@ namespace {
 
 void Replace(Symbols& symbols, Ref<Campos>& table, const Ref<Campos>& replacement) {
   if (!replacement) Raise(Failure::ObjectNotSet);
+  symbols.replacements += 1 + table->Version() + table->ValuesVersion();
   table = replacement;
-  ++symbols.replacements;
 }
 
 Campo& Existing(const Campos& table, const Text& name) {

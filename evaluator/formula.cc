@@ -80,9 +80,9 @@ Ref<Collection> Formula::Errores() const {
 bool Formula::Evaluar(Variant& Result) {
   // Nothing but the number moves on this road.
   const Plan& plan = *core_->Current();
-  if (const auto number = plan.numeric ? plan.numeric->Run() : std::nullopt) {
+  if (const auto number = plan.numeric ? plan.numeric.Run() : std::nullopt) {
     core_->Host().engine.Reports().clear();
-    Result.Assign(plan.numeric->gives_boolean ? Variant(*number != 0) : Variant(*number));
+    Result.Assign(plan.numeric.ResultOf(*number));
     return true;
   }
   Result.Assign(core_->Walk().value);

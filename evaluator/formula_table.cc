@@ -24,6 +24,12 @@ Variant ValueAt(const Column& column, std::size_t row) {
   return std::visit([row](const auto& values) { return Variant(values[row]); }, column.values);
 }
 
+bool Reads(const Plan& plan, const Campo& record) {
+  return std::ranges::any_of(plan.items, [&record](const Item& item) {
+    return item.kind == ItemKind::Variable && item.record == &record;
+  });
+}
+
 // The variables of the columns; they get their own values back at the end.
 class BoundVariables {
  public:
@@ -54,8 +60,7 @@ class BoundVariables {
     taken_.clear();
     const bool all = std::ranges::any_of(plan.items, leads_elsewhere);
     for (std::size_t i = 0; i < records_.size(); ++i)
-      if (all || std::ranges::find(plan.items, records_[i], &Item::record) != plan.items.end())
-        taken_.push_back(i);
+      if (all || Reads(plan, *records_[i])) taken_.push_back(i);
   }
 
   void TakeRow(std::size_t row) {
@@ -73,7 +78,7 @@ class BoundVariables {
   /// Whether a column of Variants stands for a value that `program` loads.
   bool NeedsVariants(const NumericProgram& program) const {
     return std::ranges::any_of(program.steps, [this](const NumericStep& step) {
-      if (step.code != NumericCode::Load) return false;
+      if (step.operand != NumericOperand::Source) return false;
       for (std::size_t i = 0; i < records_.size(); ++i)
         if (step.source == &records_[i]->Value() && columns_[i].values.index() != 0) return true;
       return false;
@@ -102,11 +107,11 @@ class TableRun {
   }
 
   std::vector<RowError> Run() {
-    if (!plan_->numeric || variables_.NeedsVariants(*plan_->numeric)) {
+    if (!plan_->numeric || variables_.NeedsVariants(plan_->numeric)) {
       RunRows(0, rows_);
       return std::move(errors_);
     }
-    NumericColumns columns(*plan_->numeric, variables_.Doubles());
+    NumericColumns columns(plan_->numeric, variables_.Doubles());
     if (!columns.IsReady()) {
       RunRows(0, rows_);
       return std::move(errors_);
@@ -121,11 +126,11 @@ class TableRun {
  private:
   bool RunBlock(NumericColumns& columns, std::size_t first, std::size_t count) {
     if constexpr (std::is_same_v<Result, double>) {
-      if (plan_->numeric->gives_boolean) return RunBooleans(columns, first, count);
+      if (plan_->numeric.gives_boolean) return RunBooleans(columns, first, count);
       return columns.Run(first, count, results_.data() + first);
     } else {
       if (!columns.Run(first, count, block_.data())) return false;
-      const bool boolean = plan_->numeric->gives_boolean;
+      const bool boolean = plan_->numeric.gives_boolean;
       for (std::size_t i = 0; i < count; ++i)
         results_[first + i] = boolean ? Variant(block_[i] != 0) : Variant(block_[i]);
       return true;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
+#include "frame/arithmetic.h"
 #include "frame/comparison.h"
 
 // Compiled once more for wider vectors, which the program takes where the machine
@@ -24,12 +24,12 @@ namespace {
 constexpr std::size_t kLanes = 16;
 
 template <class Term>
-[[gnu::always_inline]] inline bool AllZero(std::size_t count, Term term) {
+[[gnu::always_inline]] inline bool AllZero(const double* values, std::size_t count, Term term) {
   double sums[kLanes] = {};
   std::size_t i = 0;
   for (; i + kLanes <= count; i += kLanes)
-    for (std::size_t lane = 0; lane < kLanes; ++lane) sums[lane] += term(i + lane);
-  for (; i < count; ++i) sums[0] += term(i);
+    for (std::size_t lane = 0; lane < kLanes; ++lane) sums[lane] += term(values[i + lane]);
+  for (; i < count; ++i) sums[0] += term(values[i]);
   for (std::size_t lane = 1; lane < kLanes; ++lane) sums[0] += sums[lane];
   return sums[0] == 0;
 }
@@ -38,25 +38,37 @@ template <class Term>
 // or product of what is not finite is not finite either, so that only the end of a
 // run, and steps that might hide it, have to ask.
 TOVALIN_WIDE bool AreFinite(const double* values, std::size_t count) {
-  return AllZero(count, [values](std::size_t i) { return values[i] - values[i]; });
+  return AllZero(values, count, [](double value) { return value - value; });
 }
 
 TOVALIN_WIDE bool AreDivisors(const double* values, std::size_t count) {
-  return AreFinite(values, count) &&
-         AllZero(count, [values](std::size_t i) { return values[i] == 0 ? 1.0 : 0.0; });
+  return AllZero(values, count,
+                 [](double value) { return value - value + (value == 0 ? 1.0 : 0.0); });
 }
 
+// Either side may be one number for all rows: its values are null then.
 struct Operands {
   double* target;
   const double* left;
   const double* right;
+  double number;
   std::size_t count;
 };
 
+// A target may be one of the operands, row by row; never in part.
 template <class Operation>
 [[gnu::always_inline]] inline void Each(const Operands& operands, Operation operation) {
-  const auto [target, left, right, count] = operands;
-  for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], right[i]);
+  const auto [target, left, right, number, count] = operands;
+  if (!left) {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < count; ++i) target[i] = operation(number, right[i]);
+  } else if (!right) {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], number);
+  } else {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], right[i]);
+  }
 }
 
 TOVALIN_WIDE void Compare(NumericCode code, const Operands& operands) {
@@ -96,15 +108,19 @@ TOVALIN_WIDE void Combine(NumericCode code, const Operands& operands) {
     case NumericCode::Max:
     case NumericCode::Or:
       return Each(operands, [](double a, double b) { return a > b ? a : b; });
+    case NumericCode::Negate:
+      return Each(operands, [](double a, double) { return a * -1; });
+    case NumericCode::Abs:
+      return Each(operands, [](double a, double) { return std::fabs(a); });
     default:
       return Compare(code, operands);
   }
 }
 
-// Whether a step's result may be finite when an operand is not.
-bool MayHide(NumericCode code) {
-  return (code >= NumericCode::Less && code <= NumericCode::Different) ||
-         code == NumericCode::Min || code == NumericCode::Max;
+TOVALIN_WIDE void Choose(double* target, const double* conditions, const double* yes,
+                         const double* no, std::size_t count) {
+#pragma GCC ivdep
+  for (std::size_t i = 0; i < count; ++i) target[i] = conditions[i] != 0 ? yes[i] : no[i];
 }
 
 }  // namespace
@@ -112,77 +128,104 @@ bool MayHide(NumericCode code) {
 NumericColumns::NumericColumns(const NumericProgram& program, std::span<const Bound> columns)
     : slots_(program.depth) {
   stack_.reserve(program.depth);
-  const auto add_constant = [this](double number) {
-    constants_.emplace_back().fill(number);
-    return constants_.size() - 1;
-  };
-  for (const NumericStep& step : program.steps) {
-    Step& made = steps_.emplace_back(Step{step.code});
-    if (step.code == NumericCode::Power) is_ready_ = false;
-    if (step.code == NumericCode::Push) made.constant = add_constant(step.number);
-    if (step.code != NumericCode::Load) continue;
-    const auto bound = std::ranges::find(columns, step.source, &Bound::source);
-    if (bound != columns.end())
-      made.column = bound->values;
-    else if (step.source->Is(Subtype::Double))
-      made.constant = add_constant(step.source->AsDouble());
-    else
-      is_ready_ = false;
+  steps_.reserve(program.steps.size());
+  for (const NumericStep& step : program.steps)
+    if (is_ready_) Take(step, columns);
+}
+
+NumericColumns::Operand NumericColumns::Brought(const NumericStep& step,
+                                                std::span<const Bound> columns) {
+  if (step.operand == NumericOperand::Number) return {.number = step.number};
+  const auto bound = std::ranges::find(columns, step.source, &Bound::source);
+  if (bound != columns.end()) return {.column = bound->values};
+  const double* number = step.source->IfDouble();
+  if (!number || !arithmetic::IsFinite(*number)) is_ready_ = false;
+  return {.number = number ? *number : 0};
+}
+
+NumericColumns::Operand NumericColumns::Pop() {
+  const Operand operand = stack_.back();
+  stack_.pop_back();
+  return operand;
+}
+
+void NumericColumns::Take(const NumericStep& step, std::span<const Bound> columns) {
+  if (step.code == NumericCode::Power) is_ready_ = false;
+  if (step.operand != NumericOperand::None) stack_.push_back(Brought(step, columns));
+  if (step.code != NumericCode::Load && is_ready_) TakeOperation(step.code);
+}
+
+// What has the same operands in every row is computed here, once.
+void NumericColumns::TakeOperation(NumericCode code) {
+  Step made;
+  made.code = code;
+  if (OperandsOf(code) > 1) made.right = Pop();
+  made.left = Pop();
+  if (code == NumericCode::Choose) {
+    made.right = Spread(made.right);
+    made.left = Spread(made.left);
+    made.condition = Spread(Pop());
+  } else if (made.left.IsNumber() && made.right.IsNumber()) {
+    stack_.push_back({.number = Folded(code, made.left, made.right)});
+    return;
+  } else if (code == NumericCode::Divide && made.right.IsNumber()) {
+    is_ready_ &= made.right.number != 0 && arithmetic::IsFinite(made.right.number);
   }
+  made.target = &slots_[stack_.size()];
+  stack_.push_back({.block = made.target});
+  steps_.push_back(made);
+}
+
+double NumericColumns::Folded(NumericCode code, const Operand& left, const Operand& right) {
+  NumericProgram program;
+  program.left = 1;
+  program.steps.push_back({NumericCode::Load, NumericOperand::Number, {left.number}});
+  if (OperandsOf(code) == 1)
+    program.steps.push_back({code, NumericOperand::None, {}});
+  else
+    program.steps.push_back({code, NumericOperand::Number, {right.number}});
+  const std::optional<double> number = program.Run();
+  if (!number) is_ready_ = false;
+  return number.value_or(0);
+}
+
+NumericColumns::Operand NumericColumns::Spread(const Operand& operand) {
+  if (!operand.IsNumber()) return operand;
+  spread_.emplace_back().fill(operand.number);
+  return {.block = &spread_.back()};
 }
 
 bool NumericColumns::Run(std::size_t first, std::size_t count, double* results) {
-  stack_.clear();
+  const Operand& result = stack_.front();
   for (const Step& step : steps_) {
     // The last step writes where the results go.
-    const bool last = &step == &steps_.back();
-    if (!RunStep(step, first, count, last ? results : nullptr)) return false;
+    const bool gives_results = &step == &steps_.back() && stack_.size() == 1;
+    if (!RunStep(step, first, count, gives_results ? results : step.target->data())) return false;
   }
-  for (const double* values : stack_)
-    if (!AreFinite(values, count)) return false;
-  if (stack_[0] != results) std::copy_n(stack_[0], count, results);
-  return true;
+  if (result.IsNumber()) {
+    std::fill_n(results, count, result.number);
+  } else if (steps_.empty() || stack_.size() > 1) {
+    std::copy_n(result.Values(first), count, results);
+  }
+  if (!result.IsNumber() && !AreFinite(results, count)) return false;
+  return std::all_of(stack_.begin() + 1, stack_.end(), [=](const Operand& rest) {
+    return rest.IsNumber() || AreFinite(rest.Values(first), count);
+  });
 }
 
 bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t count,
-                             double* results) {
-  switch (step.code) {
-    case NumericCode::Load:
-    case NumericCode::Push:
-      stack_.push_back(step.column ? step.column + first : constants_[step.constant].data());
-      return true;
-    case NumericCode::Negate:
-    case NumericCode::Abs: {
-      double* own = slots_[stack_.size() - 1].data();
-      const double* values = std::exchange(stack_.back(), own);
-      if (step.code == NumericCode::Negate)
-        for (std::size_t i = 0; i < count; ++i) own[i] = values[i] * -1;
-      else
-        for (std::size_t i = 0; i < count; ++i) own[i] = std::fabs(values[i]);
-      return true;
-    }
-    case NumericCode::Choose: {
-      const double* no = stack_.back();
-      const double* yes = stack_[stack_.size() - 2];
-      stack_.resize(stack_.size() - 2);
-      if (!AreFinite(no, count) || !AreFinite(yes, count)) return false;
-      double* own = slots_[stack_.size() - 1].data();
-      const double* conditions = std::exchange(stack_.back(), own);
-      for (std::size_t i = 0; i < count; ++i) own[i] = conditions[i] != 0 ? yes[i] : no[i];
-      return true;
-    }
-    default: {
-      const double* right = stack_.back();
-      stack_.pop_back();
-      const bool alone = results && stack_.size() == 1;
-      double* own = alone ? results : slots_[stack_.size() - 1].data();
-      const double* left = std::exchange(stack_.back(), own);
-      if (step.code == NumericCode::Divide && !AreDivisors(right, count)) return false;
-      if (MayHide(step.code) && !(AreFinite(left, count) && AreFinite(right, count))) return false;
-      Combine(step.code, {own, left, right, count});
-      return true;
-    }
-  }
+                             double* target) {
+  const double* left = step.left.IsNumber() ? nullptr : step.left.Values(first);
+  const double* right = step.right.IsNumber() ? nullptr : step.right.Values(first);
+  if (step.code == NumericCode::Divide && right && !AreDivisors(right, count)) return false;
+  if (MayHide(step.code) &&
+      ((left && !AreFinite(left, count)) || (right && !AreFinite(right, count))))
+    return false;
+  if (step.code == NumericCode::Choose)
+    Choose(target, step.condition.Values(first), left, right, count);
+  else
+    Combine(step.code, {target, left, right, left ? step.right.number : step.left.number, count});
+  return true;
 }
 
 }  // namespace tovalin

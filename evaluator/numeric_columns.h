@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <deque>
 #include <span>
 #include <vector>
 
@@ -36,18 +37,39 @@ class NumericColumns {
  private:
   using Block = std::array<double, kBlock>;
 
+  // What a step takes: a column, the result of a step before, or one number for
+  // all rows.
+  struct Operand {
+    const double* column = nullptr;
+    const Block* block = nullptr;
+    double number = 0;
+
+    bool IsNumber() const { return !column && !block; }
+    const double* Values(std::size_t first) const {
+      return column ? column + first : block->data();
+    }
+  };
   struct Step {
-    NumericCode code;
-    const double* column = nullptr;  // of a value that differs from row to row
-    std::size_t constant = 0;        // the place in constants_ of one that does not
+    NumericCode code = NumericCode::Load;
+    Operand left;
+    Operand right;
+    Operand condition;  // of a choice
+    Block* target = nullptr;
   };
 
-  bool RunStep(const Step& step, std::size_t first, std::size_t count, double* results);
+  static bool RunStep(const Step& step, std::size_t first, std::size_t count, double* target);
 
+  void Take(const NumericStep& step, std::span<const Bound> columns);
+  void TakeOperation(NumericCode code);
+  Operand Brought(const NumericStep& step, std::span<const Bound> columns);
+  double Folded(NumericCode code, const Operand& left, const Operand& right);
+  Operand Spread(const Operand& operand);
+  Operand Pop();
+
+  std::vector<Block> slots_;    // one for each place of the stack
+  std::deque<Block> spread_;    // numbers that a choice takes, for all rows
+  std::vector<Operand> stack_;  // as the steps find it at first, and leave it in the end
   std::vector<Step> steps_;
-  std::vector<Block> constants_;
-  std::vector<Block> slots_;          // one for each place of the stack
-  std::vector<const double*> stack_;  // where each value on the stack lies
   bool is_ready_ = true;
 };
 

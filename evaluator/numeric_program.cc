@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "evaluator/plan.h"
 #include "frame/arithmetic.h"
@@ -37,6 +38,13 @@ constexpr OperatorRow kOperators[] = {
     {OperatorCode::Or, NumericCode::Or, SlotType::Boolean, SlotType::Boolean},
 };
 
+// The row of each operator code, or null.
+constexpr auto kRowOf = [] {
+  std::array<const OperatorRow*, static_cast<std::size_t>(OperatorCode::Unknown) + 1> rows{};
+  for (const OperatorRow& row : kOperators) rows[static_cast<std::size_t>(row.code)] = &row;
+  return rows;
+}();
+
 struct FunctionRow {
   TextView name;
   NumericCode step;
@@ -51,46 +59,67 @@ constexpr FunctionRow kFunctions[] = {
 
 class ProgramMaker {
  public:
-  std::optional<NumericProgram> Make(const Plan& plan) {
-    if (plan.items.empty()) return std::nullopt;
-    program_.steps.reserve(plan.items.size());
-    for (const Item& item : plan.items)
-      if (!Take(item)) return std::nullopt;
+  explicit ProgramMaker(Plan& plan) : plan_(plan), program_(plan.numeric) {}
+
+  bool Make() {
+    if (plan_.items.empty()) return false;
+    program_.steps.reserve(plan_.items.size() - BroughtAlong());
+    for (const Item& item : plan_.items)
+      if (!Take(item)) return false;
+    program_.depth = deepest_;
     program_.left = size_;
     program_.gives_boolean = types_[0] == SlotType::Boolean;
-    return std::move(program_);
+    return true;
   }
 
  private:
+  static bool IsOperand(const Item& item) {
+    return item.kind == ItemKind::Number || item.kind == ItemKind::Variable ||
+           item.kind == ItemKind::Constant;
+  }
+
+  // How many operands the step behind them may bring along.
+  std::size_t BroughtAlong() const {
+    std::size_t count = 0;
+    for (std::size_t i = 2; i < plan_.items.size(); ++i)
+      count += !IsOperand(plan_.items[i]) && IsOperand(plan_.items[i - 1]);
+    return count;
+  }
+
   bool Take(const Item& item) {
     switch (item.kind) {
-      case ItemKind::Number:
-        program_.steps.push_back({NumericCode::Push, {item.number}});
-        return Push(SlotType::Number);
+      case ItemKind::Number: {
+        NumericStep step{NumericCode::Load, NumericOperand::Number, {item.number}};
+        return TakeOperand(step);
+      }
       case ItemKind::Variable:
         return !item.record->HasFormula() && TakeSource(item.record->Value());
       case ItemKind::Constant:
-        return item.value.Is(Subtype::Double) && TakeSource(item.value);
+        return plan_.ValueOf(item).Is(Subtype::Double) && TakeSource(plan_.ValueOf(item));
       case ItemKind::Operator:
         return TakeOperator(item.operator_code);
       case ItemKind::Builtin:
-        return TakeFunction(*item.builtin);
+        return TakeFunction(BuiltinAt(item.builtin));
       default:
         return false;
     }
   }
 
   bool TakeSource(const Variant& source) {
-    NumericStep step{NumericCode::Load, {}};
+    NumericStep step{NumericCode::Load, NumericOperand::Source, {}};
     step.source = &source;
+    return TakeOperand(step);
+  }
+
+  bool TakeOperand(const NumericStep& step) {
     program_.steps.push_back(step);
     return Push(SlotType::Number);
   }
 
   bool TakeOperator(OperatorCode code) {
     if (size_ == 1) return TakeUnary(code);
-    const auto* row = std::ranges::find(kOperators, code, &OperatorRow::code);
-    if (row == std::end(kOperators) || size_ < 2) return false;
+    const OperatorRow* row = kRowOf[static_cast<std::size_t>(code)];
+    if (!row || size_ < 2) return false;
     return Pop(row->takes) && Pop(row->takes) && Emit(row->step, row->gives);
   }
 
@@ -111,42 +140,27 @@ class ProgramMaker {
   bool Push(SlotType type) {
     if (size_ == types_.size()) return false;
     types_[size_++] = type;
-    program_.depth = std::max(program_.depth, size_);
+    deepest_ = std::max(deepest_, size_);
     return true;
   }
   bool Pop(SlotType type) { return size_ > 0 && types_[--size_] == type; }
+
+  // What was loaded last is the last operand: the step brings it along.
   bool Emit(NumericCode code, SlotType gives) {
-    program_.steps.push_back({code, {}});
+    NumericStep& last = program_.steps.back();
+    if (OperandsOf(code) > 1 && last.code == NumericCode::Load)
+      last.code = code;
+    else
+      program_.steps.push_back({code, NumericOperand::None, {}});
     return Push(gives);
   }
 
-  NumericProgram program_;
+  Plan& plan_;
+  NumericProgram& program_;
   std::array<SlotType, NumericProgram::kDeepest> types_{};  // of what is on the stack
-  std::uint32_t size_ = 0;
+  std::uint16_t size_ = 0;
+  std::uint16_t deepest_ = 0;
 };
-
-// The comparisons, and the smaller and larger of two: steps whose result may be
-// finite when an operand is not.
-double Select(NumericCode code, double left, double right) {
-  switch (code) {
-    case NumericCode::Less:
-      return left < right;
-    case NumericCode::LessOrEqual:
-      return left <= right;
-    case NumericCode::Greater:
-      return left > right;
-    case NumericCode::GreaterOrEqual:
-      return left >= right;
-    case NumericCode::Equal:
-      return left == right || comparison::EqualNumbers(left, right);
-    case NumericCode::Different:
-      return left != right;
-    case NumericCode::Min:
-      return left < right ? left : right;
-    default:
-      return left > right ? left : right;
-  }
-}
 
 bool AreFinite(double left, double right) {
   return arithmetic::IsFinite(left) && arithmetic::IsFinite(right);
@@ -157,79 +171,114 @@ bool IsDefinedPower(double base, double exponent) {
          (base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent)));
 }
 
-}  // namespace
-
-std::optional<NumericProgram> MakeNumericProgram(const Plan& plan) {
-  return ProgramMaker().Make(plan);
+// A result that may be finite although an operand is not.
+template <class Operation>
+bool Hiding(double& top, double right, Operation operation) {
+  if (!AreFinite(top, right)) return false;
+  top = operation(top, right);
+  return true;
 }
 
-// A sum, difference or product of what is not finite is not finite either, so that
+bool Divide(double& top, double right) {
+  if (right == 0 || !arithmetic::IsFinite(right)) return false;
+  top /= right;
+  return true;
+}
+
+bool Power(double& top, double right) {
+  if (!IsDefinedPower(top, right)) return false;
+  top = std::pow(top, right);
+  return true;
+}
+
+// Puts the result of `top` and `right` into `top`. False when the run has to be
+// given up.
+[[gnu::always_inline]] inline bool Combine(NumericCode code, double& top, double right) {
+  switch (code) {
+    case NumericCode::Add:
+      top += right;
+      return true;
+    case NumericCode::Subtract:
+      top -= right;
+      return true;
+    case NumericCode::Multiply:
+    case NumericCode::And:
+      top *= right;
+      return true;
+    case NumericCode::Divide:
+      return Divide(top, right);
+    case NumericCode::Power:
+      return Power(top, right);
+    case NumericCode::TimesNegated:
+      top = top * right * -1;
+      return true;
+    case NumericCode::Less:
+      return Hiding(top, right, std::less());
+    case NumericCode::LessOrEqual:
+      return Hiding(top, right, std::less_equal());
+    case NumericCode::Greater:
+      return Hiding(top, right, std::greater());
+    case NumericCode::GreaterOrEqual:
+      return Hiding(top, right, std::greater_equal());
+    case NumericCode::Equal:
+      return Hiding(top, right,
+                    [](double a, double b) { return a == b || comparison::EqualNumbers(a, b); });
+    case NumericCode::Different:
+      return Hiding(top, right, std::not_equal_to());
+    case NumericCode::Min:
+      return Hiding(top, right, [](double a, double b) { return a < b ? a : b; });
+    case NumericCode::Or:
+    case NumericCode::Max:
+      return Hiding(top, right, [](double a, double b) { return a > b ? a : b; });
+    case NumericCode::Negate:
+      top *= -1;
+      return true;
+    case NumericCode::Abs:
+      top = std::fabs(top);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void MakeNumericProgram(Plan& plan) {
+  if (!ProgramMaker(plan).Make()) plan.numeric.steps.clear();
+}
+
+// The top of the stack stays in `top`, for speed, and what is under it in `stack`. A
+// sum, difference or product of what is not finite is not finite either, so that
 // only the end, and steps that might hide it, have to ask.
 std::optional<double> NumericProgram::Run() const {
-  std::array<double, kDeepest> stack;
-  double* top = stack.data() - 1;
+  std::array<double, kDeepest + 1> stack;
+  double* below = stack.data();  // behind the value under the top
+  double top = 0;
   for (const NumericStep& step : steps) {
-    switch (step.code) {
-      case NumericCode::Load:
-        if (const double* number = step.source->IfDouble())
-          *++top = *number;
-        else
-          return std::nullopt;
-        break;
-      case NumericCode::Push:
-        *++top = step.number;
-        break;
-      case NumericCode::Add:
-        --top;
-        *top = top[0] + top[1];
-        break;
-      case NumericCode::Subtract:
-        --top;
-        *top = top[0] - top[1];
-        break;
-      case NumericCode::Multiply:
-      case NumericCode::And:
-        --top;
-        *top = top[0] * top[1];
-        break;
-      case NumericCode::Divide:
-        --top;
-        if (top[1] == 0 || !arithmetic::IsFinite(top[1])) return std::nullopt;
-        *top = top[0] / top[1];
-        break;
-      case NumericCode::Power:
-        --top;
-        if (!IsDefinedPower(top[0], top[1])) return std::nullopt;
-        *top = std::pow(top[0], top[1]);
-        break;
-      case NumericCode::TimesNegated:
-        --top;
-        *top = top[0] * top[1] * -1;
-        break;
-      case NumericCode::Negate:
-        *top *= -1;
-        break;
-      case NumericCode::Abs:
-        *top = std::fabs(*top);
-        break;
-      case NumericCode::Or:
-        --top;
-        *top = std::max(top[0], top[1]);
-        break;
-      case NumericCode::Choose:
-        top -= 2;
-        if (!AreFinite(top[1], top[2])) return std::nullopt;
-        *top = top[0] != 0 ? top[1] : top[2];
-        break;
-      default:
-        --top;
-        if (!AreFinite(top[0], top[1])) return std::nullopt;
-        *top = Select(step.code, top[0], top[1]);
+    double right = top;
+    if (step.operand == NumericOperand::Source) {
+      const double* number = step.source->IfDouble();
+      if (!number) return std::nullopt;
+      right = *number;
+    } else if (step.operand == NumericOperand::Number) {
+      right = step.number;
+    } else if (OperandsOf(step.code) > 1) {
+      top = *--below;
+    }
+    if (step.code == NumericCode::Load) {
+      *below++ = top;
+      top = right;
+    } else if (step.code == NumericCode::Choose) {
+      if (!AreFinite(top, right)) return std::nullopt;
+      top = *--below != 0 ? top : right;
+    } else if (!Combine(step.code, top, right)) {
+      return std::nullopt;
     }
   }
-  for (const double* value = stack.data(); value <= top; ++value)
+  if (!arithmetic::IsFinite(top)) return std::nullopt;
+  for (const double* value = stack.data() + 1; value < below; ++value)
     if (!arithmetic::IsFinite(*value)) return std::nullopt;
-  return stack[0];
+  return left == 1 ? top : stack[1];
 }
 
 }  // namespace tovalin

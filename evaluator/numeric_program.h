@@ -11,17 +11,17 @@ namespace tovalin {
 
 struct Plan;
 
-/// What a step of a numeric program does to the top of its stack.
+/// What a step of a numeric program does. Those with two operands take the top of
+/// the stack for the left one when the step brings the right one along, and else
+/// the two values on top.
 enum class NumericCode : std::uint8_t {
-  Load,  // pushes the number that `source` holds
-  Push,  // pushes `number`
+  Load,  // pushes what the step brings
   Add,
   Subtract,
   Multiply,
   Divide,
   Power,
   TimesNegated,
-  Negate,
   Less,
   LessOrEqual,
   Greater,
@@ -30,14 +30,19 @@ enum class NumericCode : std::uint8_t {
   Different,
   And,
   Or,
-  Abs,
   Min,
   Max,
-  Choose,  // IIF
+  Choose,  // IIF; the step may bring its last operand
+  Negate,
+  Abs,
 };
+
+/// What a step brings along for its last operand.
+enum class NumericOperand : std::uint8_t { None, Number, Source };
 
 struct NumericStep {
   NumericCode code;
+  NumericOperand operand;
   union {
     double number = 0;
     const Variant* source;  // a variable's value, or a constant's
@@ -52,16 +57,34 @@ struct NumericStep {
 struct NumericProgram {
   static constexpr std::size_t kDeepest = 32;
 
-  std::vector<NumericStep> steps;
-  std::uint32_t depth = 0;  // the most values on the stack
-  std::uint32_t left = 0;   // the values at the end; the first is the result
+  std::vector<NumericStep> steps;  // none when the plan has no such program
+  std::uint16_t depth = 0;         // the most values on the stack
+  std::uint16_t left = 0;          // the values at the end; the first is the result
   bool gives_boolean = false;
 
+  explicit operator bool() const { return !steps.empty(); }
   /// Nothing when the run has to be given up.
   std::optional<double> Run() const;
+  Variant ResultOf(double number) const {
+    return gives_boolean ? Variant(number != 0) : Variant(number);
+  }
 };
 
-/// The numeric program of a plan, if its items allow one.
-std::optional<NumericProgram> MakeNumericProgram(const Plan& plan);
+/// Makes the numeric program of `plan`, if its items allow one.
+void MakeNumericProgram(Plan& plan);
+
+/// The number of values that a step takes from the stack, one that it brings along
+/// included.
+constexpr int OperandsOf(NumericCode code) {
+  if (code == NumericCode::Choose) return 3;
+  return code == NumericCode::Negate || code == NumericCode::Abs ? 1 : 2;
+}
+
+/// Whether a step's result may be finite when an operand is not: a comparison, or
+/// the smaller, larger or chosen of two.
+constexpr bool MayHide(NumericCode code) {
+  return (code >= NumericCode::Less && code <= NumericCode::Different) ||
+         (code >= NumericCode::Min && code <= NumericCode::Choose);
+}
 
 }  // namespace tovalin

@@ -14,29 +14,45 @@ namespace tovalin {
 
 enum class ItemKind : std::uint8_t {
   Number,
-  Operator,
-  Variable,  // `record` holds the value and the formula
-  Constant,  // `value` is what the constant held when the formula was converted
-  Builtin,
+  Operator,      // `record` is its row of the operator table
+  Variable,      // `record` holds the value and the formula
+  Constant,      // its HeldValue is what the constant held when the formula was converted
+  Builtin,       // `builtin` is its row of the built-ins, `record` that of the function table
   HostFunction,  // `record` is its row of the function table
-  Literal,       // `value` is the text
-  Value,         // `value` as it stands: what a host put into a postfix Collection
+  Literal,       // its HeldValue is the text
+  Value,         // its HeldValue as it stands: what a host put into a postfix Collection
   Text,          // nothing that is known: pushed as text
 };
 
-/// One item of a postfix sequence. It names its text by a span of the plan's.
+/// One item of a postfix sequence. It names its text by a span of the plan's. Its
+/// record is good while the plan's stamp holds, which a record that is gone has
+/// broken.
 struct Item {
   ItemKind kind = ItemKind::Text;
   OperatorCode operator_code = OperatorCode::Unknown;
+  std::uint8_t builtin = 0;
   std::uint32_t start = 0;
   std::uint32_t length = 0;
   union {
     double number = 0;
-    const Builtin* builtin;
+    Campo* record;
+    std::size_t held;  // the place of the HeldValue
   };
-  Ref<Campo> record;
+
+  bool HasRecord() const {
+    return kind == ItemKind::Operator || kind == ItemKind::Variable || kind == ItemKind::Builtin ||
+           kind == ItemKind::HostFunction;
+  }
+  bool HoldsValue() const {
+    return kind == ItemKind::Constant || kind == ItemKind::Literal || kind == ItemKind::Value;
+  }
+};
+
+/// A value that stands in the plan itself.
+struct HeldValue {
   Variant value;
-  bool quoted = false;  // of a Constant: it is text, and stands as a literal
+  Campo* constant = nullptr;  // of a Constant
+  bool is_quoted = false;     // it is text, and stands as a literal
 };
 
 /// A formula converted for walking: made once, walked many times, and made anew
@@ -44,29 +60,38 @@ struct Item {
 struct Plan {
   Text text;  // the formula, without carriage returns
   std::vector<Item> items;
+  std::vector<HeldValue> held;
   std::vector<Fault> faults;  // with any, there are no items
+  NumericProgram numeric;     // of a plan of numbers alone
   NamesStamp stamp;
   Ref<Campos> locals;  // pins the address in the stamp
-  // What the trace shows, in UTF-8: made when it is first shown, and again when a
-  // constant has changed the postfix text.
-  std::string trace_expression;
-  std::string trace_postfix;
-  int trace_edition = 0;  // 0: not made yet
+  // What the trace shows of the formula: made when it is first shown, and again
+  // when a constant has changed the postfix text.
+  std::string trace_lines;
+  std::uint32_t trace_edition = 0;  // 0: not made yet
+  int walks = 0;                    // under way
   bool has_constants = false;
-  std::optional<NumericProgram> numeric;  // of a plan of numbers alone
-  int walks = 0;                          // under way
+  bool came_again = false;  // asked for again after it was made
   ReferenceCount references;
+  // Of the plan store: the neighbours in the order of use, and the hash of the text.
+  Plan* newer = nullptr;
+  Plan* older = nullptr;
+  std::size_t hash = 0;
 
   TextView Span(const Item& item) const { return TextView(text).substr(item.start, item.length); }
+  const Variant& ValueOf(const Item& item) const { return held[item.held].value; }
+  bool MayRun(const NamesStamp& now) const { return stamp == now && walks == 0; }
 };
 
 /// Converts checked tokens to postfix items, appended to `plan`, whose text must
 /// be that of the tokens. Operators wait on a stack by the priorities of their
 /// records; every level, "^" included, groups from the left.
-void ConvertToPostfix(const TokenList& list, Plan& plan);
+void ConvertToPostfix(TokenList& list, Plan& plan);
 
 /// The items as one text, each followed by a blank.
 Text PostfixText(const Plan& plan);
+/// The same in UTF-8, at the end of `utf8`.
+void AppendPostfixText(std::string& utf8, const Plan& plan);
 /// The items as a host sees them: texts, and records for constants.
 Ref<Collection> PostfixItems(const Plan& plan);
 

@@ -1,5 +1,7 @@
 #include "evaluator/plan_store.h"
 
+#include <utility>
+
 #include "evaluator/infix_check.h"
 #include "evaluator/tokenizer.h"
 
@@ -10,76 +12,99 @@ namespace {
 // than a host needs to write it.
 constexpr std::size_t kLongestKept = 65536;
 
+// The memory of a shorter one serves those that follow.
+constexpr std::size_t kLongestReused = 4096;
+
+bool IsReusable(const TokenList& list) {
+  return list.text.capacity() <= kLongestReused && list.tokens.capacity() <= kLongestReused;
+}
+
+bool IsReusable(const Plan& plan) {
+  return plan.references.Value() == 1 && plan.text.capacity() <= kLongestReused &&
+         plan.items.capacity() <= kLongestReused;
+}
+
+void Empty(TokenList& list) {
+  if (!IsReusable(list)) list = TokenList();
+  list.tokens.clear();
+  list.faults.clear();
+}
+
+// As new, but for the memory of its parts.
+void Empty(Plan& plan) {
+  plan.items.clear();
+  plan.held.clear();
+  plan.faults.clear();
+  plan.numeric.steps.clear();
+  plan.trace_edition = 0;
+  plan.has_constants = false;
+  plan.came_again = false;
+}
+
 }  // namespace
 
 Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   const NamesStamp stamp = StampNames(symbols_, locals.get());
-  const auto found = by_text_.find(formula);
-  if (found == by_text_.end()) {
-    Ref<Plan> plan = Compile(formula, locals, stamp);
-    Keep(plan);
+  const std::size_t hash = PlanCache::Hash(formula);
+  Ref<Plan> plan = Ref<Plan>::Share(cache_.Find(formula, hash));
+  if (plan && plan->MayRun(stamp)) {
+    plan->came_again = true;
+    if (plan->has_constants && BindConstants(*plan)) plan->trace_edition = 0;
     return plan;
   }
-  const auto place = found->second;
   // A plan that is being walked keeps the constants that it was converted with.
-  if ((*place)->walks > 0) return Compile(formula, locals, stamp);
-  order_.splice(order_.begin(), order_, place);
-  if ((*place)->stamp == stamp) {
-    Plan& kept = **place;
-    if (kept.has_constants && BindConstants(kept)) kept.trace_edition = 0;
-    return *place;
-  }
-  Ref<Plan> plan = Compile(formula, locals, stamp);
-  by_text_.erase(found);
-  *place = plan;
-  by_text_.emplace(plan->text, place);
+  if (plan && plan->walks > 0) return Make(formula, locals);
+  if (plan) cache_.Remove(*plan);
+  plan = EmptyPlan();
+  Compile(*plan, formula, locals, stamp);
+  plan->hash = hash;
+  if (cache_.Capacity() > 0 && formula.size() <= kLongestKept) cache_.Add(plan);
   return plan;
 }
 
-Ref<Plan> PlanStore::Compile(TextView formula, const Ref<Campos>& locals, const NamesStamp& stamp) {
-  TokenList list = Tokens(Text(formula));
-  CheckTokens(list, symbols_, locals.get());
+Ref<Plan> PlanStore::Make(TextView formula, const Ref<Campos>& locals) {
   auto plan = tovalin::Make<Plan>();
-  plan->stamp = stamp;
-  plan->locals = locals;
-  plan->faults = std::move(list.faults);
-  if (plan->faults.empty()) ConvertToPostfix(list, *plan);
-  plan->text = std::move(list.text);
-  if (plan->faults.empty()) plan->numeric = MakeNumericProgram(*plan);
+  Compile(*plan, formula, locals, StampNames(symbols_, locals.get()));
   return plan;
+}
+
+// A new plan, or the oldest one, which goes for it, where nobody else holds it.
+Ref<Plan> PlanStore::EmptyPlan() {
+  if (!cache_.IsFull()) return tovalin::Make<Plan>();
+  Ref<Plan> plan = cache_.TakeOldest();
+  if (!plan || !IsReusable(*plan)) return tovalin::Make<Plan>();
+  Empty(*plan);
+  return plan;
+}
+
+void PlanStore::Compile(Plan& plan, TextView formula, const Ref<Campos>& locals,
+                        const NamesStamp& stamp) {
+  Empty(tokens_);
+  tokens_.text = formula;
+  Tokenize(tokens_, Elements(), symbols_.string_delimiter);
+  CheckTokens(tokens_, symbols_, locals.get());
+  plan.stamp = stamp;
+  plan.locals = locals;
+  plan.faults = std::move(tokens_.faults);
+  if (plan.faults.empty()) ConvertToPostfix(tokens_, plan);
+  std::swap(plan.text, tokens_.text);
+  if (plan.faults.empty()) MakeNumericProgram(plan);
 }
 
 TokenList PlanStore::Tokens(Text formula) {
-  return Tokenize(std::move(formula), Elements(), symbols_.string_delimiter);
+  TokenList list;
+  list.text = std::move(formula);
+  Tokenize(list, Elements(), symbols_.string_delimiter);
+  return list;
 }
 
 const ElementSearch& PlanStore::Elements() {
-  const VocabularyStamp stamp = StampVocabulary(symbols_);
-  if (!elements_built_ || stamp != elements_stamp_) {
+  const std::uint64_t stamp = VocabularyStamp(symbols_);
+  if (elements_stamp_ != stamp) {
     elements_.Build(symbols_);
     elements_stamp_ = stamp;
-    elements_built_ = true;
   }
   return elements_;
-}
-
-void PlanStore::Keep(const Ref<Plan>& plan) {
-  if (capacity_ == 0 || plan->text.size() > kLongestKept) return;
-  Shrink(capacity_ - 1);
-  order_.push_front(plan);
-  by_text_.emplace(plan->text, order_.begin());
-}
-
-void PlanStore::Shrink(std::size_t size) {
-  while (order_.size() > size) {
-    by_text_.erase(order_.back()->text);
-    order_.pop_back();
-  }
-}
-
-void PlanStore::LetCapacity(std::size_t capacity) {
-  capacity_ = capacity;
-  Shrink(capacity);
 }
 
 void StripCarriageReturns(Text& formula) {

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <list>
-#include <unordered_map>
+#include <optional>
 
 #include "evaluator/element_search.h"
-#include "evaluator/plan.h"
+#include "evaluator/plan_cache.h"
 
 namespace tovalin {
 
@@ -18,32 +17,25 @@ class PlanStore {
   Ref<Plan> Get(TextView formula, const Ref<Campos>& locals);
 
   /// The same for a plan that is not shared.
-  Ref<Plan> Make(TextView formula, const Ref<Campos>& locals) {
-    return Compile(formula, locals, StampNames(symbols_, locals.get()));
-  }
+  Ref<Plan> Make(TextView formula, const Ref<Campos>& locals);
 
   /// The tokens of a formula, their names not looked up.
   TokenList Tokens(Text formula);
   const ElementSearch& Elements();
 
-  std::size_t Capacity() const { return capacity_; }
+  std::size_t Capacity() const { return cache_.Capacity(); }
   /// How many plans are kept; 0 for none.
-  void LetCapacity(std::size_t capacity);
+  void LetCapacity(std::size_t capacity) { cache_.LetCapacity(capacity); }
 
  private:
-  using Order = std::list<Ref<Plan>>;  // the latest in front
-
-  Ref<Plan> Compile(TextView formula, const Ref<Campos>& locals, const NamesStamp& stamp);
-  void Keep(const Ref<Plan>& plan);
-  void Shrink(std::size_t size);
+  void Compile(Plan& plan, TextView formula, const Ref<Campos>& locals, const NamesStamp& stamp);
+  Ref<Plan> EmptyPlan();
 
   const Symbols& symbols_;
   ElementSearch elements_;
-  VocabularyStamp elements_stamp_;
-  bool elements_built_ = false;
-  Order order_;
-  std::unordered_map<TextView, Order::iterator> by_text_;  // keys lie in the plans
-  std::size_t capacity_ = 256;
+  std::optional<std::uint64_t> elements_stamp_;
+  PlanCache cache_;
+  TokenList tokens_;  // of the formula that is being converted, kept for its memory
 };
 
 /// A formula without its carriage returns: a pair with a line feed goes whole, a

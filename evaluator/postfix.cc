@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -23,15 +24,15 @@ Text TextOrEmpty(const Variant& value) {
 }
 
 // Whether the item's text is another one than before.
-bool BindConstant(Item& item) {
-  const bool was_quoted = std::exchange(item.quoted, IsTextConstant(*item.record));
-  if (!item.quoted) {
-    item.value = item.record->Value();
+bool BindConstant(HeldValue& held) {
+  const bool was_quoted = std::exchange(held.is_quoted, IsTextConstant(*held.constant));
+  if (!held.is_quoted) {
+    held.value = held.constant->Value();
     return was_quoted;
   }
-  Variant text = TextOrEmpty(item.record->Value());
-  const bool same = was_quoted && item.value.AsText() == text.AsText();
-  if (!same) item.value = std::move(text);
+  Variant text = TextOrEmpty(held.constant->Value());
+  const bool same = was_quoted && held.value.AsText() == text.AsText();
+  if (!same) held.value = std::move(text);
   return !same;
 }
 
@@ -45,88 +46,111 @@ std::optional<std::int32_t> Priority(const Campo& record) {
 }
 
 void SetFunction(Item& item, Campo& record, const Builtin* builtin) {
-  item.record = Ref<Campo>::Share(&record);
+  item.record = &record;
   item.kind = builtin ? ItemKind::Builtin : ItemKind::HostFunction;
-  item.builtin = builtin;
+  if (builtin) item.builtin = BuiltinRow(*builtin);
 }
 
 void SetOperator(Item& item, Campo& record, OperatorCode code) {
   item.kind = ItemKind::Operator;
-  item.record = Ref<Campo>::Share(&record);
+  item.record = &record;
   item.operator_code = code;
 }
 
-void SetName(Item& item, Campo& record, bool is_constant) {
-  item.record = Ref<Campo>::Share(&record);
-  item.kind = is_constant ? ItemKind::Constant : ItemKind::Variable;
-  if (is_constant) BindConstant(item);
+void SetVariable(Item& item, Campo& record) {
+  item.record = &record;
+  item.kind = ItemKind::Variable;
 }
 
+void SetHeld(Plan& plan, Item& item, ItemKind kind, HeldValue held) {
+  item.kind = kind;
+  item.held = plan.held.size();
+  plan.held.push_back(std::move(held));
+}
+
+void SetConstant(Plan& plan, Item& item, Campo& record) {
+  HeldValue held{{}, &record};
+  BindConstant(held);
+  SetHeld(plan, item, ItemKind::Constant, std::move(held));
+  plan.has_constants = true;
+}
+
+void SetLiteral(Plan& plan, Item& item, TextView text) {
+  SetHeld(plan, item, ItemKind::Literal, {text, nullptr, true});
+}
+
+// Operators, and the brackets that they stand behind, wait in a stack that is
+// chained through the tokens themselves.
 class Converter {
  public:
-  Converter(const TokenList& list, Plan& plan) : list_(list), plan_(plan) {}
+  Converter(TokenList& list, Plan& plan) : list_(list), plan_(plan) {}
 
   void Run() {
-    plan_.items.reserve(plan_.items.size() + list_.tokens.size());
-    waiting_.reserve(list_.tokens.size() / 2 + 1);
-    for (const Token& token : list_.tokens) Take(token);
-    while (!waiting_.empty()) Release();
+    plan_.items.reserve(plan_.items.size() + static_cast<std::size_t>(std::ranges::count_if(
+                                                 list_.tokens, BecomesItem, &Token::kind)));
+    for (Token& token : list_.tokens) Take(token);
+    while (waiting_) Release();
   }
 
  private:
-  void Take(const Token& token) {
+  static bool BecomesItem(TokenKind kind) {
+    return kind != TokenKind::Open && kind != TokenKind::Close && kind != TokenKind::Comma;
+  }
+
+  void Take(Token& token) {
     switch (token.kind) {
       case TokenKind::Operator:
         TakeOperator(token);
         break;
       case TokenKind::Function:
         if (IsOpener(token))
-          waiting_.push_back(&token);
+          Wait(token);
         else
           Append(token);
         break;
       case TokenKind::Open:
-        waiting_.push_back(&token);
+        Wait(token);
         break;
       case TokenKind::Comma:
         TakeComma();
         break;
       case TokenKind::Close:
-        while (!waiting_.empty() && !IsBracket(*waiting_.back())) Release();
-        if (!waiting_.empty()) Release();
+        while (waiting_ && !IsBracket(*waiting_)) Release();
+        if (waiting_) Release();
         break;
       default:
         Append(token);
     }
   }
 
-  void TakeOperator(const Token& token) {
+  void TakeOperator(Token& token) {
     const auto priority = Priority(*token.record);
-    while (priority && !waiting_.empty() && !IsBracket(*waiting_.back())) {
-      const auto top = Priority(*waiting_.back()->record);
+    while (priority && waiting_ && !IsBracket(*waiting_)) {
+      const auto top = Priority(*waiting_->record);
       if (!top || *top < *priority) break;
       Release();
     }
-    waiting_.push_back(&token);
+    Wait(token);
   }
 
   // A comma ends an argument of the call that it stands in, and nothing else.
   void TakeComma() {
-    std::size_t bracket = waiting_.size();
-    while (bracket > 0 && !IsBracket(*waiting_[bracket - 1])) --bracket;
-    if (bracket == 0 || waiting_[bracket - 1]->kind != TokenKind::Function) return;
-    while (waiting_.size() > bracket) Release();
+    const Token* bracket = waiting_;
+    while (bracket && !IsBracket(*bracket)) bracket = bracket->below;
+    if (!bracket || bracket->kind != TokenKind::Function) return;
+    while (waiting_ != bracket) Release();
   }
 
-  bool IsOpener(const Token& token) const {
+  static bool IsOpener(const Token& token) {
     if (!token.record) return true;
     return Trim(token.record->Name()).ends_with(u'(');
   }
   static bool IsBracket(const Token& token) { return token.kind != TokenKind::Operator; }
 
+  void Wait(Token& token) { token.below = std::exchange(waiting_, &token); }
+
   void Release() {
-    const Token& token = *waiting_.back();
-    waiting_.pop_back();
+    const Token& token = *std::exchange(waiting_, waiting_->below);
     if (token.kind != TokenKind::Open) Append(token);
   }
 
@@ -140,8 +164,7 @@ class Converter {
         item.number = token.number;
         break;
       case TokenKind::Literal:
-        item.kind = ItemKind::Literal;
-        item.value = Variant(list_.Span(token));
+        SetLiteral(plan_, item, list_.Span(token));
         break;
       case TokenKind::Operator:
         SetOperator(item, *token.record, token.operator_code);
@@ -150,33 +173,48 @@ class Converter {
         if (token.record) SetFunction(item, *token.record, token.builtin);
         break;
       default:
-        if (token.scope == Scope::None) break;
-        SetName(item, *token.record, token.scope == Scope::Constant);
-        plan_.has_constants |= token.scope == Scope::Constant;
+        if (token.scope == Scope::Constant)
+          SetConstant(plan_, item, *token.record);
+        else if (token.scope != Scope::None)
+          SetVariable(item, *token.record);
     }
   }
 
-  const TokenList& list_;
+  TokenList& list_;
   Plan& plan_;
-  std::vector<const Token*> waiting_;  // operators, and the brackets that they stand behind
+  Token* waiting_ = nullptr;  // the last one that waits
 };
 
-void AppendItemText(Text& text, const Plan& plan, const Item& item) {
-  const bool quoted =
-      item.kind == ItemKind::Literal || (item.kind == ItemKind::Constant && item.quoted);
-  if (quoted)
-    text.append(1, u'"').append(item.value.AsText()).append(1, u'"');
-  else if (item.kind == ItemKind::Value)
-    text.append(TextOrEmpty(item.value));
-  else if (item.record && item.kind != ItemKind::Variable)
-    text.append(Trim(item.record->Name()));
-  else
-    text.append(plan.Span(item));
+void Put(Text& text, TextView part) { text.append(part); }
+void Put(std::string& utf8, TextView part) { AppendUtf8(utf8, part); }
+
+template <class String>
+void AppendItem(String& text, const Plan& plan, const Item& item) {
+  if (item.HoldsValue()) {
+    const HeldValue& held = plan.held[item.held];
+    if (held.is_quoted) {
+      text.push_back('"');
+      Put(text, held.value.AsText());
+      text.push_back('"');
+    } else {
+      Put(text, held.constant ? Trim(held.constant->Name()) : TextView(TextOrEmpty(held.value)));
+    }
+  } else {
+    const bool is_spelled = item.HasRecord() && item.kind != ItemKind::Variable;
+    Put(text, is_spelled ? Trim(item.record->Name()) : plan.Span(item));
+  }
+}
+
+template <class String>
+void AppendItems(String& text, const Plan& plan) {
+  for (const Item& item : plan.items) {
+    AppendItem(text, plan, item);
+    text.push_back(' ');
+  }
 }
 
 // What an item of a known text stands for, in the order in which a walk asks.
-void Classify(Item& item, TextView text, const Symbols& symbols, const Campos* locals) {
-  item.record = nullptr;
+void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, const Campos* locals) {
   item.kind = ItemKind::Text;
   Campo* record = nullptr;
   if (const std::optional<double> number = NumberToken(text)) {
@@ -186,41 +224,39 @@ void Classify(Item& item, TextView text, const Symbols& symbols, const Campos* l
     SetOperator(item, *record, CodeOf(Trim(record->Name())));
   } else if ((record = locals ? locals->Find(text) : nullptr) ||
              (record = symbols.variables->Find(text))) {
-    SetName(item, *record, false);
+    SetVariable(item, *record);
   } else if ((record = symbols.constants->Find(text))) {
-    SetName(item, *record, true);
+    SetConstant(plan, item, *record);
   } else if ((record = symbols.functions->Find(text))) {
     SetFunction(item, *record, BuiltinOf(text));
   } else if (text.size() > 1 && text.front() == u'"' && text.back() == u'"') {
-    item.kind = ItemKind::Literal;
-    item.value = Variant(text.substr(1, text.size() - 2));
+    SetLiteral(plan, item, text.substr(1, text.size() - 2));
   }
 }
 
 }  // namespace
 
-void ConvertToPostfix(const TokenList& list, Plan& plan) { Converter(list, plan).Run(); }
+void ConvertToPostfix(TokenList& list, Plan& plan) { Converter(list, plan).Run(); }
 
 Text PostfixText(const Plan& plan) {
   Text text;
   text.reserve(plan.text.size() + plan.items.size());
-  for (const Item& item : plan.items) {
-    AppendItemText(text, plan, item);
-    text.push_back(u' ');
-  }
+  AppendItems(text, plan);
   return text;
 }
+
+void AppendPostfixText(std::string& utf8, const Plan& plan) { AppendItems(utf8, plan); }
 
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
   for (const Item& item : plan.items) {
-    if (item.kind == ItemKind::Constant && !item.quoted) {
+    if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted) {
       // A copy, so that a later change of the constant is not seen.
-      items->List().Append(item.record->Copy());
+      items->List().Append(plan.held[item.held].constant->Copy());
       continue;
     }
     Text text;
-    AppendItemText(text, plan, item);
+    AppendItem(text, plan, item);
     items->List().Append(std::move(text));
   }
   return items;
@@ -235,29 +271,27 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols,
   if (value.Is(Subtype::String)) {
     plan.text.append(value.AsText());
     item.length = static_cast<std::uint32_t>(value.AsText().size());
-    Classify(item, value.AsText(), symbols, locals);
+    Classify(plan, item, value.AsText(), symbols, locals);
   } else if (IsNumeric(value) && !value.Is(Subtype::Boolean) && !value.Is(Subtype::Empty)) {
     item.kind = ItemKind::Number;
     item.number = ToDouble(value);
   } else {
-    item.kind = ItemKind::Value;
-    item.value = constant ? constant->Value() : value.Value();
+    SetHeld(plan, item, ItemKind::Value, {constant ? constant->Value() : value.Value()});
   }
 }
 
 void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals) {
   for (std::size_t i = from; i < plan.items.size(); ++i) {
     Item& item = plan.items[i];
-    const bool fixed = item.kind == ItemKind::Number || item.kind == ItemKind::Literal ||
-                       item.kind == ItemKind::Value || item.kind == ItemKind::Constant;
-    if (!fixed) Classify(item, Text(plan.Span(item)), symbols, locals);
+    if (item.kind == ItemKind::Number || item.HoldsValue()) continue;
+    Classify(plan, item, plan.Span(item), symbols, locals);
   }
 }
 
 bool BindConstants(Plan& plan) {
   bool changed = false;
-  for (Item& item : plan.items)
-    if (item.kind == ItemKind::Constant) changed |= BindConstant(item);
+  for (HeldValue& held : plan.held)
+    if (held.constant) changed |= BindConstant(held);
   return changed;
 }
 

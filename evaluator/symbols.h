@@ -18,7 +18,9 @@ struct Symbols {
   Ref<Collection> separators;
   Ref<Collection> special_characters;
   Text string_delimiter = u"'";
-  std::uint64_t replacements = 0;  // grows when a table or the delimiter is replaced
+  /// Grows when a table or the delimiter is replaced: by more than all versions of
+  /// the table, so that no sum of versions comes back.
+  std::uint64_t replacements = 0;
 
   /// The variable of a name, else the constant, or null.
   Campo* Find(TextView name) const;
@@ -30,35 +32,27 @@ struct Symbols {
   Text Complaints(TextView name) const;
 };
 
-/// What the elements of the language looked like at a moment.
-struct VocabularyStamp {
-  std::uint64_t replacements = 0;
-  std::uint64_t functions = 0;
-  std::uint64_t operators = 0;
-  std::uint64_t priorities = 0;
-
-  friend bool operator==(const VocabularyStamp&, const VocabularyStamp&) = default;
-};
+/// A number that grows with every change of the elements of the language. It is a
+/// sum of counters that never shrink, so it stands still only when they all do.
+inline std::uint64_t VocabularyStamp(const Symbols& symbols) {
+  return symbols.replacements + symbols.functions->Version() + symbols.operators->Version() +
+         symbols.operators->ValuesVersion();
+}
 
 /// What every name of a formula stood for at a moment. `locals` is kept by
 /// whoever keeps the stamp, so that its address is not used again.
 struct NamesStamp {
-  VocabularyStamp vocabulary;
-  std::uint64_t variables = 0;
-  std::uint64_t constants = 0;
+  static constexpr std::uint64_t kNever = static_cast<std::uint64_t>(-1);
+
+  std::uint64_t names = kNever;  // of the vocabulary, the variables and the constants
   std::uint64_t locals_version = 0;
   const Campos* locals = nullptr;
 
   friend bool operator==(const NamesStamp&, const NamesStamp&) = default;
 };
 
-inline VocabularyStamp StampVocabulary(const Symbols& symbols) {
-  return {symbols.replacements, symbols.functions->Version(), symbols.operators->Version(),
-          symbols.operators->ValuesVersion()};
-}
-
 inline NamesStamp StampNames(const Symbols& symbols, const Campos* locals) {
-  return {StampVocabulary(symbols), symbols.variables->Version(), symbols.constants->Version(),
+  return {VocabularyStamp(symbols) + symbols.variables->Version() + symbols.constants->Version(),
           locals ? locals->Version() : 0, locals};
 }
 

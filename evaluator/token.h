@@ -35,6 +35,7 @@ struct Token {
   Campo* record = nullptr;           // valid while the tables do not change
   const Builtin* builtin = nullptr;  // of a Function that is built in
   double number = 0;
+  Token* below = nullptr;  // the one that waits below it, when it waits for its place
 };
 
 /// The faults of a check, with the codes that hosts see.

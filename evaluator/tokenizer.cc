@@ -120,12 +120,9 @@ class Tokenizer {
 
 }  // namespace
 
-TokenList Tokenize(Text text, const ElementSearch& elements, TextView string_delimiter) {
-  TokenList list;
-  list.text = std::move(text);
+void Tokenize(TokenList& list, const ElementSearch& elements, TextView string_delimiter) {
   list.tokens.reserve(list.text.size() / 4 + 2);
   Tokenizer(list, elements, string_delimiter).Run();
-  return list;
 }
 
 void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elements,

@@ -5,9 +5,10 @@
 
 namespace tovalin {
 
-/// Splits a formula without carriage returns into tokens. Names are not looked up yet; a literal
-/// that does not end is the only fault told here.
-TokenList Tokenize(Text text, const ElementSearch& elements, TextView string_delimiter);
+/// Splits the text of `list`, a formula without carriage returns, into tokens.
+/// Names are not looked up yet; a literal that does not end is the only fault told
+/// here.
+void Tokenize(TokenList& list, const ElementSearch& elements, TextView string_delimiter);
 
 /// The token that a text of a host's token Collection stands for, appended to
 /// `list` together with its text.

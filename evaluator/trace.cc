@@ -1,8 +1,9 @@
 #include "evaluator/trace.h"
 
-#include <array>
 #include <bit>
 
+#include "frame/ini_text.h"
+#include "frame/number_text.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -10,84 +11,113 @@ namespace {
 
 constexpr TextView kApplication = u"Evaluador";
 constexpr TextView kSection = u"Posfijo";
-constexpr std::string_view kKeys[] = {"Expresion", "Posfijo", "Resultado", "ElementosPila"};
-constexpr std::size_t kResultKey = 2;
+constexpr std::string_view kExpressionKey = "Expresion";
+constexpr std::string_view kPostfixKey = "Posfijo";
+constexpr std::string_view kResultKey = "Resultado";
+constexpr std::string_view kLeftKey = "ElementosPila";
 
-std::string_view ExpressionOf(const Engine::Prepared& prepared) {
-  return prepared.expression ? *prepared.expression : prepared.plan->trace_expression;
+std::vector<std::string> Keys() {
+  return {std::string(kExpressionKey), std::string(kPostfixKey), std::string(kResultKey),
+          std::string(kLeftKey)};
 }
 
-std::string ResultText(const Variant& result) {
+// Adds the line of an entry whose text, in UTF-8, `append_text` adds.
+template <class AppendText>
+void AddEntry(std::string& lines, std::string_view key, AppendText append_text) {
+  lines.append(key).push_back('=');
+  const std::size_t start = lines.size();
+  append_text(lines);
+  EscapeIniTextFrom(start, lines);
+  lines.push_back('\n');
+}
+
+void AddExpression(std::string& lines, TextView expression) {
+  AddEntry(lines, kExpressionKey, [=](std::string& utf8) { AppendUtf8(utf8, expression); });
+}
+
+void AppendResult(std::string& utf8, const Variant& result) {
+  if (const double* number = result.IfDouble()) return AppendNumber(utf8, *number);
+  if (result.Is(Subtype::Null)) return;
   try {
-    return result.Is(Subtype::Null) ? std::string() : ToUtf8(ToText(result));
+    AppendUtf8(utf8, ToText(result));
   } catch (const Error&) {
-    return {};  // an object has no text
+    // An object has no text.
   }
 }
 
 }  // namespace
 
-Trace::Trace()
-    : section_(kApplication, kSection,
-               std::vector<std::string>(std::begin(kKeys), std::end(kKeys))) {}
+Trace::Trace() : section_(kApplication, kSection, Keys()) {}
 
 void Trace::UseStore(Ref<SettingsStore> store) {
   store_ = std::move(store);
   shown_ = nullptr;
-}
-
-bool Trace::Shows(const Engine::Prepared& prepared) const {
-  return shown_ == prepared.plan && !prepared.expression &&
-         shown_edition_ == prepared.plan->trace_edition;
-}
-
-void Trace::Remember(const Engine::Prepared& prepared) {
-  shown_ = prepared.expression ? nullptr : prepared.plan;
-  shown_edition_ = prepared.plan->trace_edition;
-}
-
-void Trace::MakeTexts(Plan& plan) {
-  if (plan.trace_edition != 0) return;
-  plan.trace_expression = ToUtf8(plan.text);
-  plan.trace_postfix = ToUtf8(PostfixText(plan));
-  plan.trace_edition = ++last_edition_;
-}
-
-// The text of a result that comes again and again is made once.
-void Trace::KeepResult(const Variant& result, std::size_t left) {
-  const double* number = result.IfDouble();
-  const std::optional<std::uint64_t> bits =
-      number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
-  if (!bits || bits != number_bits_) result_ = ResultText(result);
-  number_bits_ = bits;
-  left_ = std::to_string(left);
+  shown_bits_.reset();
 }
 
 void Trace::Begin(const Engine::Prepared& prepared) {
-  MakeTexts(*prepared.plan);
-  if (Shows(prepared)) return;
-  Write(0, std::array<std::string_view, 2>{ExpressionOf(prepared), prepared.plan->trace_postfix});
-  Remember(prepared);
+  ShowFormula(prepared.plan, prepared.expression);
+  if (!store_) section_.Put();
 }
 
 void Trace::End(const Engine::Prepared& prepared, const Variant& result, std::size_t left) {
-  KeepResult(result, left);
-  if (Shows(prepared))
-    Write(kResultKey, std::array<std::string_view, 2>{result_, left_});
-  else  // the text has no plan to itself, or a handler evaluated another formula
-    Write(0, std::array<std::string_view, 4>{ExpressionOf(prepared), prepared.plan->trace_postfix,
-                                             result_, left_});
-  Remember(prepared);
+  ShowFormula(prepared.plan, prepared.expression);
+  ShowResult(result, left);
+  if (!store_) section_.Put();
 }
 
-void Trace::Write(std::size_t first, std::span<const std::string_view> values) {
-  if (!store_) {
-    section_.Put(first, values);
-    return;
+// Nothing to do when the formula stands there: unless the text has no plan to itself,
+// or a handler evaluated another one.
+void Trace::ShowFormula(const Ref<Plan>& plan, const std::optional<Text>& expression) {
+  const bool is_shown = shown_ == plan && shown_edition_ == plan->trace_edition;
+  if (is_shown && !expression) return;
+  MakeLines(*plan);
+  if (expression) {
+    lines_.clear();
+    AddExpression(lines_, *expression);
+    lines_.append(plan->trace_lines, plan->trace_lines.find('\n') + 1);
+    Show(kFormula, lines_);
+    shown_ = nullptr;
+  } else {
+    Show(kFormula, plan->trace_lines);
+    shown_ = plan;
+    shown_edition_ = plan->trace_edition;
   }
+}
+
+// The plan keeps its lines without room to spare.
+void Trace::MakeLines(Plan& plan) {
+  if (plan.trace_edition != 0) return;
+  lines_.clear();
+  AddExpression(lines_, plan.text);
+  AddEntry(lines_, kPostfixKey, [&plan](std::string& utf8) { AppendPostfixText(utf8, plan); });
+  plan.trace_lines = lines_;
+  plan.trace_edition = ++last_edition_;
+}
+
+// The lines of a result that comes again and again are made once.
+void Trace::ShowResult(const Variant& result, std::size_t left) {
+  const double* number = result.IfDouble();
+  const std::optional<std::uint64_t> bits =
+      number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
+  if (!store_ && bits && bits == shown_bits_ && left == shown_left_) return;
+  lines_.clear();
+  AddEntry(lines_, kResultKey, [&result](std::string& utf8) { AppendResult(utf8, result); });
+  lines_.append(kLeftKey).append("=").append(std::to_string(left)).push_back('\n');
+  Show(kResult, lines_);
+  shown_bits_ = bits;
+  shown_left_ = left;
+}
+
+void Trace::Show(Part part, std::string_view lines) {
+  if (!store_) return section_.Set(part, lines);
   try {
-    for (std::size_t i = 0; i < values.size(); ++i)
-      store_->Save(kApplication, kSection, FromUtf8(kKeys[first + i]), FromUtf8(values[i]));
+    for (std::size_t end; !lines.empty(); lines.remove_prefix(end + 1)) {
+      end = lines.find('\n');
+      const std::size_t equals = lines.find('=');
+      store_->Save(kApplication, kSection, FromUtf8(lines.substr(0, equals)),
+                   UnescapeIni(lines.substr(equals + 1, end - equals - 1)));
+    }
   } catch (const Error&) {
     // The evaluation does not suffer from a trace that cannot be written.
   }

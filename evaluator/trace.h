@@ -1,7 +1,9 @@
 #pragma once
 
-#include <memory>
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "evaluator/engine.h"
 #include "frame/live_section.h"
@@ -17,30 +19,31 @@ class Trace {
  public:
   Trace();
 
-  /// Before the walk, so that the formula is there when the host does not survive it.
+  /// Before a walk, so that the formula is there when the host does not survive it.
   void Begin(const Engine::Prepared& prepared);
-  /// After the walk.
+  /// After an evaluation.
   void End(const Engine::Prepared& prepared, const Variant& result, std::size_t left);
-
   void UseStore(Ref<SettingsStore> store);
 
  private:
-  bool Shows(const Engine::Prepared& prepared) const;
-  void MakeTexts(Plan& plan);
-  void KeepResult(const Variant& result, std::size_t left);
-  void Remember(const Engine::Prepared& prepared);
-  void Write(std::size_t first, std::span<const std::string_view> values);
+  // The two parts of the section: what is known before an evaluation and after it.
+  enum Part : std::size_t { kFormula, kResult };
+
+  void ShowFormula(const Ref<Plan>& plan, const std::optional<Text>& expression);
+  void ShowResult(const Variant& result, std::size_t left);
+  void Show(Part part, std::string_view lines);
+  void MakeLines(Plan& plan);
 
   Ref<SettingsStore> store_;
   LiveSection section_;
-  // What stands in the section now: the plan, if with its own expression, and
-  // the edition of its postfix text.
+  // What stands in the section now: the plan, if with its own expression, and the
+  // edition of its postfix text.
   Ref<Plan> shown_;
-  int shown_edition_ = 0;
-  int last_edition_ = 0;
-  std::string result_;
-  std::optional<std::uint64_t> number_bits_;  // of the Double that result_ is the text of
-  std::string left_;
+  std::uint32_t shown_edition_ = 0;
+  std::uint32_t last_edition_ = 0;
+  std::optional<std::uint64_t> shown_bits_;  // of the Double that is the result there
+  std::size_t shown_left_ = 0;               // and the number of values
+  std::string lines_;                        // being made, kept for its memory
 };
 
 }  // namespace tovalin

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
-#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -173,28 +171,12 @@ std::int32_t ReadCode(TextView text) {
   return code;
 }
 
-bool IsPlain(char c) { return static_cast<unsigned char>(c) >= ' ' && c != '\\'; }
-
-// Writes the bytes of one word; false when one of them is a control character or a
-// backslash.
-template <class Word>
-bool WritePlainWord(const char* bytes, char* out) {
-  constexpr Word kOnes = static_cast<Word>(0x0101010101010101);
-  Word word;
-  std::memcpy(&word, bytes, sizeof word);
-  std::memcpy(out, &word, sizeof word);
-  const Word not_backslash = word ^ '\\' * kOnes;
-  const Word below_blank = (word - ' ' * kOnes) & ~word;
-  const Word backslash = (not_backslash - kOnes) & ~not_backslash;
-  return ((below_blank | backslash) & 0x80 * kOnes) == 0;
-}
-
-// Words from both ends of `text` meet or overlap in its middle.
-template <class Word>
-bool WriteTwoPlainWords(std::string_view text, char* out) {
-  const std::size_t last = text.size() - sizeof(Word);
-  return WritePlainWord<Word>(text.data(), out) &&
-         WritePlainWord<Word>(text.data() + last, out + last);
+// Whether no more than the blanks at its ends may need an escape. Without a branch
+// for each byte, so that the compiler takes many at once.
+bool IsPlain(std::string_view utf8) {
+  unsigned special = 0;
+  for (char c : utf8) special |= static_cast<unsigned char>(c) < ' ' || c == '\\';
+  return special == 0;
 }
 
 }  // namespace
@@ -227,30 +209,16 @@ Text UnescapeIni(std::string_view written) {
   return out;
 }
 
-// Eight bytes at a time: this stands in the way of every evaluation's trace.
-char* WritePlainIniText(std::string_view utf8, char* out) {
-  constexpr std::string_view kBlank = "\\s";
-  if (utf8.starts_with(' ')) {
-    out = std::copy(kBlank.begin(), kBlank.end(), out);
-    utf8.remove_prefix(1);
+// Looks before it copies: this stands in the way of every evaluation's trace.
+void EscapeIniTextFrom(std::size_t start, std::string& lines) {
+  const std::string_view text = std::string_view(lines).substr(start);
+  if (text.empty()) return;
+  if (!IsPlain(text) || text.front() == ' ') {
+    lines.replace(start, text.size(), Escape(text, IniPlace::kText));
+  } else if (text.back() == ' ') {
+    lines.back() = '\\';
+    lines += 's';
   }
-  const bool ends_in_blank = utf8.ends_with(' ');
-  if (ends_in_blank) utf8.remove_suffix(1);
-  for (; utf8.size() > 16; utf8.remove_prefix(8), out += 8) {
-    if (!WritePlainWord<std::uint64_t>(utf8.data(), out)) return nullptr;
-  }
-  if (utf8.size() >= 8) {
-    if (!WriteTwoPlainWords<std::uint64_t>(utf8, out)) return nullptr;
-  } else if (utf8.size() >= 4) {
-    if (!WriteTwoPlainWords<std::uint32_t>(utf8, out)) return nullptr;
-  } else {
-    for (std::size_t i = 0; i < utf8.size(); ++i) {
-      if (!IsPlain(utf8[i])) return nullptr;
-      out[i] = utf8[i];
-    }
-  }
-  out += utf8.size();
-  return ends_in_blank ? std::copy(kBlank.begin(), kBlank.end(), out) : out;
 }
 
 std::optional<Text> FindEntry(std::string_view file, TextView section, TextView key) {

@@ -47,12 +47,7 @@ std::string EscapeIni(TextView text, IniPlace place);
 std::string EscapeIni(std::string_view utf8, IniPlace place);
 Text UnescapeIni(std::string_view written);
 
-/// How many bytes more than the text has WritePlainIniText may write.
-inline constexpr std::size_t kPlainIniTextExtra = 4;
-
-/// Writes at `out` what EscapeIni makes of the text of an entry, and answers its
-/// end. Answers null, `out` then holding anything, when more than the blanks at
-/// the ends needs an escape.
-char* WritePlainIniText(std::string_view utf8, char* out);
+/// Escapes the text of an entry that stands at the end of `lines`, from `start` on.
+void EscapeIniTextFrom(std::size_t start, std::string& lines);
 
 }  // namespace tovalin

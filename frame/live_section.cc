@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <exception>
 #include <utility>
 
@@ -21,28 +20,36 @@ constexpr std::size_t kLongestBody = std::size_t{1} << 30;
 
 }  // namespace
 
-LiveSection::LiveSection(TextView application, TextView section,
-                         const std::vector<std::string>& keys)
+LiveSection::LiveSection(TextView application, TextView section, std::vector<std::string> keys)
     : application_(application),
       section_(section),
-      written_section_(EscapeIni(section, IniPlace::kSection)) {
-  for (const std::string& key : keys) {
-    entries_.push_back({.key = EscapeIni(FromUtf8(key), IniPlace::kKey) + "=", .value = {}});
-  }
-}
+      written_section_(EscapeIni(section, IniPlace::kSection)),
+      keys_(std::move(keys)),
+      starts_(keys_.size() + 1) {}
 
 LiveSection::~LiveSection() {
   next_look_ = 0;
-  if (unwritten_) Put(0, {});
+  if (unwritten_) Put();
 }
 
-bool LiveSection::Put(std::size_t first, std::span<const std::string_view> utf8_values) noexcept {
+void LiveSection::Set(std::size_t part, std::string_view lines) {
+  const std::size_t start = starts_[part];
+  const std::size_t size = starts_[part + 1] - start;
+  if (Body().substr(start, size) == lines) return;
+  unwritten_ = true;
+  same_ = std::min(same_, start);
+  body_.resize(starts_.back());
+  body_.replace(start, size, lines);
+  for (std::size_t next = part + 1; next < starts_.size(); ++next)
+    starts_[next] += lines.size() - size;
+}
+
+bool LiveSection::Put() noexcept {
   try {
-    Keep(first, utf8_values);
     const bool look = IsTimeToLook();
     if (!look && !unwritten_ && file_ && file_->HoldsLast()) return true;
     unwritten_ = true;
-    Join();
+    Pad();
     unwritten_ = !Write(look);
     return !unwritten_;
   } catch (const Error&) {
@@ -51,52 +58,7 @@ bool LiveSection::Put(std::size_t first, std::span<const std::string_view> utf8_
   return false;
 }
 
-void LiveSection::Keep(std::size_t first, std::span<const std::string_view> utf8_values) {
-  if (first >= entries_.size()) return;
-  const std::size_t count = std::min(utf8_values.size(), entries_.size() - first);
-  for (std::size_t i = 0; i < count; ++i) {
-    Entry& entry = entries_[first + i];
-    if (entry.was_put && entry.value == utf8_values[i]) continue;
-    unwritten_ = true;
-    entry.value = utf8_values[i];
-    entry.was_put = true;
-    joined_ = std::min(joined_, first + i);
-  }
-}
-
-// Writes the lines into the body from the first that changed.
-void LiveSection::Join() {
-  if (joined_ == entries_.size()) return;
-  std::size_t end = entries_[joined_].start;
-  same_ = std::min(same_, end);
-  for (std::size_t i = joined_; i < entries_.size(); ++i) {
-    entries_[i].start = end;
-    if (entries_[i].was_put) end = WriteLine(entries_[i], end);
-  }
-  std::memset(Room(end, 8), ' ', 8);
-  body_size_ = (end + 7) / 8 * 8;
-  joined_ = entries_.size();
-}
-
-// Answers the place behind the line.
-std::size_t LiveSection::WriteLine(const Entry& entry, std::size_t place) {
-  char* const line = Room(place, entry.key.size() + entry.value.size() + kPlainIniTextExtra + 1);
-  char* const text = std::copy(entry.key.begin(), entry.key.end(), line);
-  char* end = WritePlainIniText(entry.value, text);
-  if (!end) {
-    const std::string escaped = EscapeIni(std::string_view(entry.value), IniPlace::kText);
-    const std::size_t text_place = place + entry.key.size();
-    end = std::copy(escaped.begin(), escaped.end(), Room(text_place, escaped.size() + 1));
-  }
-  *end++ = '\n';
-  return static_cast<std::size_t>(end - buffer_.data());
-}
-
-// Where `size` bytes may be written.
-char* LiveSection::Room(std::size_t place, std::size_t size) {
-  if (buffer_.size() < place + size) buffer_.resize(place + size + size / 2);
-  return buffer_.data() + place;
-}
+void LiveSection::Pad() { body_.resize((starts_.back() + 7) / 8 * 8, ' '); }
 
 // The clock takes longer than all else about a Put of known values. So when it told
 // the same time over and over, only every fourth Put asks it.
@@ -121,7 +83,7 @@ bool LiveSection::Write(bool look) {
     if ((!file_ || !file_->IsAt(path_)) && !Open()) return false;
   }
   if (!file_) return false;
-  if (file_->Write(Body(), std::exchange(same_, body_size_)) == LiveFile::Outcome::kWritten) {
+  if (file_->Write(Body(), std::exchange(same_, body_.size())) == LiveFile::Outcome::kWritten) {
     return true;
   }
   return Open() && file_->Write(Body(), 0) == LiveFile::Outcome::kWritten;
@@ -131,7 +93,7 @@ bool LiveSection::Write(bool look) {
 bool LiveSection::Open() {
   file_.reset();
   next_look_ = now_ + kLookEvery;
-  if (body_size_ > kLongestBody) return false;
+  if (body_.size() > kLongestBody) return false;
   path_ = SettingsPath(application_);
   const std::optional<FileLock> lock = FileLock::Try(path_, kPatience);
   if (!lock) return false;
@@ -150,10 +112,8 @@ bool LiveSection::Open() {
 // Makes the file a live one, or one with more room. Its other entries stay.
 void LiveSection::MakeFile() {
   SettingsContent content = TakeContent(path_);
-  for (const Entry& entry : entries_) {
-    const std::string_view key = std::string_view(entry.key).substr(0, entry.key.size() - 1);
-    content.rest = WithoutEntry(content.rest, section_, UnescapeIni(key));
-  }
+  for (const std::string& key : keys_)
+    content.rest = WithoutEntry(content.rest, section_, FromUtf8(key));
   content.live = SettingsContent::Section{written_section_, std::string(Body())};
   ReplaceWhole(path_, content.Bytes());
 }

@@ -21,34 +21,28 @@ namespace tovalin {
 /// the values in the file are always all those of one object.
 class LiveSection {
  public:
-  /// Opens nothing yet.
-  LiveSection(TextView application, TextView section, const std::vector<std::string>& keys);
+  /// Opens nothing yet. The section has as many parts as `keys`, the names of all
+  /// entries that it may ever have.
+  LiveSection(TextView application, TextView section, std::vector<std::string> keys);
   LiveSection(const LiveSection&) = delete;
   LiveSection& operator=(const LiveSection&) = delete;
   /// Tries once more to write what the last Put could not.
   ~LiveSection();
 
-  /// Replaces the values of the keys `first`, `first` + 1 and so on; values beyond
-  /// the last key are disregarded. Keys that were never Put have no entry. False
-  /// when the section cannot be written: the values are kept then, and written with
-  /// the next Put that succeeds. The way to the file is tried once a second at most.
-  /// A file that others deleted comes back with the first Put after a second, or
-  /// three later after a burst of them. A Put that changes nothing writes nothing.
-  bool Put(std::size_t first, std::span<const std::string_view> utf8_values) noexcept;
+  /// Replaces the entries of a part: whole lines, as an ini file has them, none at
+  /// first. The next Put writes them.
+  void Set(std::size_t part, std::string_view lines);
+
+  /// Writes what was Set. False when the section cannot be written: the lines are
+  /// kept then, and written with the next Put that succeeds. The way to the file is
+  /// tried once a second at most. A file that others deleted comes back with the
+  /// first Put after a second, or three later after a burst of them. A Put that
+  /// changes nothing writes nothing.
+  bool Put() noexcept;
 
  private:
-  struct Entry {
-    std::string key;  // as written, with its "="
-    std::string value;
-    bool was_put = false;
-    std::size_t start = 0;  // of its line in the body
-  };
-
-  void Keep(std::size_t first, std::span<const std::string_view> utf8_values);
-  void Join();
-  std::size_t WriteLine(const Entry& entry, std::size_t place);
-  char* Room(std::size_t place, std::size_t size);
-  std::string_view Body() const { return std::string_view(buffer_).substr(0, body_size_); }
+  void Pad();
+  std::string_view Body() const { return body_; }
   bool IsTimeToLook();
   bool Write(bool look);
   bool Open();
@@ -57,11 +51,10 @@ class LiveSection {
   Text application_;
   Text section_;
   std::string written_section_;  // as a heading has it
-  std::vector<Entry> entries_;
-  std::string buffer_;         // the body, their lines with blanks behind, and room
-  std::size_t body_size_ = 0;  // a multiple of 8
-  std::size_t joined_ = 0;     // the first of the entries that the body may not hold
-  std::size_t same_ = 0;       // how many bytes of the body are as last written
+  std::vector<std::string> keys_;
+  std::string body_;                 // the parts, and blanks up to a multiple of 8
+  std::vector<std::size_t> starts_;  // of the parts in it, and the end of the last
+  std::size_t same_ = 0;             // how many bytes of the body are as last written
   std::filesystem::path path_;
   std::optional<LiveFile> file_;
   bool unwritten_ = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
@@ -29,5 +30,7 @@ void AppendNumber(Text& text, double value);
 void AppendNumber(Text& text, float value);
 void AppendNumber(Text& text, Currency value);
 void AppendNumber(Text& text, std::int64_t value);
+/// The same text in UTF-8.
+void AppendNumber(std::string& utf8, double value);
 
 }  // namespace tovalin

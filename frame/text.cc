@@ -49,7 +49,7 @@ Decoded DecodeOne(std::string_view utf8) {
   return {kReplacement, 1};
 }
 
-void AppendUtf8(std::string& utf8, char32_t code_point) {
+void AppendCodePoint(std::string& utf8, char32_t code_point) {
   std::size_t extra = 0;
   while (extra + 1 < std::size(kForms) && code_point >= kForms[extra + 1].least) ++extra;
   utf8.push_back(static_cast<char>(kForms[extra].lead | code_point >> (6 * extra)));
@@ -108,23 +108,32 @@ Text FromUtf8(std::string_view utf8) {
 }
 
 std::string ToUtf8(TextView text) {
+  std::string utf8;
+  AppendUtf8(utf8, text);
+  return utf8;
+}
+
+void AppendUtf8(std::string& utf8, TextView text) {
   // Plain ASCII, as nearly all formulas are, is told and narrowed many characters
   // at a time.
   char16_t bits = 0;
   for (char16_t c : text) bits |= c;
-  if (bits < 0x80) return std::string(text.begin(), text.end());
-  std::string utf8;
-  utf8.reserve(text.size() + text.size() / 8);
+  if (bits < 0x80) {
+    const std::size_t before = utf8.size();
+    utf8.resize(before + text.size());
+    std::copy(text.begin(), text.end(), utf8.begin() + static_cast<std::ptrdiff_t>(before));
+    return;
+  }
+  utf8.reserve(utf8.size() + text.size() + text.size() / 8);
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
     if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;
-      AppendUtf8(utf8, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
+      AppendCodePoint(utf8, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
     } else {
-      AppendUtf8(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
+      AppendCodePoint(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
     }
   }
-  return utf8;
 }
 
 char16_t FoldCase(char16_t c) {

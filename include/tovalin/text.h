@@ -18,6 +18,8 @@ TOVALIN_API Text FromUtf8(std::string_view utf8);
 
 /// Text to UTF-8. A surrogate without its partner becomes U+FFFD.
 TOVALIN_API std::string ToUtf8(TextView text);
+/// The same at the end of `utf8`.
+TOVALIN_API void AppendUtf8(std::string& utf8, TextView text);
 
 /// The character that stands for `c` when case is disregarded: "Ñ" and "ñ"
 /// fold to the same character, "n" to another one.

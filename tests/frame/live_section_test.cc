@@ -10,6 +10,7 @@
 #include <random>
 #include <thread>
 
+#include "frame/ini_text.h"
 #include "frame/live_file.h"
 #include "frame/settings_content.h"
 #include "frame/settings_directory.h"
@@ -29,7 +30,13 @@ class LiveSectionTest : public SettingsDirectoryTest {
   static LiveSection Make() { return LiveSection(u"Evaluador", u"Posfijo", kKeys); }
 
   static bool Put(LiveSection& section, std::size_t first, std::vector<std::string_view> values) {
-    return section.Put(first, values);
+    for (std::size_t i = 0; i < values.size() && first + i < kKeys.size(); ++i) {
+      std::string line = kKeys[first + i] + "=";
+      line.append(values[i]);
+      EscapeIniTextFrom(kKeys[first + i].size() + 1, line);
+      section.Set(first + i, line + "\n");
+    }
+    return section.Put();
   }
 
   // The same text under the four keys, of a length that changes with it.
