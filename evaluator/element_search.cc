@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "evaluator/builtins.h"
+#include "tovalin/convert.h"
 
 namespace tovalin {
 namespace {
@@ -12,6 +13,14 @@ bool IsLetter(char16_t c) { return FoldCase(c) >= u'a' && FoldCase(c) <= u'z'; }
 // Word operators are searched with a blank on each side, so that a name that
 // contains their letters is not split.
 bool IsWord(TextView literal) { return IsLetter(literal.front()); }
+
+std::optional<std::int32_t> PriorityOf(const Campo& record) {
+  try {
+    return ToLong(record.Value());
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
 
 TokenKind SeparatorKind(char16_t c) {
   return c == u'(' ? TokenKind::Open : c == u')' ? TokenKind::Close : TokenKind::Comma;
@@ -24,29 +33,43 @@ const Builtin* BuiltinOf(TextView function_name) {
   return FindBuiltin(ToUpper(function_name));
 }
 
+Element OperatorElement(Campo& record) {
+  Element element{.kind = TokenKind::Operator};
+  const TextView literal = Trim(record.Name());
+  element.operator_code = CodeOf(literal);
+  element.is_word = !literal.empty() && IsWord(literal);
+  element.priority = PriorityOf(record);
+  element.record = &record;
+  return element;
+}
+
 void ElementSearch::Build(const Symbols& symbols) {
   elements_.clear();
   words_.clear();
+  word_lengths_ = 0;
   nodes_.assign(1, Node());
-  root_.fill(0);
+  first_.fill(0);
   for (std::size_t c = 0; c < kDirect; ++c) fold_[c] = FoldCase(static_cast<char16_t>(c));
-  for (const Ref<Campo>& record : symbols.operators->List().Items()) {
-    const TextView literal = Trim(record->Name());
-    if (literal.empty()) continue;
-    if (IsWord(literal)) {
-      words_.push_back(record.get());
-      Add(Text(u" ").append(literal).append(u" "),
-          {TokenKind::Operator, record.get(), nullptr, true});
-    } else {
-      Add(literal, {TokenKind::Operator, record.get()});
-    }
-  }
+  for (const Ref<Campo>& record : symbols.operators->List().Items())
+    AddOperator(OperatorElement(*record));
   for (TextView separators = u"(),"; !separators.empty(); separators.remove_prefix(1))
-    Add(separators.substr(0, 1), {SeparatorKind(separators[0])});
+    Add(separators.substr(0, 1), {.kind = SeparatorKind(separators[0])});
   for (const Ref<Campo>& record : symbols.functions->List().Items())
     if (const TextView name = Trim(record->Name()); !name.empty())
-      Add(name, {TokenKind::Function, record.get(), BuiltinOf(name)});
+      Add(name, {.kind = TokenKind::Function,
+                 .is_opener = name.ends_with(u'('),
+                 .record = record.get(),
+                 .builtin = BuiltinOf(name)});
   LinkSuffixes();
+}
+
+void ElementSearch::AddOperator(const Element& element) {
+  const TextView literal = Trim(element.record->Name());
+  if (literal.empty()) return;
+  if (!element.is_word) return Add(literal, element);
+  words_.push_back(element);
+  word_lengths_ |= LengthBit(element.record->Name());
+  Add(Text(u" ").append(literal).append(u" "), element);
 }
 
 // The first element of a spelling keeps it: operators win over functions.
@@ -60,15 +83,20 @@ void ElementSearch::Add(TextView pattern, Element element) {
       child = static_cast<std::uint32_t>(nodes_.size());
       nodes_.push_back({c, 0, 0, nodes_[node].first_child, 0, nodes_[node].depth + 1});
       nodes_[node].first_child = child;
-      if (node == 0 && c < kDirect) root_[c] = child;
+      if (node == 0) LeadTo(child, c);
     }
     node = child;
   }
   if (nodes_[node].element != 0) return;
-  if (element.kind == TokenKind::Operator) element.operator_code = CodeOf(Trim(pattern));
   element.length = static_cast<std::uint32_t>(pattern.size());
   elements_.push_back(element);
   nodes_[node].element = static_cast<std::uint16_t>(elements_.size());
+}
+
+// Every character that folds to `folded` begins with the node.
+void ElementSearch::LeadTo(std::uint32_t node, char16_t folded) {
+  for (std::size_t c = 0; c < kDirect; ++c)
+    if (fold_[c] == folded) first_[c] = node;
 }
 
 // Breadth first, so that a node's suffix is finished before the node is.
@@ -89,7 +117,7 @@ void ElementSearch::LinkSuffixes() {
 }
 
 std::uint32_t ElementSearch::Child(std::uint32_t node, char16_t c) const {
-  if (node == 0 && c < kDirect) return root_[c];
+  if (node == 0 && c < kDirect) return first_[c];
   std::uint32_t child = nodes_[node].first_child;
   while (child && nodes_[child].character != c) child = nodes_[child].next_sibling;
   return child;
@@ -103,33 +131,33 @@ std::uint32_t ElementSearch::Step(std::uint32_t node, char16_t c) const {
   }
 }
 
-std::optional<ElementSearch::Match> ElementSearch::Find(TextView text, std::size_t from) const {
-  const Element* best = nullptr;
-  std::size_t best_start = 0;
+ElementSearch::Match ElementSearch::Find(TextView text, std::size_t from) const {
+  Match best{nullptr, 0};
   std::uint32_t node = 0;
   for (std::size_t i = from; i < text.size(); ++i) {
     const char16_t c = text[i];
-    if (node == 0 && c < kDirect && root_[fold_[c]] == 0) continue;  // no element begins so
-    node = Step(node, c < kDirect ? fold_[c] : FoldCase(c));
+    if (node == 0 && c < kDirect)
+      node = first_[c];
+    else
+      node = Step(node, c < kDirect ? fold_[c] : FoldCase(c));
+    if (node == 0 && !best.element) continue;
     const Node& here = nodes_[node];
     // What is being matched now starts too late to beat what was found.
-    if (best && i + 1 - here.depth > best_start) break;
+    if (best.element && i + 1 - here.depth > best.start) break;
     if (here.element == 0) continue;
     const Element& element = elements_[here.element - 1u];
     const std::size_t start = i + 1 - element.length;
-    if (!best || start <= best_start) {
-      best = &element;
-      best_start = start;
-    }
+    if (!best.element || start <= best.start) best = {&element, start};
+    // No longer element has the same beginning.
+    if (here.first_child == 0 && element.length == here.depth) break;
   }
-  if (!best) return std::nullopt;
-  return Match{best_start,    best->length,        best->kind,   best->record,
-               best->builtin, best->operator_code, best->is_word};
+  return best;
 }
 
-Campo* ElementSearch::FindWord(TextView name) const {
-  for (Campo* word : words_)
-    if (EqualFolded(word->Name(), name)) return word;
+const Element* ElementSearch::FindWord(TextView name) const {
+  if ((word_lengths_ & LengthBit(name)) == 0) return nullptr;
+  for (const Element& word : words_)
+    if (EqualFolded(word.record->Name(), name)) return &word;
   return nullptr;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -13,6 +14,21 @@ namespace tovalin {
 /// The built-in function that a function's name ("MEDIO(") stands for, or null.
 const Builtin* BuiltinOf(TextView function_name);
 
+/// An element of the vocabulary, as tokens take it over.
+struct Element {
+  TokenKind kind;
+  OperatorCode operator_code = OperatorCode::Unknown;
+  bool is_word = false;    // found with a blank on each side, which its span holds
+  bool is_opener = false;  // of a function: it ends in a bracket
+  std::uint32_t length = 0;
+  std::optional<std::int32_t> priority = {};  // of an operator
+  Campo* record = nullptr;                    // null for a separator
+  const Builtin* builtin = nullptr;           // of a function that is built in
+};
+
+/// The element of an operator's record.
+Element OperatorElement(Campo& record);
+
 /// Finds the vocabulary elements of a text - operators, function openers and
 /// separators - in one pass, however many there are: the element that starts
 /// earliest, and of those the longest, without regard to case.
@@ -23,32 +39,19 @@ const Builtin* BuiltinOf(TextView function_name);
 class ElementSearch {
  public:
   struct Match {
+    const Element* element;  // null when there is none
     std::size_t start;
-    std::size_t length;
-    TokenKind kind;
-    Campo* record;           // null for a separator
-    const Builtin* builtin;  // of a function that is built in
-    OperatorCode operator_code;
-    bool is_word;  // found with a blank on each side, which its span holds
   };
 
   /// Reads the tables of `symbols`; the records stay theirs.
   void Build(const Symbols& symbols);
 
-  std::optional<Match> Find(TextView text, std::size_t from) const;
+  Match Find(TextView text, std::size_t from) const;
 
   /// The word operator of that name ("AND"), or null.
-  Campo* FindWord(TextView name) const;
+  const Element* FindWord(TextView name) const;
 
  private:
-  struct Element {
-    TokenKind kind;
-    Campo* record = nullptr;
-    const Builtin* builtin = nullptr;
-    bool is_word = false;
-    OperatorCode operator_code = OperatorCode::Unknown;
-    std::uint32_t length = 0;
-  };
   struct Node {
     char16_t character = 0;
     std::uint16_t element = 0;  // 1 + the index of the longest element that ends here
@@ -58,17 +61,24 @@ class ElementSearch {
     std::uint32_t depth = 0;
   };
 
+  void AddOperator(const Element& element);
   void Add(TextView pattern, Element element);
+  void LeadTo(std::uint32_t node, char16_t folded);
   void LinkSuffixes();
   std::uint32_t Child(std::uint32_t node, char16_t c) const;
   std::uint32_t Step(std::uint32_t node, char16_t c) const;
 
-  static constexpr std::size_t kDirect = 256;  // characters with a place in root_
+  static constexpr std::size_t kDirect = 256;  // characters with a place in first_
+  static constexpr std::size_t kLongest = 63;  // words longer than that count as so long
+  static std::uint64_t LengthBit(TextView word) {
+    return std::uint64_t{1} << std::min(word.size(), kLongest);
+  }
 
   std::vector<Element> elements_;
   std::vector<Node> nodes_;
-  std::vector<Campo*> words_;
-  std::array<std::uint32_t, kDirect> root_{};
+  std::vector<Element> words_;
+  std::uint64_t word_lengths_ = 0;              // a bit for each length that a word has
+  std::array<std::uint32_t, kDirect> first_{};  // the node that a character leads to at first
   std::array<char16_t, kDirect> fold_{};
 };
 

@@ -25,7 +25,7 @@ int BracketBalance(const TokenList& list, const Token& token) {
     case TokenKind::Close:
       return -1;
     case TokenKind::Function:
-      return !token.record || Trim(token.record->Name()).ends_with(u'(') ? 1 : 0;
+      return token.is_opener ? 1 : 0;
     case TokenKind::Name: {
       const TextView span = list.Span(token);
       return span.ends_with(u'(') ? 1 : span.ends_with(u')') ? -1 : 0;

@@ -36,15 +36,6 @@ bool BindConstant(HeldValue& held) {
   return !same;
 }
 
-std::optional<std::int32_t> Priority(const Campo& record) {
-  if (record.Value().Is(Subtype::Integer)) return record.Value().AsInteger();
-  try {
-    return ToLong(record.Value());
-  } catch (const Error&) {
-    return std::nullopt;
-  }
-}
-
 void SetFunction(Item& item, Campo& record, const Builtin* builtin) {
   item.record = &record;
   item.kind = builtin ? ItemKind::Builtin : ItemKind::HostFunction;
@@ -103,7 +94,7 @@ class Converter {
         TakeOperator(token);
         break;
       case TokenKind::Function:
-        if (IsOpener(token))
+        if (token.is_opener)
           Wait(token);
         else
           Append(token);
@@ -124,10 +115,8 @@ class Converter {
   }
 
   void TakeOperator(Token& token) {
-    const auto priority = Priority(*token.record);
-    while (priority && waiting_ && !IsBracket(*waiting_)) {
-      const auto top = Priority(*waiting_->record);
-      if (!top || *top < *priority) break;
+    while (token.priority && waiting_ && !IsBracket(*waiting_)) {
+      if (!waiting_->priority || *waiting_->priority < *token.priority) break;
       Release();
     }
     Wait(token);
@@ -141,10 +130,6 @@ class Converter {
     while (waiting_ != bracket) Release();
   }
 
-  static bool IsOpener(const Token& token) {
-    if (!token.record) return true;
-    return Trim(token.record->Name()).ends_with(u'(');
-  }
   static bool IsBracket(const Token& token) { return token.kind != TokenKind::Operator; }
 
   void Wait(Token& token) { token.below = std::exchange(waiting_, &token); }

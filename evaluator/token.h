@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "evaluator/operators.h"
@@ -30,10 +31,12 @@ struct Token {
   TokenKind kind = TokenKind::Name;
   OperatorCode operator_code = OperatorCode::Unknown;
   Scope scope = Scope::None;  // of a Name, once it was looked up
+  bool is_opener = false;     // of a Function: it ends in a bracket
   std::uint32_t start = 0;
   std::uint32_t length = 0;
-  Campo* record = nullptr;           // valid while the tables do not change
-  const Builtin* builtin = nullptr;  // of a Function that is built in
+  std::optional<std::int32_t> priority;  // of an Operator, if its row has one
+  Campo* record = nullptr;               // valid while the tables do not change
+  const Builtin* builtin = nullptr;      // of a Function that is built in
   double number = 0;
   Token* below = nullptr;  // the one that waits below it, when it waits for its place
 };

@@ -10,6 +10,15 @@ namespace {
 
 constexpr char16_t kQuote = u'"';
 
+void TakeElement(Token& token, const Element& element) {
+  token.kind = element.kind;
+  token.operator_code = element.operator_code;
+  token.is_opener = element.is_opener;
+  token.priority = element.priority;
+  token.record = element.record;
+  token.builtin = element.builtin;
+}
+
 class Tokenizer {
  public:
   Tokenizer(TokenList& list, const ElementSearch& elements, TextView delimiter)
@@ -34,14 +43,12 @@ class Tokenizer {
     while (position_ < end_ && text_[position_] == u' ') ++position_;
   }
 
-  void Add(TokenKind kind, std::size_t start, std::size_t end, Campo* record = nullptr,
-           const Builtin* builtin = nullptr) {
+  Token& Add(TokenKind kind, std::size_t start, std::size_t end) {
     Token& token = list_.tokens.emplace_back();
     token.kind = kind;
     token.start = static_cast<std::uint32_t>(start);
     token.length = static_cast<std::uint32_t>(end - start);
-    token.record = record;
-    token.builtin = builtin;
+    return token;
   }
 
   bool QuotedLiteral() {
@@ -75,17 +82,16 @@ class Tokenizer {
   void OperandAndElement() {
     // A word operator may begin with the blank that was skipped last.
     const bool blank_before = position_ > 0 && text_[position_ - 1] == u' ';
-    const auto match = elements_.Find(text_, blank_before ? position_ - 1 : position_);
-    if (!match) {
+    const auto [element, start] = elements_.Find(text_, blank_before ? position_ - 1 : position_);
+    if (!element) {
       AddOperand(position_, end_);
       position_ = end_;
       return;
     }
-    if (match->start > position_) AddOperand(position_, match->start);
-    const std::size_t blank = match->is_word ? 1 : 0;
-    const std::size_t end = match->start + match->length - blank;
-    Add(match->kind, match->start + blank, end, match->record, match->builtin);
-    list_.tokens.back().operator_code = match->operator_code;
+    if (start > position_) AddOperand(position_, start);
+    const std::size_t blank = element->is_word ? 1 : 0;
+    const std::size_t end = start + element->length - blank;
+    TakeElement(Add(element->kind, start + blank, end), *element);
     position_ = end;  // the blank behind a word may stand before the next one
   }
 
@@ -93,14 +99,12 @@ class Tokenizer {
     const auto [first, last] = Trimmed(start, end);
     if (first == last) return;
     const TextView operand = text_.substr(first, last - first);
+    Token& token = Add(TokenKind::Name, first, last);
     if (const std::optional<double> number = NumberToken(operand)) {
-      Add(TokenKind::Number, first, last);
-      list_.tokens.back().number = *number;
-    } else if (Campo* word = elements_.FindWord(operand)) {
-      Add(TokenKind::Operator, first, last, word);
-      list_.tokens.back().operator_code = CodeOf(Trim(word->Name()));
-    } else {
-      Add(TokenKind::Name, first, last);
+      token.kind = TokenKind::Number;
+      token.number = *number;
+    } else if (const Element* word = elements_.FindWord(operand)) {
+      TakeElement(token, *word);
     }
   }
 
@@ -132,20 +136,17 @@ void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elemen
   token.start = static_cast<std::uint32_t>(list.text.size());
   token.length = static_cast<std::uint32_t>(text.size());
   list.text.append(text).push_back(u' ');
-  const auto match = elements.Find(word, 0);
+  const Element* element = elements.Find(word, 0).element;
   if (const std::optional<double> number = NumberToken(word)) {
     token.kind = TokenKind::Number;
     token.number = *number;
   } else if (Campo* record = symbols.operators->Find(word)) {
-    token.kind = TokenKind::Operator;
-    token.record = record;
-    token.operator_code = CodeOf(Trim(record->Name()));
-  } else if (match && match->length == word.size() && !word.empty()) {
-    token.kind = match->kind;
-    token.record = match->record;
-    token.builtin = match->builtin;
+    TakeElement(token, OperatorElement(*record));
+  } else if (element && element->length == word.size() && !word.empty()) {
+    TakeElement(token, *element);
   } else if (word.size() > 1 && word.back() == u'(') {
     token.kind = TokenKind::Function;
+    token.is_opener = true;
   } else if (text.size() > 1 && text.front() == kQuote && text.back() == kQuote) {
     token.kind = TokenKind::Literal;
     token.start += 1;

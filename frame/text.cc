@@ -56,6 +56,26 @@ void AppendCodePoint(std::string& utf8, char32_t code_point) {
   while (extra-- > 0) utf8.push_back(static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F)));
 }
 
+// Plain ASCII, as nearly all formulas are: a short text by its characters, a long one
+// told and narrowed many characters at a time.
+bool AppendAscii(std::string& utf8, TextView text) {
+  char narrow[32];
+  if (text.size() <= std::size(narrow)) {
+    std::size_t size = 0;
+    for (; size < text.size() && text[size] < 0x80; ++size)
+      narrow[size] = static_cast<char>(text[size]);
+    if (size == text.size()) utf8.append(narrow, size);
+    return size == text.size();
+  }
+  char16_t bits = 0;
+  for (char16_t c : text) bits |= c;
+  if (bits >= 0x80) return false;
+  const std::size_t before = utf8.size();
+  utf8.resize(before + text.size());
+  std::copy(text.begin(), text.end(), utf8.begin() + static_cast<std::ptrdiff_t>(before));
+  return true;
+}
+
 // Folding of the first 256 characters, where nearly all names live.
 constexpr auto kLatin1Fold = [] {
   std::array<char16_t, 256> fold{};
@@ -114,16 +134,7 @@ std::string ToUtf8(TextView text) {
 }
 
 void AppendUtf8(std::string& utf8, TextView text) {
-  // Plain ASCII, as nearly all formulas are, is told and narrowed many characters
-  // at a time.
-  char16_t bits = 0;
-  for (char16_t c : text) bits |= c;
-  if (bits < 0x80) {
-    const std::size_t before = utf8.size();
-    utf8.resize(before + text.size());
-    std::copy(text.begin(), text.end(), utf8.begin() + static_cast<std::ptrdiff_t>(before));
-    return;
-  }
+  if (AppendAscii(utf8, text)) return;
   utf8.reserve(utf8.size() + text.size() + text.size() / 8);
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
