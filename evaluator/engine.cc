@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "frame/clock.h"
 #include "tovalin/convert.h"
@@ -163,9 +164,9 @@ Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
 
 std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
   if (!plan.numeric) return std::nullopt;
-  const std::optional<double> number = plan.numeric.Run();
-  if (!number) return std::nullopt;
-  return Outcome{plan.numeric.ResultOf(*number), plan.numeric.left};
+  const double number = plan.numeric.Run();
+  if (std::isnan(number)) return std::nullopt;
+  return Outcome{plan.numeric.ResultOf(number), plan.numeric.left};
 }
 
 Engine::Outcome Engine::Compute(Plan& plan, const Ref<Campos>& locals) {

@@ -1,5 +1,7 @@
 #include "tovalin/formula.h"
 
+#include <cmath>
+
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
 #include "tovalin/dispatch.h"
@@ -28,17 +30,11 @@ Formula::Formula(std::unique_ptr<Core> core) : core_(std::move(core)) {}
 Formula::~Formula() = default;
 const ClassInfo& Formula::Class() const { return kClass; }
 
-Evaluador::Core& Formula::Core::Host() const {
-  if (!link_->core) RaiseOwn(u"Formula", u"El Evaluador de la fórmula ya no existe");
-  return *link_->core;
+void Formula::Core::RaiseGone() {
+  RaiseOwn(u"Formula", u"El Evaluador de la fórmula ya no existe");
 }
 
-const Ref<Plan>& Formula::Core::Current() {
-  Evaluador::Core& host = Host();
-  if (!plan_ || plan_->stamp != StampNames(host.symbols, locals_.get()))
-    plan_ = host.engine.PrepareApart(text_, locals_);
-  return plan_;
-}
+void Formula::Core::PrepareAgain() { plan_ = Host().engine.PrepareApart(text_, locals_); }
 
 Engine::Outcome Formula::Core::Evaluate() {
   Host().engine.Reports().clear();
@@ -79,11 +75,12 @@ Ref<Collection> Formula::Errores() const {
 
 bool Formula::Evaluar(Variant& Result) {
   // Nothing but the number moves on this road.
-  const Plan& plan = *core_->Current();
-  if (const auto number = plan.numeric ? plan.numeric.Run() : std::nullopt) {
-    core_->Host().engine.Reports().clear();
-    Result.Assign(plan.numeric.ResultOf(*number));
-    return true;
+  if (const NumericProgram& numeric = core_->Current()->numeric) {
+    if (const double number = numeric.Run(); !std::isnan(number)) {
+      core_->Host().engine.Reports().clear();
+      Result.Assign(numeric.ResultOf(number));
+      return true;
+    }
   }
   Result.Assign(core_->Walk().value);
   return true;

@@ -9,20 +9,29 @@ class Formula::Core {
  public:
   Core(std::shared_ptr<const EvaluatorLink> link, Text text, Ref<Campos> locals)
       : link_(std::move(link)), text_(std::move(text)), locals_(std::move(locals)) {
-    Current();
+    PrepareAgain();
   }
 
   const Text& FormulaText() const { return text_; }
   const Ref<Campos>& Locals() const { return locals_; }
   /// The evaluator's core. Raises when it is gone.
-  Evaluador::Core& Host() const;
+  Evaluador::Core& Host() const {
+    if (!link_->core) RaiseGone();
+    return *link_->core;
+  }
   /// The plan as the tables are now.
-  const Ref<Plan>& Current();
+  const Ref<Plan>& Current() {
+    if (plan_->stamp != StampNames(Host().symbols, locals_.get())) PrepareAgain();
+    return plan_;
+  }
   Engine::Outcome Evaluate();
   /// The same for a plan whose numeric program gave up or is none.
   Engine::Outcome Walk();
 
  private:
+  [[noreturn]] static void RaiseGone();
+  void PrepareAgain();
+
   std::shared_ptr<const EvaluatorLink> link_;
   Text text_;
   Ref<Campos> locals_;

@@ -34,16 +34,11 @@ template <class Term>
   return sums[0] == 0;
 }
 
-// x - x is 0 for a finite number and no number for any other. A sum, difference
-// or product of what is not finite is not finite either, so that only the end of a
-// run, and steps that might hide it, have to ask.
+// x - x is 0 for a finite number and no number for any other. A sum, difference,
+// product or quotient of what is not finite is not finite either, so that only the
+// end of a run, and steps that might hide it, have to ask.
 TOVALIN_WIDE bool AreFinite(const double* values, std::size_t count) {
   return AllZero(values, count, [](double value) { return value - value; });
-}
-
-TOVALIN_WIDE bool AreDivisors(const double* values, std::size_t count) {
-  return AllZero(values, count,
-                 [](double value) { return value - value + (value == 0 ? 1.0 : 0.0); });
 }
 
 // Either side may be one number for all rows: its values are null then.
@@ -168,8 +163,6 @@ void NumericColumns::TakeOperation(NumericCode code) {
   } else if (made.left.IsNumber() && made.right.IsNumber()) {
     stack_.push_back({.number = Folded(code, made.left, made.right)});
     return;
-  } else if (code == NumericCode::Divide && made.right.IsNumber()) {
-    is_ready_ &= made.right.number != 0 && arithmetic::IsFinite(made.right.number);
   }
   made.target = &slots_[stack_.size()];
   stack_.push_back({.block = made.target});
@@ -184,9 +177,9 @@ double NumericColumns::Folded(NumericCode code, const Operand& left, const Opera
     program.steps.push_back({code, NumericOperand::None, {}});
   else
     program.steps.push_back({code, NumericOperand::Number, {right.number}});
-  const std::optional<double> number = program.Run();
-  if (!number) is_ready_ = false;
-  return number.value_or(0);
+  const double number = program.Run();
+  if (std::isnan(number)) is_ready_ = false;
+  return number;
 }
 
 NumericColumns::Operand NumericColumns::Spread(const Operand& operand) {
@@ -217,10 +210,10 @@ bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t co
                              double* target) {
   const double* left = step.left.IsNumber() ? nullptr : step.left.Values(first);
   const double* right = step.right.IsNumber() ? nullptr : step.right.Values(first);
-  if (step.code == NumericCode::Divide && right && !AreDivisors(right, count)) return false;
-  if (MayHide(step.code) &&
-      ((left && !AreFinite(left, count)) || (right && !AreFinite(right, count))))
-    return false;
+  const bool hides_left = MayHide(step.code);
+  const bool hides_right = hides_left || step.code == NumericCode::Divide;
+  if (hides_left && left && !AreFinite(left, count)) return false;
+  if (hides_right && right && !AreFinite(right, count)) return false;
   if (step.code == NumericCode::Choose)
     Choose(target, step.condition.Values(first), left, right, count);
   else

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
 
 #include "evaluator/plan.h"
 #include "frame/arithmetic.h"
@@ -171,16 +172,30 @@ bool IsDefinedPower(double base, double exponent) {
          (base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent)));
 }
 
-// A result that may be finite although an operand is not.
+// The values of a run: the top one stands apart, for speed.
+struct Stack {
+  double top = 0;
+  double* below;      // behind the one under the top
+  double hidden = 0;  // no number once a step has hidden one that is not finite
+};
+
+// A step whose result may be finite although an operand is not. x - x is 0 for a
+// finite number and no number for any other.
 template <class Operation>
-bool Hiding(double& top, double right, Operation operation) {
-  if (!AreFinite(top, right)) return false;
-  top = operation(top, right);
+[[gnu::always_inline]] inline bool Hiding(Stack& stack, double right, Operation operation) {
+  stack.hidden += (stack.top - stack.top) + (right - right);
+  stack.top = operation(stack.top, right);
   return true;
 }
 
+template <class Comparison>
+[[gnu::always_inline]] inline bool Compare(Stack& stack, double right, Comparison comparison) {
+  return Hiding(stack, right, [=](double a, double b) { return comparison(a, b) ? 1.0 : 0.0; });
+}
+
+// What is divided by zero is not finite.
 bool Divide(double& top, double right) {
-  if (right == 0 || !arithmetic::IsFinite(right)) return false;
+  if (!arithmetic::IsFinite(right)) return false;
   top /= right;
   return true;
 }
@@ -191,10 +206,15 @@ bool Power(double& top, double right) {
   return true;
 }
 
-// Puts the result of `top` and `right` into `top`. False when the run has to be
-// given up.
-[[gnu::always_inline]] inline bool Combine(NumericCode code, double& top, double right) {
+// Puts the result of a step whose last operand is `right` on top. False when the run
+// has to be given up.
+[[gnu::always_inline]] inline bool Apply(NumericCode code, double right, Stack& stack) {
+  double& top = stack.top;
   switch (code) {
+    case NumericCode::Load:
+      *stack.below++ = top;
+      top = right;
+      return true;
     case NumericCode::Add:
       top += right;
       return true;
@@ -213,32 +233,34 @@ bool Power(double& top, double right) {
       top = top * right * -1;
       return true;
     case NumericCode::Less:
-      return Hiding(top, right, std::less());
+      return Compare(stack, right, std::less());
     case NumericCode::LessOrEqual:
-      return Hiding(top, right, std::less_equal());
+      return Compare(stack, right, std::less_equal());
     case NumericCode::Greater:
-      return Hiding(top, right, std::greater());
+      return Compare(stack, right, std::greater());
     case NumericCode::GreaterOrEqual:
-      return Hiding(top, right, std::greater_equal());
+      return Compare(stack, right, std::greater_equal());
     case NumericCode::Equal:
-      return Hiding(top, right,
-                    [](double a, double b) { return a == b || comparison::EqualNumbers(a, b); });
+      return Compare(stack, right,
+                     [](double a, double b) { return a == b || comparison::EqualNumbers(a, b); });
     case NumericCode::Different:
-      return Hiding(top, right, std::not_equal_to());
+      return Compare(stack, right, std::not_equal_to());
     case NumericCode::Min:
-      return Hiding(top, right, [](double a, double b) { return a < b ? a : b; });
+      return Hiding(stack, right, [](double a, double b) { return a < b ? a : b; });
     case NumericCode::Or:
     case NumericCode::Max:
-      return Hiding(top, right, [](double a, double b) { return a > b ? a : b; });
+      return Hiding(stack, right, [](double a, double b) { return a > b ? a : b; });
     case NumericCode::Negate:
       top *= -1;
       return true;
     case NumericCode::Abs:
       top = std::fabs(top);
       return true;
-    default:
-      return false;
+    case NumericCode::Choose:
+      --stack.below;
+      return Hiding(stack, right, [&](double a, double b) { return *stack.below != 0 ? a : b; });
   }
+  return false;
 }
 
 }  // namespace
@@ -247,38 +269,29 @@ void MakeNumericProgram(Plan& plan) {
   if (!ProgramMaker(plan).Make()) plan.numeric.steps.clear();
 }
 
-// The top of the stack stays in `top`, for speed, and what is under it in `stack`. A
-// sum, difference or product of what is not finite is not finite either, so that
-// only the end, and steps that might hide it, have to ask.
-std::optional<double> NumericProgram::Run() const {
-  std::array<double, kDeepest + 1> stack;
-  double* below = stack.data();  // behind the value under the top
-  double top = 0;
+// A sum, difference, product or quotient of what is not finite is not finite either,
+// so that only the end, and steps that might hide it, have to ask.
+double NumericProgram::Run() const {
+  constexpr double kGivenUp = std::numeric_limits<double>::quiet_NaN();
+  std::array<double, kDeepest + 1> values;
+  Stack stack{.below = values.data()};
   for (const NumericStep& step : steps) {
-    double right = top;
+    double right = stack.top;
     if (step.operand == NumericOperand::Source) {
       const double* number = step.source->IfDouble();
-      if (!number) return std::nullopt;
+      if (!number) return kGivenUp;
       right = *number;
     } else if (step.operand == NumericOperand::Number) {
       right = step.number;
     } else if (OperandsOf(step.code) > 1) {
-      top = *--below;
+      stack.top = *--stack.below;
     }
-    if (step.code == NumericCode::Load) {
-      *below++ = top;
-      top = right;
-    } else if (step.code == NumericCode::Choose) {
-      if (!AreFinite(top, right)) return std::nullopt;
-      top = *--below != 0 ? top : right;
-    } else if (!Combine(step.code, top, right)) {
-      return std::nullopt;
-    }
+    if (!Apply(step.code, right, stack)) return kGivenUp;
   }
-  if (!arithmetic::IsFinite(top)) return std::nullopt;
-  for (const double* value = stack.data() + 1; value < below; ++value)
-    if (!arithmetic::IsFinite(*value)) return std::nullopt;
-  return left == 1 ? top : stack[1];
+  if (stack.hidden != 0 || !arithmetic::IsFinite(stack.top)) return kGivenUp;
+  for (const double* value = values.data() + 1; value < stack.below; ++value)
+    if (!arithmetic::IsFinite(*value)) return kGivenUp;
+  return left == 1 ? stack.top : values[1];
 }
 
 }  // namespace tovalin

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "tovalin/variant.h"
@@ -63,8 +62,9 @@ struct NumericProgram {
   bool gives_boolean = false;
 
   explicit operator bool() const { return !steps.empty(); }
-  /// Nothing when the run has to be given up.
-  std::optional<double> Run() const;
+  /// The value, which is finite, or no number (NaN) when the run has to be given up:
+  /// in a register, unlike an optional, which takes an eighth of a run's time.
+  double Run() const;
   Variant ResultOf(double number) const {
     return gives_boolean ? Variant(number != 0) : Variant(number);
   }

@@ -135,9 +135,7 @@ class TOVALIN_API Variant {
   float AsSingle() const { return Checked(Subtype::Single).single_; }
   double AsDouble() const { return Checked(Subtype::Double).double_; }
   /// The number of a Double that is no by-reference value, else null.
-  const double* IfDouble() const {
-    return subtype_ == Subtype::Double && !by_reference_ ? &double_ : nullptr;
-  }
+  const double* IfDouble() const { return subtype_ == Subtype::Double ? &double_ : nullptr; }
   Currency AsCurrency() const { return Checked(Subtype::Currency).currency_; }
   Date AsDate() const { return Checked(Subtype::Date).date_; }
   const Text& AsText() const { return Checked(Subtype::String).text_->value; }
