@@ -30,6 +30,10 @@ class Evaluador::Core {
   /// The plan of what a host wants evaluated: a formula text, or a postfix
   /// Collection, whose items are looked up as they are.
   Engine::Prepared Prepare(const Variant& expression, const Ref<Campos>& locals);
+  /// Evaluates a plan of numbers alone, with its trace. False, and nothing done, when
+  /// it has to be walked. `expression` is what the trace shows when that is not the
+  /// plan's text, or null.
+  bool RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result);
   /// The tokens of a formula text of a host.
   TokenList FormulaTokens(const Text& formula);
 };

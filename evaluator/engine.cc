@@ -162,6 +162,8 @@ Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
   return plans_.Make(replaced, locals);
 }
 
+void Engine::DropReports() { reports_.clear(); }
+
 std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
   if (!plan.numeric) return std::nullopt;
   const double number = plan.numeric.Run();

@@ -45,6 +45,8 @@ class Engine {
   struct Prepared {
     Ref<Plan> plan;
     std::optional<Text> expression;
+
+    const Text* Expression() const { return expression ? &*expression : nullptr; }
   };
 
   /// One evaluation as the host sees it. Within the outermost one each formula
@@ -100,11 +102,15 @@ class Engine {
   Text ReplaceReferences(const Text& formula, const Campos* locals) const;
 
   std::vector<FaultReport>& Reports() { return reports_; }
+  void ForgetReports() {
+    if (!reports_.empty()) DropReports();
+  }
   void UseClock(std::function<Date()> clock) { clock_ = std::move(clock); }
 
  private:
   struct Level;
 
+  void DropReports();
   Outcome Compute(Plan& plan, const Ref<Campos>& locals);
   Outcome Walk(Plan& plan, const Ref<Campos>& locals);
   void Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack);

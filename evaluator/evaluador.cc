@@ -1,5 +1,7 @@
 #include "tovalin/evaluador.h"
 
+#include <cmath>
+
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
 #include "evaluator/infix_check.h"
@@ -106,32 +108,44 @@ void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
   core_->plans.LetCapacity(static_cast<std::size_t>(NewValue));
 }
 
-// A plan of numbers runs no code of the host: its trace can wait for the result,
-// which is assigned last, since what it replaces may be an object of the host.
 bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 Ref<Campos>* LocalVbles) {
   const Ref<Campos> locals = LocalsOf(LocalVbles);
+  // A text that came before: the way of most evaluations counts no references.
+  const Ref<Plan>* recent = vExpresion.Is(Subtype::String)
+                                ? core_->engine.Recent(vExpresion.AsSharedText(), locals.get())
+                                : nullptr;
+  if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
   const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
-  if (std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan)) {
-    core_->trace.End(prepared, numeric->value, numeric->left);
-    Result.Assign(std::move(numeric->value));
-    return true;
-  }
-  core_->trace.Begin(prepared);
+  if (!recent && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
+  core_->trace.Begin(prepared.plan, prepared.Expression());
   Engine::Calculation calculation(core_->engine, locals);
   Engine::Outcome outcome = calculation.Walk(prepared.plan);
   Result.Assign(std::move(outcome.value));
-  core_->trace.End(prepared, Result.Value(), outcome.left);
+  core_->trace.End(prepared.plan, prepared.Expression(), Result.Value(), outcome.left);
+  return true;
+}
+
+// A plan of numbers runs no code of the host: its trace can wait for the result,
+// which is assigned last, since what it replaces may be an object of the host.
+bool Evaluador::Core::RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result) {
+  const NumericProgram& numeric = plan->numeric;
+  const double number = numeric ? numeric.Run() : NumericProgram::kGivenUp;
+  if (std::isnan(number)) return false;
+  engine.ForgetReports();
+  const Variant value = numeric.ResultOf(number);
+  trace.End(plan, expression, value, numeric.left);
+  result.Assign(value);
   return true;
 }
 
 Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<Campos>& locals) {
   if (expression.Is(Subtype::String)) {
-    engine.Reports().clear();
+    engine.ForgetReports();
     return engine.Prepare(expression.AsSharedText(), locals);
   }
   if (!expression.Is(Subtype::Object)) {
-    engine.Reports().clear();
+    engine.ForgetReports();
     return engine.Prepare(ToText(expression), locals);
   }
   if (!expression.AsObject()) Raise(Failure::ObjectNotSet);
@@ -153,10 +167,11 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
     outcomes[i] = {};
     try {
       const Engine::Prepared prepared = core_->engine.Prepare(formulas[i], nullptr);
+      const Text* expression = prepared.Expression();
       std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
-      if (!numeric) core_->trace.Begin(prepared);
+      if (!numeric) core_->trace.Begin(prepared.plan, expression);
       Engine::Outcome outcome = numeric ? std::move(*numeric) : calculation.Walk(prepared.plan);
-      core_->trace.End(prepared, outcome.value, outcome.left);
+      core_->trace.End(prepared.plan, expression, outcome.value, outcome.left);
       outcomes[i].value = std::move(outcome.value);
     } catch (const Error& error) {
       outcomes[i].error = error;

@@ -37,17 +37,22 @@ void Formula::Core::RaiseGone() {
 void Formula::Core::PrepareAgain() { plan_ = Host().engine.PrepareApart(text_, locals_); }
 
 Engine::Outcome Formula::Core::Evaluate() {
-  Host().engine.Reports().clear();
+  Host().engine.ForgetReports();
   std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*Current());
   return numeric ? std::move(*numeric) : Walk();
 }
 
 Engine::Outcome Formula::Core::Walk() {
   Evaluador::Core& host = Host();
-  host.engine.Reports().clear();
+  host.engine.ForgetReports();
   const Ref<Plan> plan = Current();
   if (!plan->faults.empty()) host.engine.Reports().push_back({text_, plan->text, plan->faults});
   return Engine::Calculation(host.engine, locals_).Walk(plan);
+}
+
+bool Formula::Core::WalkInto(Variant& result) {
+  result.Assign(Walk().value);
+  return true;
 }
 
 Text Formula::Texto() const { return core_->FormulaText(); }
@@ -73,16 +78,13 @@ Ref<Collection> Formula::Errores() const {
   return records;
 }
 
+// Nothing but the number moves on the road of most formulas.
 bool Formula::Evaluar(Variant& Result) {
-  // Nothing but the number moves on this road.
-  if (const NumericProgram& numeric = core_->Current()->numeric) {
-    if (const double number = numeric.Run(); !std::isnan(number)) {
-      core_->Host().engine.Reports().clear();
-      Result.Assign(numeric.ResultOf(number));
-      return true;
-    }
-  }
-  Result.Assign(core_->Walk().value);
+  const NumericProgram& numeric = core_->Current()->numeric;
+  const double number = numeric ? numeric.Run() : NumericProgram::kGivenUp;
+  if (std::isnan(number)) return core_->WalkInto(Result);
+  core_->Host().engine.ForgetReports();
+  Result.Assign(numeric.ResultOf(number));
   return true;
 }
 

@@ -172,11 +172,8 @@ void NumericColumns::TakeOperation(NumericCode code) {
 double NumericColumns::Folded(NumericCode code, const Operand& left, const Operand& right) {
   NumericProgram program;
   program.left = 1;
-  program.steps.push_back({NumericCode::Load, NumericOperand::Number, {left.number}});
-  if (OperandsOf(code) == 1)
-    program.steps.push_back({code, NumericOperand::None, {}});
-  else
-    program.steps.push_back({code, NumericOperand::Number, {right.number}});
+  program.steps.push_back(MakeStep(NumericCode::Load, left.number));
+  program.steps.push_back(OperandsOf(code) == 1 ? MakeStep(code) : MakeStep(code, right.number));
   const double number = program.Run();
   if (std::isnan(number)) is_ready_ = false;
   return number;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
+#include <utility>
 
 #include "evaluator/plan.h"
 #include "frame/arithmetic.h"
@@ -89,10 +89,8 @@ class ProgramMaker {
 
   bool Take(const Item& item) {
     switch (item.kind) {
-      case ItemKind::Number: {
-        NumericStep step{NumericCode::Load, NumericOperand::Number, {item.number}};
-        return TakeOperand(step);
-      }
+      case ItemKind::Number:
+        return TakeOperand(MakeStep(NumericCode::Load, item.number));
       case ItemKind::Variable:
         return !item.record->HasFormula() && TakeSource(item.record->Value());
       case ItemKind::Constant:
@@ -107,9 +105,7 @@ class ProgramMaker {
   }
 
   bool TakeSource(const Variant& source) {
-    NumericStep step{NumericCode::Load, NumericOperand::Source, {}};
-    step.source = &source;
-    return TakeOperand(step);
+    return TakeOperand(MakeStep(NumericCode::Load, source));
   }
 
   bool TakeOperand(const NumericStep& step) {
@@ -149,10 +145,12 @@ class ProgramMaker {
   // What was loaded last is the last operand: the step brings it along.
   bool Emit(NumericCode code, SlotType gives) {
     NumericStep& last = program_.steps.back();
-    if (OperandsOf(code) > 1 && last.code == NumericCode::Load)
+    if (OperandsOf(code) > 1 && last.code == NumericCode::Load) {
       last.code = code;
-    else
-      program_.steps.push_back({code, NumericOperand::None, {}});
+      last.handler = HandlerOf(code, last.operand);
+    } else {
+      program_.steps.push_back(MakeStep(code));
+    }
     return Push(gives);
   }
 
@@ -163,105 +161,77 @@ class ProgramMaker {
   std::uint16_t deepest_ = 0;
 };
 
-bool AreFinite(double left, double right) {
-  return arithmetic::IsFinite(left) && arithmetic::IsFinite(right);
-}
-
 bool IsDefinedPower(double base, double exponent) {
-  return AreFinite(base, exponent) &&
-         (base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent)));
+  if (!arithmetic::IsFinite(base) || !arithmetic::IsFinite(exponent)) return false;
+  return base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent));
 }
 
-// The values of a run: the top one stands apart, for speed.
-struct Stack {
-  double top = 0;
-  double* below;      // behind the one under the top
-  double hidden = 0;  // no number once a step has hidden one that is not finite
-};
-
-// A step whose result may be finite although an operand is not. x - x is 0 for a
-// finite number and no number for any other.
-template <class Operation>
-[[gnu::always_inline]] inline bool Hiding(Stack& stack, double right, Operation operation) {
-  stack.hidden += (stack.top - stack.top) + (right - right);
-  stack.top = operation(stack.top, right);
-  return true;
+// A result that may be finite although an operand is not: no number then. x - x is 0
+// for a finite number and no number for any other, and 0 taken away changes nothing,
+// not even the sign of a zero.
+double Unhidden(double result, double a, double b = 0, double c = 0) {
+  return result - ((a - a) + (b - b) + (c - c));
 }
 
-template <class Comparison>
-[[gnu::always_inline]] inline bool Compare(Stack& stack, double right, Comparison comparison) {
-  return Hiding(stack, right, [=](double a, double b) { return comparison(a, b) ? 1.0 : 0.0; });
-}
-
-// What is divided by zero is not finite.
-bool Divide(double& top, double right) {
-  if (!arithmetic::IsFinite(right)) return false;
-  top /= right;
-  return true;
-}
-
-bool Power(double& top, double right) {
-  if (!IsDefinedPower(top, right)) return false;
-  top = std::pow(top, right);
-  return true;
-}
-
-// Puts the result of a step whose last operand is `right` on top. False when the run
-// has to be given up.
-[[gnu::always_inline]] inline bool Apply(NumericCode code, double right, Stack& stack) {
-  double& top = stack.top;
-  switch (code) {
-    case NumericCode::Load:
-      *stack.below++ = top;
-      top = right;
-      return true;
-    case NumericCode::Add:
-      top += right;
-      return true;
-    case NumericCode::Subtract:
-      top -= right;
-      return true;
-    case NumericCode::Multiply:
-    case NumericCode::And:
-      top *= right;
-      return true;
-    case NumericCode::Divide:
-      return Divide(top, right);
-    case NumericCode::Power:
-      return Power(top, right);
-    case NumericCode::TimesNegated:
-      top = top * right * -1;
-      return true;
-    case NumericCode::Less:
-      return Compare(stack, right, std::less());
-    case NumericCode::LessOrEqual:
-      return Compare(stack, right, std::less_equal());
-    case NumericCode::Greater:
-      return Compare(stack, right, std::greater());
-    case NumericCode::GreaterOrEqual:
-      return Compare(stack, right, std::greater_equal());
-    case NumericCode::Equal:
-      return Compare(stack, right,
-                     [](double a, double b) { return a == b || comparison::EqualNumbers(a, b); });
-    case NumericCode::Different:
-      return Compare(stack, right, std::not_equal_to());
-    case NumericCode::Min:
-      return Hiding(stack, right, [](double a, double b) { return a < b ? a : b; });
-    case NumericCode::Or:
-    case NumericCode::Max:
-      return Hiding(stack, right, [](double a, double b) { return a > b ? a : b; });
-    case NumericCode::Negate:
-      top *= -1;
-      return true;
-    case NumericCode::Abs:
-      top = std::fabs(top);
-      return true;
-    case NumericCode::Choose:
-      --stack.below;
-      return Hiding(stack, right, [&](double a, double b) { return *stack.below != 0 ? a : b; });
+// The result of two operands, none of which another code takes three of.
+template <NumericCode kCode>
+double Combined(double left, double right) {
+  using enum NumericCode;
+  if constexpr (kCode == Add) return left + right;
+  if constexpr (kCode == Subtract) return left - right;
+  if constexpr (kCode == Multiply || kCode == And) return left * right;
+  if constexpr (kCode == Divide) return Unhidden(left / right, right);
+  if constexpr (kCode == TimesNegated) return left * right * -1;
+  if constexpr (kCode == Less) return Unhidden(left < right ? 1 : 0, left, right);
+  if constexpr (kCode == LessOrEqual) return Unhidden(left <= right ? 1 : 0, left, right);
+  if constexpr (kCode == Greater) return Unhidden(left > right ? 1 : 0, left, right);
+  if constexpr (kCode == GreaterOrEqual) return Unhidden(left >= right ? 1 : 0, left, right);
+  if constexpr (kCode == Different) return Unhidden(left != right ? 1 : 0, left, right);
+  if constexpr (kCode == Equal) {
+    const bool equal = left == right || comparison::EqualNumbers(left, right);
+    return Unhidden(equal ? 1 : 0, left, right);
   }
-  return false;
+  if constexpr (kCode == Min) return Unhidden(left < right ? left : right, left, right);
+  if constexpr (kCode == Max || kCode == Or)
+    return Unhidden(left > right ? left : right, left, right);
+  if constexpr (kCode == Negate) return right * -1;
+  if constexpr (kCode == Abs) return std::fabs(right);
+  if constexpr (kCode == Power)
+    return IsDefinedPower(left, right) ? std::pow(left, right) : NumericProgram::kGivenUp;
 }
+
+// One step: `top` is the value on top of the stack, `below` the place behind the one
+// under it. Answers the new top.
+using Handler = double (*)(const NumericStep& step, double top, double*& below);
+
+template <NumericCode kCode, NumericOperand kOperand>
+double Run(const NumericStep& step, double top, double*& below) {
+  double right = top;
+  if constexpr (kOperand == NumericOperand::Number) right = step.number;
+  if constexpr (kOperand == NumericOperand::Source) {
+    const double* number = step.source->IfDouble();
+    right = number ? *number : NumericProgram::kGivenUp;
+  }
+  if constexpr (kOperand == NumericOperand::None && OperandsOf(kCode) > 1) top = *--below;
+  if constexpr (kCode == NumericCode::Load) {
+    *below++ = top;
+    return right;
+  } else if constexpr (kCode == NumericCode::Choose) {
+    const double condition = *--below;
+    return Unhidden(condition != 0 ? top : right, condition, top, right);
+  } else {
+    return Combined<kCode>(top, right);
+  }
+}
+
+// A function for each code and each kind of operand: a step then asks nothing that
+// was known when it was made, which takes a third off a run.
+constexpr auto kHandlers = []<std::size_t... kIndex>(std::index_sequence<kIndex...>) {
+  return std::array<Handler, sizeof...(kIndex)>{
+      Run<static_cast<NumericCode>(kIndex / kNumericOperands),
+          static_cast<NumericOperand>(kIndex % kNumericOperands)>...};
+}
+(std::make_index_sequence<(static_cast<std::size_t>(NumericCode::Abs) + 1) * kNumericOperands>());
 
 }  // namespace
 
@@ -269,29 +239,18 @@ void MakeNumericProgram(Plan& plan) {
   if (!ProgramMaker(plan).Make()) plan.numeric.steps.clear();
 }
 
-// A sum, difference, product or quotient of what is not finite is not finite either,
-// so that only the end, and steps that might hide it, have to ask.
+// What is not finite stays so to the end: in a sum, difference or product by itself,
+// in other steps because they see to it.
 double NumericProgram::Run() const {
-  constexpr double kGivenUp = std::numeric_limits<double>::quiet_NaN();
   std::array<double, kDeepest + 1> values;
-  Stack stack{.below = values.data()};
-  for (const NumericStep& step : steps) {
-    double right = stack.top;
-    if (step.operand == NumericOperand::Source) {
-      const double* number = step.source->IfDouble();
-      if (!number) return kGivenUp;
-      right = *number;
-    } else if (step.operand == NumericOperand::Number) {
-      right = step.number;
-    } else if (OperandsOf(step.code) > 1) {
-      stack.top = *--stack.below;
-    }
-    if (!Apply(step.code, right, stack)) return kGivenUp;
-  }
-  if (stack.hidden != 0 || !arithmetic::IsFinite(stack.top)) return kGivenUp;
-  for (const double* value = values.data() + 1; value < stack.below; ++value)
-    if (!arithmetic::IsFinite(*value)) return kGivenUp;
-  return left == 1 ? stack.top : values[1];
+  double* below = values.data();
+  double top = 0;
+  for (const NumericStep& step : steps) top = kHandlers[step.handler](step, top, below);
+  bool is_finite = arithmetic::IsFinite(top);
+  for (const double* value = values.data() + 1; value < below; ++value)
+    is_finite &= arithmetic::IsFinite(*value);
+  if (!is_finite) return kGivenUp;
+  return left == 1 ? top : values[1];
 }
 
 }  // namespace tovalin

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "tovalin/variant.h"
@@ -42,11 +43,32 @@ enum class NumericOperand : std::uint8_t { None, Number, Source };
 struct NumericStep {
   NumericCode code;
   NumericOperand operand;
+  std::uint8_t handler;  // of the two: see HandlerOf
   union {
     double number = 0;
     const Variant* source;  // a variable's value, or a constant's
   };
 };
+
+inline constexpr std::size_t kNumericOperands = 3;
+
+constexpr std::uint8_t HandlerOf(NumericCode code, NumericOperand operand) {
+  return static_cast<std::uint8_t>(static_cast<std::size_t>(code) * kNumericOperands +
+                                   static_cast<std::size_t>(operand));
+}
+constexpr NumericStep MakeStep(NumericCode code, double number) {
+  return {code, NumericOperand::Number, HandlerOf(code, NumericOperand::Number), {number}};
+}
+constexpr NumericStep MakeStep(NumericCode code) {
+  return {code, NumericOperand::None, HandlerOf(code, NumericOperand::None), {}};
+}
+inline NumericStep MakeStep(NumericCode code, const Variant& source) {
+  NumericStep step = MakeStep(code);
+  step.operand = NumericOperand::Source;
+  step.handler = HandlerOf(code, step.operand);
+  step.source = &source;
+  return step;
+}
 
 /// A plan that computes with Doubles and Booleans alone, as steps over a stack of
 /// doubles (a Boolean is 1 or 0 there). It buys most of the speed of a repeated
@@ -55,6 +77,7 @@ struct NumericStep {
 /// given up, and the plan is walked, so that each rule stands in one place.
 struct NumericProgram {
   static constexpr std::size_t kDeepest = 32;
+  static constexpr double kGivenUp = std::numeric_limits<double>::quiet_NaN();
 
   std::vector<NumericStep> steps;  // none when the plan has no such program
   std::uint16_t depth = 0;         // the most values on the stack

@@ -55,20 +55,21 @@ void Trace::UseStore(Ref<SettingsStore> store) {
   shown_bits_.reset();
 }
 
-void Trace::Begin(const Engine::Prepared& prepared) {
-  ShowFormula(prepared.plan, prepared.expression);
+void Trace::Begin(const Ref<Plan>& plan, const Text* expression) {
+  ShowFormula(plan, expression);
   if (!store_) section_.Put();
 }
 
-void Trace::End(const Engine::Prepared& prepared, const Variant& result, std::size_t left) {
-  ShowFormula(prepared.plan, prepared.expression);
+void Trace::End(const Ref<Plan>& plan, const Text* expression, const Variant& result,
+                std::size_t left) {
+  ShowFormula(plan, expression);
   ShowResult(result, left);
   if (!store_) section_.Put();
 }
 
 // Nothing to do when the formula stands there: unless the text has no plan to itself,
 // or a handler evaluated another one.
-void Trace::ShowFormula(const Ref<Plan>& plan, const std::optional<Text>& expression) {
+void Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
   const bool is_shown = shown_ == plan && shown_edition_ == plan->trace_edition;
   if (is_shown && !expression) return;
   MakeLines(*plan);

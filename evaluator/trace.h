@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "evaluator/engine.h"
+#include "evaluator/plan.h"
 #include "frame/live_section.h"
 #include "tovalin/settings.h"
 
@@ -20,16 +20,18 @@ class Trace {
   Trace();
 
   /// Before a walk, so that the formula is there when the host does not survive it.
-  void Begin(const Engine::Prepared& prepared);
+  /// `expression` is shown in place of the plan's text, unless it is null.
+  void Begin(const Ref<Plan>& plan, const Text* expression);
   /// After an evaluation.
-  void End(const Engine::Prepared& prepared, const Variant& result, std::size_t left);
+  void End(const Ref<Plan>& plan, const Text* expression, const Variant& result, std::size_t left);
+
   void UseStore(Ref<SettingsStore> store);
 
  private:
   // The two parts of the section: what is known before an evaluation and after it.
   enum Part : std::size_t { kFormula, kResult };
 
-  void ShowFormula(const Ref<Plan>& plan, const std::optional<Text>& expression);
+  void ShowFormula(const Ref<Plan>& plan, const Text* expression);
   void ShowResult(const Variant& result, std::size_t left);
   void Show(Part part, std::string_view lines);
   void MakeLines(Plan& plan);
