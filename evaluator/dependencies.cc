@@ -13,8 +13,10 @@ void DependencyIndex::Refresh() {
   const bool stray = mentions_.size() > 2 * records + 64;  // of records that are gone
   if (stray || vocabulary != vocabulary_) mentions_.clear();
   dependants_.clear();
+  formula_count_ = 0;
   for (const Ref<Campo>& record : symbols_.variables->List().Items()) {
     if (!record->HasFormula()) continue;
+    ++formula_count_;
     for (const Text& name : NamesOf(*record)) {
       const Campo* mentioned = symbols_.Find(name);
       if (!mentioned) continue;

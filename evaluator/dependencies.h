@@ -18,6 +18,12 @@ class DependencyIndex {
   /// end. A root is among them only when another root leads to it.
   std::vector<Ref<Campo>> Dependants(const std::vector<Ref<Campo>>& roots);
 
+  /// How many formula variables there are.
+  std::size_t FormulaCount() {
+    Refresh();
+    return formula_count_;
+  }
+
   /// Whether a formula variable that mentions one of `roots` itself is as asked.
   template <class Predicate>
   bool AnyReader(const std::vector<Ref<Campo>>& roots, Predicate predicate) {
@@ -48,6 +54,7 @@ class DependencyIndex {
   PlanStore& plans_;
   NamesStamp stamp_;
   std::uint64_t vocabulary_ = NamesStamp::kNever;
+  std::size_t formula_count_ = 0;
   Edges dependants_;  // of a variable or constant: the formula variables that mention it
   std::unordered_map<const Campo*, Mentions> mentions_;
 };

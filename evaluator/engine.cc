@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "evaluator/formula_chain.h"
 #include "frame/clock.h"
 #include "tovalin/convert.h"
 
@@ -28,11 +29,6 @@ Engine::Outcome BottomOf(ValueStack& stack) {
     outcome.value = Variant(text.substr(1, text.size() - 2));
   }
   return outcome;
-}
-
-bool IsNumber(const Variant& value) {
-  return IsNumeric(value) && !value.Is(Subtype::String) && !value.Is(Subtype::Boolean) &&
-         !value.Is(Subtype::Empty);
 }
 
 }  // namespace
@@ -106,13 +102,16 @@ void Engine::Calculation::Finish() {
 }
 
 void Engine::Calculation::ComputeDependants() {
+  // Where every formula was computed, nobody has to look for who reads whom.
+  const bool same_tables = !locals_ && !engine_.owner_.Evaluate.HasHandlers();
+  if (same_tables && marks_->Count() >= engine_.dependencies_.FormulaCount()) return;
   const std::vector<Ref<Campo>> roots = std::move(touched_);
   const auto is_due = [this](const Campo& record) { return engine_.NeedsComputing(record); };
   if (!engine_.dependencies_.AnyReader(roots, is_due)) return;
   for (const Ref<Campo>& record : engine_.dependencies_.Dependants(roots)) {
     if (!engine_.NeedsComputing(*record)) continue;
     try {
-      engine_.ComputeFormula(record, locals_);
+      FormulaChain(engine_, locals_).Compute(*record);
     } catch (...) {
       // A dependant that fails keeps its last value; nobody asked for it.
     }
@@ -171,11 +170,6 @@ std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
   return Outcome{plan.numeric.ResultOf(number), plan.numeric.left};
 }
 
-Engine::Outcome Engine::Compute(Plan& plan, const Ref<Campos>& locals) {
-  std::optional<Outcome> numeric = RunNumeric(plan);
-  return numeric ? std::move(*numeric) : Walk(plan, locals);
-}
-
 Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
   Level level(*this, plan);
   ValueStack& stack = *level.stack;
@@ -221,7 +215,7 @@ void Engine::Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, Valu
   if (plan.items[index].kind == ItemKind::HostFunction) {
     CallHost(record, stack);
   } else {
-    if (NeedsComputing(*record)) ComputeFormula(record, locals);
+    if (NeedsComputing(*record)) FormulaChain(*this, locals).Compute(*record);
     stack.push_back(record->Value());
   }
   if (StampNames(symbols_, locals.get()) == before) return;
@@ -276,19 +270,6 @@ Ref<Plan> Engine::FormulaPlan(const Campo& record, const Ref<Campos>& locals) {
     BindConstants(*kept);
   if (!kept->faults.empty()) reports_.push_back({record.Formula(), kept->text, kept->faults});
   return kept;
-}
-
-void Engine::ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals) {
-  struct Busy {
-    explicit Busy(Campo& record) : record(record) { record.LetStatus(Campo::kBeingComputed); }
-    ~Busy() { record.LetStatus(Campo::kIdle); }
-    Campo& record;
-  } busy(*record);
-  if (depth_ > kDeepest) Raise(Failure::OutOfStack);
-  const Ref<Plan> plan = FormulaPlan(*record, locals);
-  const Variant value = Compute(*plan, locals).value;
-  calculation_->marks_->Store(*record, IsNumber(value) ? Variant(ToDouble(value)) : value);
-  calculation_->Outermost().touched_.push_back(record);
 }
 
 }  // namespace tovalin

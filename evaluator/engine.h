@@ -69,6 +69,7 @@ class Engine {
 
    private:
     friend class Engine;
+    friend class FormulaChain;
     Calculation& Outermost();
     void Finish();
     void ComputeDependants();
@@ -108,15 +109,14 @@ class Engine {
   void UseClock(std::function<Date()> clock) { clock_ = std::move(clock); }
 
  private:
+  friend class FormulaChain;
   struct Level;
 
   void DropReports();
-  Outcome Compute(Plan& plan, const Ref<Campos>& locals);
   Outcome Walk(Plan& plan, const Ref<Campos>& locals);
   void Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack);
   void CallBuiltin(const Builtin& builtin, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
-  void ComputeFormula(const Ref<Campo>& record, const Ref<Campos>& locals);
   Ref<Plan> FormulaPlan(const Campo& record, const Ref<Campos>& locals);
   bool NeedsComputing(const Campo& record) const;
   std::uint64_t StampValues(const Campos* locals) const;

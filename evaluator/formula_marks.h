@@ -15,6 +15,7 @@ class FormulaMarks {
   bool Contains(const Campo& record) const {
     return record.mark_ < computed_.size() && computed_[record.mark_].get() == &record;
   }
+  std::size_t Count() const { return computed_.size(); }
   /// Gives a formula variable its value and marks it as computed. It is no change
   /// of a value as hosts make them.
   void Store(Campo& record, Variant value) {

@@ -63,6 +63,7 @@ class ProgramMaker {
   explicit ProgramMaker(Plan& plan) : plan_(plan), program_(plan.numeric) {}
 
   bool Make() {
+    program_.reads_formulas = false;
     if (plan_.items.empty()) return false;
     program_.steps.reserve(plan_.items.size() - BroughtAlong());
     for (const Item& item : plan_.items)
@@ -92,7 +93,7 @@ class ProgramMaker {
       case ItemKind::Number:
         return TakeOperand(MakeStep(NumericCode::Load, item.number));
       case ItemKind::Variable:
-        return !item.record->HasFormula() && TakeSource(item.record->Value());
+        return TakeVariable(*item.record);
       case ItemKind::Constant:
         return plan_.ValueOf(item).Is(Subtype::Double) && TakeSource(plan_.ValueOf(item));
       case ItemKind::Operator:
@@ -102,6 +103,16 @@ class ProgramMaker {
       default:
         return false;
     }
+  }
+
+  // A formula variable has to be computed first, which is no matter of order as long
+  // as no operation comes before it that might fail.
+  bool TakeVariable(const Campo& record) {
+    if (record.HasFormula()) {
+      if (has_operations_) return false;
+      program_.reads_formulas = true;
+    }
+    return TakeSource(record.Value());
   }
 
   bool TakeSource(const Variant& source) {
@@ -144,6 +155,7 @@ class ProgramMaker {
 
   // What was loaded last is the last operand: the step brings it along.
   bool Emit(NumericCode code, SlotType gives) {
+    has_operations_ = true;
     NumericStep& last = program_.steps.back();
     if (OperandsOf(code) > 1 && last.code == NumericCode::Load) {
       last.code = code;
@@ -159,6 +171,7 @@ class ProgramMaker {
   std::array<SlotType, NumericProgram::kDeepest> types_{};  // of what is on the stack
   std::uint16_t size_ = 0;
   std::uint16_t deepest_ = 0;
+  bool has_operations_ = false;
 };
 
 bool IsDefinedPower(double base, double exponent) {

@@ -83,8 +83,13 @@ struct NumericProgram {
   std::uint16_t depth = 0;         // the most values on the stack
   std::uint16_t left = 0;          // the values at the end; the first is the result
   bool gives_boolean = false;
+  bool reads_formulas = false;  // in front of every operation
 
-  explicit operator bool() const { return !steps.empty(); }
+  /// Whether there is one that may run at any time.
+  explicit operator bool() const { return MayRun(false); }
+  bool MayRun(bool formulas_are_computed) const {
+    return !steps.empty() && (formulas_are_computed || !reads_formulas);
+  }
   /// The value, which is finite, or no number (NaN) when the run has to be given up:
   /// in a register, unlike an optional, which takes an eighth of a run's time.
   double Run() const;

@@ -58,21 +58,22 @@ struct HeldValue {
 /// A formula converted for walking: made once, walked many times, and made anew
 /// when its names may stand for something else.
 struct Plan {
-  Text text;  // the formula, without carriage returns
-  std::vector<Item> items;
-  std::vector<HeldValue> held;
-  std::vector<Fault> faults;  // with any, there are no items
-  NumericProgram numeric;     // of a plan of numbers alone
+  // What every walk asks stands in front.
+  ReferenceCount references;
+  int walks = 0;  // under way
+  bool has_constants = false;
+  bool came_again = false;  // asked for again after it was made
   NamesStamp stamp;
+  NumericProgram numeric;  // of a plan of numbers alone
+  std::vector<Item> items;
+  std::vector<Fault> faults;  // with any, there are no items
+  std::vector<HeldValue> held;
   Ref<Campos> locals;  // pins the address in the stamp
+  Text text;           // the formula, without carriage returns
   // What the trace shows of the formula: made when it is first shown, and again
   // when a constant has changed the postfix text.
   std::string trace_lines;
   std::uint32_t trace_edition = 0;  // 0: not made yet
-  int walks = 0;                    // under way
-  bool has_constants = false;
-  bool came_again = false;  // asked for again after it was made
-  ReferenceCount references;
   // Of the plan store: the neighbours in the order of use, and the hash of the text.
   Plan* newer = nullptr;
   Plan* older = nullptr;

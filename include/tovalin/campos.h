@@ -80,19 +80,20 @@ class TOVALIN_API Campo : public Object {
   friend class DeepRelease;
   friend class FormulaMarks;
 
+  // What an evaluation asks stands in front, so that it finds it in one place.
+  bool has_formula_ = false;  // more than blanks
+  std::int32_t status_ = kIdle;
+  std::uint32_t mark_ = 0;  // see FormulaMarks
+  Variant value_;
   Text name_;
   std::int32_t data_type_ = 0;
   std::int32_t size_ = 0;
   std::int16_t position_ = 0;
-  Variant value_;
   Text description_;
   Text formula_;
-  bool has_formula_ = false;  // more than blanks
   Text source_name_;
   Text sintax_;
   Variant direction_;
-  std::int32_t status_ = kIdle;
-  std::uint32_t mark_ = 0;       // see FormulaMarks
   std::vector<Campos*> tables_;  // where the record is now, to tell them of a new formula
 };
 
