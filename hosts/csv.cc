@@ -2,6 +2,7 @@
 
 #include <csv.h>
 
+#include <array>
 #include <exception>
 #include <utility>
 
@@ -9,6 +10,13 @@ namespace tovalin::tool {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 18;
+
+// By character: whether a field that holds it is written in quotes.
+constexpr auto kNeedsQuotes = [] {
+  std::array<bool, 256> quoted{};
+  for (unsigned char c : {',', '"', '\r', '\n'}) quoted[c] = true;
+  return quoted;
+}();
 
 // What the callbacks of the parser share. Errors must not fly through its C code:
 // they wait here.
@@ -94,15 +102,43 @@ CsvWriter::~CsvWriter() {
   if (owns_file_ && file_) std::fclose(file_);
 }
 
-void CsvWriter::Field(std::string_view text) {
+void CsvWriter::BeginField() {
   if (!first_in_row_) buffer_.push_back(',');
   first_in_row_ = false;
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-    buffer_.append(text);
+}
+
+void CsvWriter::Field(std::string_view utf8) {
+  BeginField();
+  Append(utf8);
+}
+
+// Nearly all fields are plain ASCII and are narrowed straight into the buffer.
+void CsvWriter::Field(TextView text) {
+  BeginField();
+  const std::size_t before = buffer_.size();
+  buffer_.resize(before + text.size());
+  char* target = buffer_.data() + before;
+  char16_t bits = 0;
+  bool quoted = false;
+  for (char16_t c : text) {
+    bits |= c;
+    quoted |= kNeedsQuotes[c & 0xFF];
+    *target++ = static_cast<char>(c);
+  }
+  if (bits < 0x80 && !quoted) return;
+  buffer_.resize(before);
+  Append(ToUtf8(text));
+}
+
+void CsvWriter::Append(std::string_view utf8) {
+  bool quoted = false;
+  for (char c : utf8) quoted |= kNeedsQuotes[static_cast<unsigned char>(c)];
+  if (!quoted) {
+    buffer_.append(utf8);
     return;
   }
   buffer_.push_back('"');
-  for (char c : text) {
+  for (char c : utf8) {
     if (c == '"') buffer_.push_back('"');
     buffer_.push_back(c);
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "hosts/input.h"
+#include "tovalin/text.h"
 
 namespace tovalin::tool {
 
@@ -40,12 +41,15 @@ class CsvWriter {
   CsvWriter(const CsvWriter&) = delete;
   CsvWriter& operator=(const CsvWriter&) = delete;
 
-  void Field(std::string_view text);
+  void Field(std::string_view utf8);
+  void Field(TextView text);
   void EndRow();
   /// Writes what is left.
   void Finish();
 
  private:
+  void BeginField();
+  void Append(std::string_view utf8);
   void Flush();
 
   std::FILE* file_;
