@@ -1,0 +1,165 @@
+#include "evaluator/value_columns.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "evaluator/operators.h"
+
+namespace tovalin {
+namespace {
+
+bool IsPush(ItemKind kind) {
+  return kind != ItemKind::Operator && kind != ItemKind::Builtin && kind != ItemKind::HostFunction;
+}
+
+// The result of a walk loses the quotes that it stands between.
+bool BeginsInQuotes(const Variant& value) {
+  return value.Is(Subtype::String) && value.AsText().starts_with(u'"');
+}
+
+Variant ConstantOf(const Plan& plan, const Item& item) {
+  switch (item.kind) {
+    case ItemKind::Number:
+      return item.number;
+    case ItemKind::Variable:
+      return item.record->Value();
+    case ItemKind::Text:
+      return plan.Span(item);
+    default:
+      return item.value;
+  }
+}
+
+}  // namespace
+
+ValueColumns::ValueColumns(const Plan& plan, std::span<const Bound> columns) {
+  std::size_t held = 0;
+  for (const Item& item : plan.items) {
+    const Step& step = steps_.emplace_back(MakeStep(plan, item, columns));
+    // Functions without arguments read the clock.
+    if (!IsPush(item.kind) && (step.takes == 0 || step.takes > held)) is_ready_ = false;
+    if (item.kind == ItemKind::Variable && item.record->HasFormula()) is_ready_ = false;
+    if (!is_ready_) return;
+    held = held - step.takes + 1;
+    if (slots_.size() < held) slots_.emplace_back();
+  }
+  is_ready_ = held == 1 && !IsPush(plan.items.back().kind);
+}
+
+ValueColumns::Step ValueColumns::MakeStep(const Plan& plan, const Item& item,
+                                          std::span<const Bound> columns) {
+  Step step;
+  if (item.kind == ItemKind::Builtin) {
+    step.builtin = item.builtin;
+    step.takes = step.builtin->pops;
+  } else if (item.kind == ItemKind::Operator) {
+    step.code = item.operator_code;
+    step.takes = OperandsOf(step.code);
+  } else if (IsPush(item.kind)) {
+    const auto is_bound = [&item](const Bound& bound) {
+      return item.kind == ItemKind::Variable && bound.source == &item.record->Value();
+    };
+    const auto bound = std::ranges::find_if(columns, is_bound);
+    if (bound != columns.end())
+      step.column = bound->column;
+    else
+      step.constant = Normalised(ConstantOf(plan, item));
+  }
+  return step;
+}
+
+void ValueColumns::Run(std::size_t first, std::size_t count) {
+  count_ = count;
+  failed_.fill(false);
+  std::size_t held = 0;
+  for (const Step& step : steps_) {
+    is_last_ = &step == &steps_.back();
+    held -= step.takes;
+    Slot& slot = slots_[held];
+    const std::span<Slot> operands(&slot, step.takes);
+    if (step.column) {
+      PushColumn(*step.column, first, slot);
+    } else if (step.constant) {
+      slot.values = &*step.constant;
+      slot.stride = 0;
+      slot.is_own = false;
+    } else if (step.builtin) {
+      Call(*step.builtin, operands);
+    } else {
+      Operate(step.code, operands);
+    }
+    ++held;
+  }
+}
+
+Variant* ValueColumns::Result(std::size_t row) {
+  Variant& result = slots_[0].own[row];
+  return failed_[row] || BeginsInQuotes(result) ? nullptr : &result;
+}
+
+void ValueColumns::Slot::UseOwn() {
+  own.resize(kBlock);
+  values = own.data();
+  stride = 1;
+  is_own = true;
+}
+
+// Values that are as Pop gives them stay where they are.
+void ValueColumns::PushColumn(const Formula::Column& column, std::size_t first, Slot& slot) const {
+  if (const auto* numbers = std::get_if<std::span<const double>>(&column.values)) {
+    slot.UseOwn();
+    std::copy_n(numbers->begin() + static_cast<std::ptrdiff_t>(first), count_, slot.own.begin());
+    return;
+  }
+  const auto values = std::get<std::span<const Variant>>(column.values).subspan(first, count_);
+  slot.values = values.data();
+  slot.stride = 1;
+  slot.is_own = false;
+  const auto is_ready = [](const Variant& value) { return IsNormalised(value); };
+  if (std::ranges::all_of(values, is_ready)) return;
+  slot.UseOwn();
+  for (std::size_t i = 0; i < count_; ++i) slot.own[i] = Normalised(values[i].Value());
+}
+
+// A row that fails goes on with Empty, which says nothing any more.
+template <class Compute>
+void ValueColumns::ForEachRow(Slot& result, Compute compute) {
+  result.own.resize(kBlock);
+  for (std::size_t row = 0; row < count_; ++row) {
+    Variant& value = result.own[row];
+    try {
+      value = compute(row);
+      if (!is_last_ && !IsNormalised(value)) value = Normalised(std::move(value));
+    } catch (const Error&) {
+      failed_[row] = true;
+      value = Variant();
+    }
+  }
+  result.UseOwn();
+}
+
+void ValueColumns::Call(const Builtin& builtin, std::span<Slot> operands) {
+  const std::function<Date()> no_clock;
+  const BuiltinContext context{no_clock};
+  std::vector<Variant> arguments(operands.size());
+  for (std::size_t i = 0; i < operands.size(); ++i)
+    if (operands[i].stride == 0) arguments[i] = operands[i].At(0);
+  ForEachRow(operands[0], [&](std::size_t row) {
+    for (std::size_t i = 0; i < operands.size(); ++i)
+      if (operands[i].stride != 0) arguments[i] = operands[i].Take(row);
+    return builtin.call(arguments, context);
+  });
+}
+
+void ValueColumns::Operate(OperatorCode code, std::span<Slot> operands) {
+  if (code == OperatorCode::Between)
+    return ForEachRow(operands[0], [&](std::size_t row) {
+      return IsBetween(operands[0].At(row), operands[1].At(row), operands[2].At(row));
+    });
+  ForEachRow(operands[0], [&](std::size_t row) {
+    Variant left = operands[0].Take(row);
+    return Combine(code, left, operands[1].At(row));
+  });
+}
+
+}  // namespace tovalin
