@@ -49,11 +49,13 @@ Decoded DecodeOne(std::string_view utf8) {
   return {kReplacement, 1};
 }
 
-void AppendUtf8(std::string& utf8, char32_t code_point) {
+// Writes a code point at `target` and answers the place behind it.
+char* WriteUtf8(char* target, char32_t code_point) {
   std::size_t extra = 0;
   while (extra + 1 < std::size(kForms) && code_point >= kForms[extra + 1].least) ++extra;
-  utf8.push_back(static_cast<char>(kForms[extra].lead | code_point >> (6 * extra)));
-  while (extra-- > 0) utf8.push_back(static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F)));
+  *target++ = static_cast<char>(kForms[extra].lead | code_point >> (6 * extra));
+  while (extra-- > 0) *target++ = static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F));
+  return target;
 }
 
 // Folding of the first 256 characters, where nearly all names live.
@@ -95,6 +97,11 @@ Text FromUtf8(std::string_view utf8) {
   Text text;
   text.reserve(utf8.size());
   while (!utf8.empty()) {
+    if (static_cast<unsigned char>(utf8[0]) < 0x80) {
+      text.push_back(static_cast<char16_t>(utf8[0]));
+      utf8.remove_prefix(1);
+      continue;
+    }
     const Decoded next = DecodeOne(utf8);
     utf8.remove_prefix(next.length);
     if (next.code_point < 0x10000) {
@@ -113,17 +120,21 @@ std::string ToUtf8(TextView text) {
   char16_t bits = 0;
   for (char16_t c : text) bits |= c;
   if (bits < 0x80) return std::string(text.begin(), text.end());
-  std::string utf8;
-  utf8.reserve(text.size() + text.size() / 8);
+  constexpr std::size_t kMostBytes = 3;  // of a character; a pair has four
+  std::string utf8(kMostBytes * text.size(), '\0');
+  char* target = utf8.data();
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
-    if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+    if (c < 0x80) {
+      *target++ = static_cast<char>(c);
+    } else if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;
-      AppendUtf8(utf8, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
+      target = WriteUtf8(target, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
     } else {
-      AppendUtf8(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
+      target = WriteUtf8(target, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
     }
   }
+  utf8.resize(static_cast<std::size_t>(target - utf8.data()));
   return utf8;
 }
 
