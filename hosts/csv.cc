@@ -3,7 +3,9 @@
 #include <csv.h>
 
 #include <array>
+#include <charconv>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 namespace tovalin::tool {
@@ -109,38 +111,46 @@ void CsvWriter::BeginField() {
 
 void CsvWriter::Field(std::string_view utf8) {
   BeginField();
-  Append(utf8);
-}
-
-// Nearly all fields are plain ASCII and are narrowed straight into the buffer.
-void CsvWriter::Field(TextView text) {
-  BeginField();
-  const std::size_t before = buffer_.size();
-  buffer_.resize(before + text.size());
-  char* target = buffer_.data() + before;
-  char16_t bits = 0;
-  bool quoted = false;
-  for (char16_t c : text) {
-    bits |= c;
-    quoted |= kNeedsQuotes[c & 0xFF];
-    *target++ = static_cast<char>(c);
-  }
-  if (bits < 0x80 && !quoted) return;
-  buffer_.resize(before);
-  Append(ToUtf8(text));
-}
-
-void CsvWriter::Append(std::string_view utf8) {
   bool quoted = false;
   for (char c : utf8) quoted |= kNeedsQuotes[static_cast<unsigned char>(c)];
-  if (!quoted) {
+  if (quoted)
+    AppendQuoted(utf8);
+  else
     buffer_.append(utf8);
-    return;
+}
+
+// The marks are looked for many characters at a time, and plain ASCII is narrowed
+// straight into the buffer.
+void CsvWriter::Field(TextView text) {
+  BeginField();
+  char16_t bits = 0;
+  std::uint16_t marks = 0;
+  for (char16_t c : text) {
+    bits |= c;
+    marks |= static_cast<std::uint16_t>((c == u',') | (c == u'"') | (c == u'\r') | (c == u'\n'));
   }
+  if (marks != 0)
+    AppendQuoted(ToUtf8(text));
+  else if (bits >= 0x80)
+    buffer_.append(ToUtf8(text));
+  else
+    buffer_.append(text.begin(), text.end());
+}
+
+void CsvWriter::Field(std::int64_t whole) {
+  BeginField();
+  char digits[24];
+  buffer_.append(digits, std::to_chars(digits, std::end(digits), whole).ptr);
+}
+
+void CsvWriter::AppendQuoted(std::string_view utf8) {
   buffer_.push_back('"');
-  for (char c : utf8) {
-    if (c == '"') buffer_.push_back('"');
-    buffer_.push_back(c);
+  for (;;) {
+    const std::size_t quote = utf8.find('"');
+    buffer_.append(utf8.substr(0, quote));
+    if (quote == std::string_view::npos) break;
+    buffer_.append("\"\"");
+    utf8.remove_prefix(quote + 1);
   }
   buffer_.push_back('"');
 }

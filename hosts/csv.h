@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -43,13 +44,14 @@ class CsvWriter {
 
   void Field(std::string_view utf8);
   void Field(TextView text);
+  void Field(std::int64_t whole);
   void EndRow();
   /// Writes what is left.
   void Finish();
 
  private:
   void BeginField();
-  void Append(std::string_view utf8);
+  void AppendQuoted(std::string_view utf8);
   void Flush();
 
   std::FILE* file_;

@@ -1,6 +1,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cmath>
+#include <cstdint>
 #include <iostream>
 #include <optional>
 
@@ -18,7 +20,7 @@ namespace tovalin::tool {
 namespace {
 
 // Rows are computed in portions of this many.
-constexpr std::size_t kPortion = 1024;
+constexpr std::size_t kPortion = 512;
 
 // "Name = formula".
 NamedFormula ReadFormula(TextView line) {
@@ -52,11 +54,13 @@ bool LooksLikeDate(TextView text) {
          digits_and(u'/', 2, 4) || digits_and(u'-', 4, 7);
 }
 
-// A whole number is told by its digits alone, whatever the locale. Most cells that
-// formulas read are one.
+// Whole numbers below it are exact and look the same whatever the locale. Most cells
+// that formulas read or give hold one.
+constexpr std::size_t kExactDigits = 15;
+constexpr double kExactLimit = 1e15;
+
 std::optional<double> WholeNumber(std::string_view cell) {
-  constexpr std::size_t kExact = 15;
-  if (cell.size() > kExact) return std::nullopt;
+  if (cell.size() > kExactDigits) return std::nullopt;
   std::int64_t number = 0;
   for (char c : cell) {
     if (c < '0' || c > '9') return std::nullopt;
@@ -188,7 +192,12 @@ class TableRun {
 
   void WriteValue(const Variant& value) {
     if (value.Is(Subtype::String)) return writer_.Field(TextView(value.AsText()));
-    if (!value.Is(Subtype::Double)) return writer_.Field(ShowValue(value));
+    const double* number = value.IfDouble();
+    if (!number) return writer_.Field(ShowValue(value));
+    if (std::abs(*number) < kExactLimit)
+      if (const auto whole = static_cast<std::int64_t>(*number);
+          static_cast<double>(whole) == *number)
+        return writer_.Field(whole);
     number_.clear();
     AppendText(number_, value);
     writer_.Field(TextView(number_));
