@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "evaluator/builtin_arguments.h"
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
 #include "tovalin/convert.h"
@@ -48,8 +49,8 @@ Variant Quotient(const Variant& left, const Variant& right) {
 
 bool IsWithin(const Variant& whole, const Variant& part) {
   if (whole.Is(Subtype::Null) || part.Is(Subtype::Null)) return false;
-  const Text text = ToText(whole);
-  return !text.empty() && FindFolded(text, ToText(part)) != Text::npos;
+  const builtins::TextArgument text(whole);
+  return !text.View().empty() && FindFolded(text, builtins::TextArgument(part)) != Text::npos;
 }
 
 // Text without quotes and commas stays so when more of it is joined: what is

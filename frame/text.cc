@@ -69,11 +69,15 @@ constexpr auto kLatin1Fold = [] {
   return fold;
 }();
 
+// The longest part that the plain search looks for, and the longest text in which
+// folding on the way costs less than copies.
+constexpr std::size_t kPlainSearch = 64;
+constexpr std::size_t kShortText = 1024;
+
 // A long part is searched by its own prefixes (Knuth, Morris and Pratt), since
 // the plain search may take the product of both lengths.
 std::size_t FindExact(TextView text, TextView part) {
-  constexpr std::size_t kPlain = 64;
-  if (part.size() <= kPlain || part.size() > text.size()) return text.find(part);
+  if (part.size() <= kPlainSearch || part.size() > text.size()) return text.find(part);
   std::vector<std::size_t> border(part.size());
   for (std::size_t i = 1, matched = 0; i < part.size(); ++i) {
     while (matched > 0 && part[i] != part[matched]) matched = border[matched - 1];
@@ -94,23 +98,21 @@ Text FromUtf8(std::string_view utf8) {
   int bits = 0;
   for (char c : utf8) bits |= c;
   if ((bits & 0x80) == 0) return Text(utf8.begin(), utf8.end());
-  Text text;
-  text.reserve(utf8.size());
+  Text text(utf8.size(), u'\0');
+  char16_t* target = text.data();
   while (!utf8.empty()) {
-    if (static_cast<unsigned char>(utf8[0]) < 0x80) {
-      text.push_back(static_cast<char16_t>(utf8[0]));
-      utf8.remove_prefix(1);
-      continue;
-    }
-    const Decoded next = DecodeOne(utf8);
+    const Decoded next = static_cast<unsigned char>(utf8[0]) < 0x80
+                             ? Decoded{static_cast<char32_t>(utf8[0]), 1}
+                             : DecodeOne(utf8);
     utf8.remove_prefix(next.length);
     if (next.code_point < 0x10000) {
-      text.push_back(static_cast<char16_t>(next.code_point));
+      *target++ = static_cast<char16_t>(next.code_point);
     } else {
-      text.push_back(static_cast<char16_t>(0xD7C0 + (next.code_point >> 10)));
-      text.push_back(static_cast<char16_t>(0xDC00 + (next.code_point & 0x3FF)));
+      *target++ = static_cast<char16_t>(0xD7C0 + (next.code_point >> 10));
+      *target++ = static_cast<char16_t>(0xDC00 + (next.code_point & 0x3FF));
     }
   }
+  text.resize(static_cast<std::size_t>(target - text.data()));
   return text;
 }
 
@@ -165,8 +167,23 @@ bool EqualFolded(TextView left, TextView right) {
                     [](char16_t a, char16_t b) { return a == b || FoldCase(a) == FoldCase(b); });
 }
 
+namespace {
+
+// Without a copy of either text: most parts are words.
+std::size_t FindShortFolded(TextView text, TextView part, std::size_t from) {
+  if (part.empty()) return from;
+  const char16_t first = FoldCase(part.front());
+  for (std::size_t i = from; i + part.size() <= text.size(); ++i)
+    if (FoldCase(text[i]) == first && EqualFolded(text.substr(i, part.size()), part)) return i;
+  return TextView::npos;
+}
+
+}  // namespace
+
 std::size_t FindFolded(TextView text, TextView part, std::size_t from) {
   if (from > text.size()) return TextView::npos;
+  if (part.size() <= kPlainSearch && text.size() - from <= kShortText)
+    return FindShortFolded(text, part, from);
   // Fold once, then search for equal characters.
   const Text folded = ToLower(text.substr(from));
   const std::size_t found = FindExact(folded, ToLower(part));
