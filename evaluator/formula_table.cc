@@ -144,7 +144,7 @@ class TableRun {
   void RunBlock(ValueColumns& columns, std::size_t first, std::size_t count) {
     columns.Run(first, count);
     for (std::size_t i = 0; i < count; ++i) {
-      Variant* result = columns.Result(i);
+      std::optional<Variant> result = columns.TakeResult(i);
       if (!result || !Store(first + i, *result)) RunRows(first + i, first + i + 1);
     }
   }

@@ -80,9 +80,7 @@ void ValueColumns::Run(std::size_t first, std::size_t count) {
     if (step.column) {
       PushColumn(*step.column, first, slot);
     } else if (step.constant) {
-      slot.values = &*step.constant;
-      slot.stride = 0;
-      slot.is_own = false;
+      slot.UseConstant(*step.constant);
     } else if (step.builtin) {
       Call(*step.builtin, operands);
     } else {
@@ -92,9 +90,9 @@ void ValueColumns::Run(std::size_t first, std::size_t count) {
   }
 }
 
-Variant* ValueColumns::Result(std::size_t row) {
-  Variant& result = slots_[0].own[row];
-  return failed_[row] || BeginsInQuotes(result) ? nullptr : &result;
+std::optional<Variant> ValueColumns::TakeResult(std::size_t row) {
+  if (failed_[row] || BeginsInQuotes(slots_[0].At(row))) return std::nullopt;
+  return slots_[0].Take(row);
 }
 
 void ValueColumns::Slot::UseOwn() {
@@ -102,6 +100,12 @@ void ValueColumns::Slot::UseOwn() {
   values = own.data();
   stride = 1;
   is_own = true;
+}
+
+void ValueColumns::Slot::UseConstant(const Variant& value) {
+  values = &value;
+  stride = 0;
+  is_own = false;
 }
 
 // Values that are as Pop gives them stay where they are.
@@ -121,11 +125,16 @@ void ValueColumns::PushColumn(const Formula::Column& column, std::size_t first, 
   for (std::size_t i = 0; i < count_; ++i) slot.own[i] = Normalised(values[i].Value());
 }
 
-// A row that fails goes on with Empty, which says nothing any more.
+// A row that fails goes on with Empty, which says nothing any more. What is made of
+// constants alone is computed once.
 template <class Compute>
-void ValueColumns::ForEachRow(Slot& result, Compute compute) {
+void ValueColumns::ForEachRow(std::span<Slot> operands, Compute compute) {
+  const auto is_constant = [](const Slot& operand) { return operand.stride == 0; };
+  const bool constant = std::ranges::all_of(operands, is_constant);
+  Slot& result = operands.front();
   result.own.resize(kBlock);
-  for (std::size_t row = 0; row < count_; ++row) {
+  const std::size_t rows = constant ? 1 : count_;
+  for (std::size_t row = 0; row < rows; ++row) {
     Variant& value = result.own[row];
     try {
       value = compute(row);
@@ -135,7 +144,10 @@ void ValueColumns::ForEachRow(Slot& result, Compute compute) {
       value = Variant();
     }
   }
-  result.UseOwn();
+  if (!constant) return result.UseOwn();
+  if (failed_[0]) failed_.fill(true);
+  result.constant = std::move(result.own[0]);
+  result.UseConstant(result.constant);
 }
 
 void ValueColumns::Call(const Builtin& builtin, std::span<Slot> operands) {
@@ -144,7 +156,7 @@ void ValueColumns::Call(const Builtin& builtin, std::span<Slot> operands) {
   std::vector<Variant> arguments(operands.size());
   for (std::size_t i = 0; i < operands.size(); ++i)
     if (operands[i].stride == 0) arguments[i] = operands[i].At(0);
-  ForEachRow(operands[0], [&](std::size_t row) {
+  ForEachRow(operands, [&](std::size_t row) {
     for (std::size_t i = 0; i < operands.size(); ++i)
       if (operands[i].stride != 0) arguments[i] = operands[i].Take(row);
     return builtin.call(arguments, context);
@@ -153,10 +165,10 @@ void ValueColumns::Call(const Builtin& builtin, std::span<Slot> operands) {
 
 void ValueColumns::Operate(OperatorCode code, std::span<Slot> operands) {
   if (code == OperatorCode::Between)
-    return ForEachRow(operands[0], [&](std::size_t row) {
+    return ForEachRow(operands, [&](std::size_t row) {
       return IsBetween(operands[0].At(row), operands[1].At(row), operands[2].At(row));
     });
-  ForEachRow(operands[0], [&](std::size_t row) {
+  ForEachRow(operands, [&](std::size_t row) {
     Variant left = operands[0].Take(row);
     return Combine(code, left, operands[1].At(row));
   });

@@ -35,8 +35,8 @@ class ValueColumns {
 
   /// Computes the rows from `first` on, at most kBlock of them.
   void Run(std::size_t first, std::size_t count);
-  /// The result of a row of the block, to be taken; null when it has to be walked.
-  Variant* Result(std::size_t row);
+  /// Takes the result of a row of the block; nothing when the row has to be walked.
+  std::optional<Variant> TakeResult(std::size_t row);
 
  private:
   struct Step {
@@ -53,10 +53,12 @@ class ValueColumns {
     std::size_t stride = 0;    // 0: the same in every row
     std::vector<Variant> own;  // where results go
     bool is_own = false;       // `values` are there
+    Variant constant;          // what was computed of constants
 
     const Variant& At(std::size_t row) const { return values[row * stride]; }
     Variant Take(std::size_t row) { return is_own ? std::move(own[row]) : At(row); }
     void UseOwn();
+    void UseConstant(const Variant& value);
   };
 
   Step MakeStep(const Plan& plan, const Item& item, std::span<const Bound> columns);
@@ -64,7 +66,7 @@ class ValueColumns {
   void Call(const Builtin& builtin, std::span<Slot> operands);
   void Operate(OperatorCode code, std::span<Slot> operands);
   template <class Compute>
-  void ForEachRow(Slot& result, Compute compute);
+  void ForEachRow(std::span<Slot> operands, Compute compute);
 
   std::vector<Step> steps_;
   std::vector<Slot> slots_;  // one for each place of the stack
