@@ -36,6 +36,7 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
       columns_(columns.begin(), columns.end()),
       is_read_(columns_.size()),
       formulas_(std::move(formulas)),
+      is_constant_(formulas_.size()),
       values_(columns_.size() + formulas_.size()),
       failures_(formulas_.size()) {
   for (const Text& column : columns_) AddVariable(column);
@@ -51,23 +52,25 @@ void FormulaTable::AddVariable(const Text& name) {
   evaluator_->AddVble(name, Variant(), u"", kNumeric);
 }
 
-// The formulas that each formula names; the columns that any names are marked.
-std::vector<std::vector<std::size_t>> FormulaTable::FindUses() {
+// What each formula names; the columns that any names are marked.
+std::vector<FormulaTable::Uses> FormulaTable::FindUses() {
   const std::size_t columns = columns_.size();
   std::unordered_map<Text, std::size_t, FoldedHash, FoldedEqual> positions;
   for (std::size_t i = 0; i < columns; ++i) positions.emplace(columns_[i], i);
   for (std::size_t i = 0; i < formulas_.size(); ++i)
     positions.emplace(formulas_[i].name, columns + i);
-  std::vector<std::vector<std::size_t>> uses(formulas_.size());
+  std::vector<Uses> uses(formulas_.size());
   for (std::size_t i = 0; i < formulas_.size(); ++i) {
     const Ref<Collection> names = evaluator_->VarExpresion(formulas_[i].formula);
     for (const Variant& name : names->List().Items()) {
       const auto used = positions.find(name.AsText());
       if (used == positions.end()) continue;
-      if (used->second < columns)
-        is_read_[used->second] = true;
-      else
-        uses[i].push_back(used->second - columns);
+      if (used->second >= columns) {
+        uses[i].formulas.push_back(used->second - columns);
+        continue;
+      }
+      is_read_[used->second] = true;
+      uses[i].any_column = true;
     }
   }
   return uses;
@@ -76,12 +79,12 @@ std::vector<std::vector<std::size_t>> FormulaTable::FindUses() {
 // Puts each formula behind those that it uses. False when some go in a circle.
 bool FormulaTable::OrderSteps() {
   const std::size_t count = formulas_.size();
-  std::vector<std::vector<std::size_t>> uses = FindUses();
+  std::vector<Uses> uses = FindUses();
   std::vector<std::vector<std::size_t>> used_by(count);
   for (std::size_t i = 0; i < count; ++i)
-    for (std::size_t used : uses[i]) used_by[used].push_back(i);
+    for (std::size_t used : uses[i].formulas) used_by[used].push_back(i);
   std::vector<std::size_t> waits_for;
-  for (const auto& used : uses) waits_for.push_back(used.size());
+  for (const Uses& used : uses) waits_for.push_back(used.formulas.size());
   std::vector<std::size_t> order;
   for (std::size_t i = 0; i < count; ++i)
     if (waits_for[i] == 0) order.push_back(i);
@@ -92,8 +95,11 @@ bool FormulaTable::OrderSteps() {
   return order.size() == count;
 }
 
-void FormulaTable::AddStep(std::size_t formula, std::vector<std::size_t> uses) {
-  Step step{formula, evaluator_->Preparar(formulas_[formula].formula), {}, std::move(uses)};
+void FormulaTable::AddStep(std::size_t formula, Uses uses) {
+  const auto is_constant = [this](std::size_t used) { return is_constant_[used]; };
+  is_constant_[formula] = !uses.any_column && std::ranges::all_of(uses.formulas, is_constant);
+  Step step{
+      formula, evaluator_->Preparar(formulas_[formula].formula), {}, std::move(uses.formulas)};
   const Ref<Collection> faults = step.prepared->Errores();
   for (const Variant& record : faults->List().Items()) {
     if (!step.faults.empty()) step.faults.append(" | ");
@@ -105,6 +111,7 @@ void FormulaTable::AddStep(std::size_t formula, std::vector<std::size_t> uses) {
 
 void FormulaTable::Compute(std::size_t rows) {
   rows_ = rows;
+  if (rows == 0) return;
   for (std::vector<std::string>& failures : failures_) failures.clear();
   if (steps_.size() != formulas_.size()) return ComputeByRow();
   bound_.clear();
@@ -141,9 +148,11 @@ void FormulaTable::ComputeStep(const Step& step) {
     failures_[step.formula].assign(rows_, step.faults);
     std::ranges::fill(values, Variant());
   } else {
-    const auto errors = step.prepared->EvaluarTabla(bound_, rows_, std::span<Variant>(values));
+    const std::size_t rows = IsConstant(step.formula) ? 1 : rows_;
+    const auto errors = step.prepared->EvaluarTabla(bound_, rows, std::span<Variant>(values));
     for (const Formula::RowError& error : errors)
       Fail(step.formula, error.row, ShowError(error.error));
+    if (IsConstant(step.formula)) Spread(step.formula);
   }
   // A row in which a formula failed fails in all that build on it.
   for (std::size_t used : step.uses)
@@ -152,7 +161,18 @@ void FormulaTable::ComputeStep(const Step& step) {
   // A formula variable keeps numbers as Doubles.
   for (Variant& value : values)
     if (IsNumber(value)) value = ToDouble(value);
-  BindColumn(formulas_[step.formula].name, values);
+  if (IsConstant(step.formula))
+    evaluator_->SetVariable(formulas_[step.formula].name, values.front());
+  else
+    BindColumn(formulas_[step.formula].name, values);
+}
+
+// What a constant formula gave in the first row stands in all.
+void FormulaTable::Spread(std::size_t formula) {
+  std::vector<Variant>& values = values_[columns_.size() + formula];
+  std::fill(values.begin() + 1, values.end(), values.front());
+  std::vector<std::string>& failures = failures_[formula];
+  if (!failures.empty()) std::fill(failures.begin() + 1, failures.end(), failures.front());
 }
 
 void FormulaTable::ComputeByRow() {

@@ -34,6 +34,9 @@ class FormulaTable {
   /// Computes a portion of `rows` rows.
   void Compute(std::size_t rows);
 
+  /// Whether a formula reads no column, not even through others: it gives the same in
+  /// all rows of a portion.
+  bool IsConstant(std::size_t formula) const { return is_constant_[formula]; }
   /// What a formula gave in a row, if it did not fail there.
   const Variant& Result(std::size_t formula, std::size_t row) const {
     return values_[columns_.size() + formula][row];
@@ -51,12 +54,17 @@ class FormulaTable {
     std::string faults;             // of the check; it fails everywhere then
     std::vector<std::size_t> uses;  // the formulas that it names
   };
+  struct Uses {
+    std::vector<std::size_t> formulas;
+    bool any_column = false;
+  };
 
   void AddVariable(const Text& name);
-  std::vector<std::vector<std::size_t>> FindUses();
+  std::vector<Uses> FindUses();
   bool OrderSteps();
-  void AddStep(std::size_t formula, std::vector<std::size_t> uses);
+  void AddStep(std::size_t formula, Uses uses);
   void ComputeStep(const Step& step);
+  void Spread(std::size_t formula);
   void ComputeByRow();
   void BindColumn(const Text& name, const std::vector<Variant>& values);
   void Fail(std::size_t formula, std::size_t row, std::string failure);
@@ -65,7 +73,8 @@ class FormulaTable {
   std::vector<Text> columns_;
   std::vector<bool> is_read_;  // by column
   std::vector<NamedFormula> formulas_;
-  std::vector<Step> steps_;  // in order; none when the formulas go in a circle
+  std::vector<bool> is_constant_;  // by formula
+  std::vector<Step> steps_;        // in order; none when the formulas go in a circle
   std::size_t rows_ = 0;
   std::vector<std::vector<Variant>> values_;        // by column, then by formula
   std::vector<std::vector<std::string>> failures_;  // by formula; empty when none failed

@@ -155,6 +155,7 @@ class TableRun {
     for (std::size_t i = 0; i < table_->Columns(); ++i)
       if (table_->IsRead(i)) ReadColumn(i);
     table_->Compute(count_);
+    ShowConstants();
     for (std::size_t row = 0; row < count_; ++row) {
       const CsvRow& cells = rows_[row];
       for (std::size_t i = 0; i < table_->Columns(); ++i) writer_.Field(CellOf(cells, i));
@@ -164,6 +165,13 @@ class TableRun {
       writer_.EndRow();
     }
     count_ = 0;
+  }
+
+  void ShowConstants() {
+    constants_.resize(formulas_.size());
+    for (std::size_t i = 0; i < formulas_.size() && count_ > 0; ++i)
+      if (table_->IsConstant(i) && table_->Failure(i, 0).empty())
+        constants_[i] = ShowValue(table_->Result(i, 0));
   }
 
   void ReadColumn(std::size_t column) {
@@ -186,6 +194,8 @@ class TableRun {
                    std::to_string(table_->Columns()));
     else if (!failure.empty())
       WriteFailure(std::string(failure));
+    else if (table_->IsConstant(formula))
+      writer_.Field(constants_[formula]);
     else
       WriteValue(table_->Result(formula, row));
   }
@@ -210,10 +220,11 @@ class TableRun {
 
   std::vector<NamedFormula> formulas_;
   CsvWriter writer_;
-  std::optional<FormulaTable> table_;  // from the header on
-  std::vector<CsvRow> rows_;           // of a portion, as they were read
-  std::size_t count_ = 0;              // how many of them there are
-  Text number_;                        // of one cell, kept for its memory
+  std::optional<FormulaTable> table_;   // from the header on
+  std::vector<CsvRow> rows_;            // of a portion, as they were read
+  std::size_t count_ = 0;               // how many of them there are
+  std::vector<std::string> constants_;  // what constant formulas show in a portion, by formula
+  Text number_;                         // of one cell, kept for its memory
   Progress progress_;
   std::size_t failed_cells_ = 0;
   std::size_t failed_rows_ = 0;
