@@ -5,7 +5,6 @@
 #include <array>
 #include <charconv>
 #include <exception>
-#include <iterator>
 #include <utility>
 
 namespace tovalin::tool {
@@ -97,73 +96,82 @@ void CsvReader::ForEachRow(const std::function<void(CsvRow&)>& take) {
 CsvWriter::CsvWriter(const std::string& path)
     : file_(path.empty() ? stdout : std::fopen(path.c_str(), "wb")), owns_file_(!path.empty()) {
   if (!file_) RaiseAbout(Failure::PathAccess, path);
-  buffer_.reserve(kBlock + 1024);
+  buffer_.resize(kBlock);
 }
 
 CsvWriter::~CsvWriter() {
   if (owns_file_ && file_) std::fclose(file_);
 }
 
-void CsvWriter::BeginField() {
-  if (!first_in_row_) buffer_.push_back(',');
+// A field is written where it stays, without asking for room at every byte. `most` is
+// the most bytes that it may take.
+char* CsvWriter::BeginField(std::size_t most) {
+  if (buffer_.size() - used_ <= most) MakeRoom(most);
+  if (!first_in_row_) buffer_[used_++] = ',';
   first_in_row_ = false;
+  return buffer_.data() + used_;
+}
+
+void CsvWriter::MakeRoom(std::size_t most) {
+  Flush();
+  if (buffer_.size() <= most) buffer_.resize(most + 1);
 }
 
 void CsvWriter::Field(std::string_view utf8) {
-  BeginField();
+  char* target = BeginField(2 * utf8.size() + 2);
   bool quoted = false;
-  for (char c : utf8) quoted |= kNeedsQuotes[static_cast<unsigned char>(c)];
+  for (char c : utf8) {
+    quoted |= kNeedsQuotes[static_cast<unsigned char>(c)];
+    *target++ = c;
+  }
   if (quoted)
-    AppendQuoted(utf8);
+    Quote(utf8);
   else
-    buffer_.append(utf8);
+    EndField(target);
 }
 
-// The marks are looked for many characters at a time, and plain ASCII is narrowed
-// straight into the buffer.
+// The marks are looked for many characters at a time, and plain ASCII is narrowed on
+// the way.
 void CsvWriter::Field(TextView text) {
-  BeginField();
   char16_t bits = 0;
   std::uint16_t marks = 0;
   for (char16_t c : text) {
     bits |= c;
     marks |= static_cast<std::uint16_t>((c == u',') | (c == u'"') | (c == u'\r') | (c == u'\n'));
   }
-  if (marks != 0)
-    AppendQuoted(ToUtf8(text));
-  else if (bits >= 0x80)
-    buffer_.append(ToUtf8(text));
-  else
-    buffer_.append(text.begin(), text.end());
+  if (marks != 0 || bits >= 0x80) return Field(std::string_view(ToUtf8(text)));
+  char* target = BeginField(text.size());
+  for (char16_t c : text) *target++ = static_cast<char>(c);
+  EndField(target);
 }
 
 void CsvWriter::Field(std::int64_t whole) {
-  BeginField();
-  char digits[24];
-  buffer_.append(digits, std::to_chars(digits, std::end(digits), whole).ptr);
+  constexpr std::size_t kMost = 20;
+  char* target = BeginField(kMost);
+  EndField(std::to_chars(target, target + kMost, whole).ptr);
 }
 
-void CsvWriter::AppendQuoted(std::string_view utf8) {
-  buffer_.push_back('"');
-  for (;;) {
-    const std::size_t quote = utf8.find('"');
-    buffer_.append(utf8.substr(0, quote));
-    if (quote == std::string_view::npos) break;
-    buffer_.append("\"\"");
-    utf8.remove_prefix(quote + 1);
+// The field that was begun, which has room for every character twice.
+void CsvWriter::Quote(std::string_view utf8) {
+  char* target = buffer_.data() + used_;
+  *target++ = '"';
+  for (char c : utf8) {
+    if (c == '"') *target++ = '"';
+    *target++ = c;
   }
-  buffer_.push_back('"');
+  *target++ = '"';
+  EndField(target);
 }
 
 void CsvWriter::EndRow() {
-  buffer_.push_back('\n');
+  if (used_ == buffer_.size()) MakeRoom(0);
+  buffer_[used_++] = '\n';
   first_in_row_ = true;
-  if (buffer_.size() >= kBlock) Flush();
 }
 
 void CsvWriter::Flush() {
-  const bool written = std::fwrite(buffer_.data(), 1, buffer_.size(), file_) == buffer_.size();
-  buffer_.clear();
+  const bool written = std::fwrite(buffer_.data(), 1, used_, file_) == used_;
+  used_ = 0;
   if (!written) Raise(Failure::DiskFull);
 }
 

@@ -50,14 +50,17 @@ class CsvWriter {
   void Finish();
 
  private:
-  void BeginField();
-  void AppendQuoted(std::string_view utf8);
+  char* BeginField(std::size_t most);
+  void Quote(std::string_view utf8);
+  void EndField(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.data()); }
+  void MakeRoom(std::size_t most);
   void Flush();
 
   std::FILE* file_;
   bool owns_file_;
   bool first_in_row_ = true;
-  std::string buffer_;
+  std::vector<char> buffer_;
+  std::size_t used_ = 0;  // of it
 };
 
 }  // namespace tovalin::tool

@@ -43,6 +43,7 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
   for (const NamedFormula& formula : formulas_) AddVariable(formula.name);
   if (OrderSteps()) return;
   steps_.clear();
+  is_constant_.assign(formulas_.size(), false);
   for (const NamedFormula& formula : formulas_)
     evaluator_->Variables()->Item(formula.name)->LetFormula(formula.formula);
 }
