@@ -144,20 +144,11 @@ class TableRun {
   void RunBlock(ValueColumns& columns, std::size_t first, std::size_t count) {
     columns.Run(first, count);
     for (std::size_t i = 0; i < count; ++i) {
-      std::optional<Variant> result = columns.TakeResult(i);
-      if (!result || !Store(first + i, *result)) RunRows(first + i, first + i + 1);
+      if (std::optional<Variant> result = columns.TakeResult(i))
+        Store(first + i, [&result] { return std::move(*result); });
+      else
+        RunRows(first + i, first + i + 1);
     }
-  }
-
-  // Whether the value could be stored.
-  bool Store(std::size_t row, Variant& value) {
-    if constexpr (std::is_same_v<Result, double>) {
-      if (!value.Is(Subtype::Double)) return false;
-      results_[row] = value.AsDouble();
-    } else {
-      results_[row] = std::move(value);
-    }
-    return true;
   }
 
   // True is -1 as a number.
@@ -178,16 +169,20 @@ class TableRun {
   void RunRows(std::size_t first, std::size_t end) {
     for (std::size_t row = first; row < end; ++row) {
       variables_.TakeRow(row);
-      try {
-        Variant value = formula_.Evaluate().value;
-        if constexpr (std::is_same_v<Result, double>)
-          results_[row] = ToDouble(value);
-        else
-          results_[row] = std::move(value);
-      } catch (const Error& error) {
-        results_[row] = NoResult();
-        errors_.push_back({row, error});
-      }
+      Store(row, [this] { return formula_.Evaluate().value; });
+    }
+  }
+
+  template <class Compute>
+  void Store(std::size_t row, Compute compute) {
+    try {
+      if constexpr (std::is_same_v<Result, double>)
+        results_[row] = ToDouble(compute());
+      else
+        results_[row] = compute();
+    } catch (const Error& error) {
+      results_[row] = NoResult();
+      errors_.push_back({row, error});
     }
   }
 

@@ -39,8 +39,11 @@ ValueColumns::ValueColumns(const Plan& plan, std::span<const Bound> columns) {
     // Functions without arguments read the clock.
     if (!IsPush(item.kind) && (step.takes == 0 || step.takes > held)) is_ready_ = false;
     if (item.kind == ItemKind::Variable && item.record->HasFormula()) is_ready_ = false;
-    if (!is_ready_) return;
     held = held - step.takes + 1;
+    if (!is_ready_ || held > kDeepest) {
+      is_ready_ = false;
+      return;
+    }
     if (slots_.size() < held) slots_.emplace_back();
   }
   is_ready_ = held == 1 && !IsPush(plan.items.back().kind);
@@ -59,8 +62,9 @@ ValueColumns::Step ValueColumns::MakeStep(const Plan& plan, const Item& item,
     const auto is_bound = [&item](const Bound& bound) {
       return item.kind == ItemKind::Variable && bound.source == &item.record->Value();
     };
-    const auto bound = std::ranges::find_if(columns, is_bound);
-    if (bound != columns.end())
+    // A name that was given twice has the last of its columns, as row by row.
+    const auto bound = std::find_if(columns.rbegin(), columns.rend(), is_bound);
+    if (bound != columns.rend())
       step.column = bound->column;
     else
       step.constant = Normalised(ConstantOf(plan, item));

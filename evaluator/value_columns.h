@@ -20,6 +20,7 @@ namespace tovalin {
 class ValueColumns {
  public:
   static constexpr std::size_t kBlock = NumericColumns::kBlock;
+  static constexpr std::size_t kDeepest = 64;  // a block is held for each place of the stack
 
   /// A column in place of a variable's value.
   struct Bound {
