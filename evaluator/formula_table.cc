@@ -120,7 +120,7 @@ class TableRun {
       if (numbers && numbers->IsReady() && RunBlock(*numbers, first, count)) continue;
       if (!values) values.emplace(*plan_, variables_.All());
       if (values->IsReady())
-        RunBlock(*values, first, count);
+        RunBlocks(*values, first, first + count);
       else
         RunRows(first, first + count);
     }
@@ -141,13 +141,16 @@ class TableRun {
     }
   }
 
-  void RunBlock(ValueColumns& columns, std::size_t first, std::size_t count) {
-    columns.Run(first, count);
-    for (std::size_t i = 0; i < count; ++i) {
-      if (std::optional<Variant> result = columns.TakeResult(i))
-        Store(first + i, [&result] { return std::move(*result); });
-      else
-        RunRows(first + i, first + i + 1);
+  void RunBlocks(ValueColumns& columns, std::size_t first, std::size_t end) {
+    for (; first < end; first += ValueColumns::kBlock) {
+      const std::size_t count = std::min(ValueColumns::kBlock, end - first);
+      columns.Run(first, count);
+      for (std::size_t i = 0; i < count; ++i) {
+        if (std::optional<Variant> result = columns.TakeResult(i))
+          Store(first + i, [&result] { return std::move(*result); });
+        else
+          RunRows(first + i, first + i + 1);
+      }
     }
   }
 

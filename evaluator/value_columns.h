@@ -19,7 +19,9 @@ namespace tovalin {
 /// place.
 class ValueColumns {
  public:
-  static constexpr std::size_t kBlock = NumericColumns::kBlock;
+  // A block of values stays in the first cache, and below the size for which the
+  // allocator puts its small pieces together again: 512 rows take 5 % longer.
+  static constexpr std::size_t kBlock = 60;
   static constexpr std::size_t kDeepest = 64;  // a block is held for each place of the stack
 
   /// A column in place of a variable's value.

@@ -38,7 +38,8 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
       formulas_(std::move(formulas)),
       is_constant_(formulas_.size()),
       values_(columns_.size() + formulas_.size()),
-      failures_(formulas_.size()) {
+      failures_(formulas_.size()),
+      numbers_(values_.size()) {
   for (const Text& column : columns_) AddVariable(column);
   for (const NamedFormula& formula : formulas_) AddVariable(formula.name);
   if (OrderSteps()) return;
@@ -116,10 +117,8 @@ void FormulaTable::Compute(std::size_t rows) {
   for (std::vector<std::string>& failures : failures_) failures.clear();
   if (steps_.size() != formulas_.size()) return ComputeByRow();
   bound_.clear();
-  numbers_.clear();
-  numbers_.reserve(values_.size());
   for (std::size_t i = 0; i < columns_.size(); ++i)
-    if (is_read_[i]) BindColumn(columns_[i], values_[i]);
+    if (is_read_[i]) Bind(i);
   for (const Step& step : steps_) ComputeStep(step);
 }
 
@@ -129,15 +128,19 @@ void FormulaTable::Fail(std::size_t formula, std::size_t row, std::string failur
   failures_[formula][row] = std::move(failure);
 }
 
-// A column of Doubles alone goes as numbers, which whole blocks are computed from.
-void FormulaTable::BindColumn(const Text& name, const std::vector<Variant>& values) {
+// Lets the next formulas use a column or formula, by its place in values_. Doubles
+// alone go as numbers, which whole blocks are computed from.
+void FormulaTable::Bind(std::size_t place) {
+  const std::size_t columns = columns_.size();
+  const Text& name = place < columns ? columns_[place] : formulas_[place - columns].name;
+  const std::vector<Variant>& values = values_[place];
   const auto is_double = [](const Variant& value) { return value.Is(Subtype::Double); };
   if (!std::ranges::all_of(values, is_double)) {
     bound_.push_back({name, std::span<const Variant>(values)});
     return;
   }
-  std::vector<double>& numbers = numbers_.emplace_back();
-  numbers.reserve(values.size());
+  std::vector<double>& numbers = numbers_[place];
+  numbers.clear();
   for (const Variant& value : values) numbers.push_back(value.AsDouble());
   bound_.push_back({name, std::span<const double>(numbers)});
 }
@@ -165,7 +168,7 @@ void FormulaTable::ComputeStep(const Step& step) {
   if (IsConstant(step.formula))
     evaluator_->SetVariable(formulas_[step.formula].name, values.front());
   else
-    BindColumn(formulas_[step.formula].name, values);
+    Bind(columns_.size() + step.formula);
 }
 
 // What a constant formula gave in the first row stands in all.

@@ -66,7 +66,7 @@ class FormulaTable {
   void ComputeStep(const Step& step);
   void Spread(std::size_t formula);
   void ComputeByRow();
-  void BindColumn(const Text& name, const std::vector<Variant>& values);
+  void Bind(std::size_t place);
   void Fail(std::size_t formula, std::size_t row, std::string failure);
 
   Ref<Evaluador> evaluator_;
@@ -79,7 +79,8 @@ class FormulaTable {
   std::vector<std::vector<Variant>> values_;        // by column, then by formula
   std::vector<std::vector<std::string>> failures_;  // by formula; empty when none failed
   std::vector<Formula::Column> bound_;              // what the next formula may use
-  std::vector<std::vector<double>> numbers_;        // of the columns that hold Doubles alone
+  // The same where a column or formula gave Doubles alone; kept for their memory.
+  std::vector<std::vector<double>> numbers_;
 };
 
 }  // namespace tovalin::tool
