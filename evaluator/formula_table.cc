@@ -1,14 +1,16 @@
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <type_traits>
 
 #include "evaluator/formula_core.h"
 #include "evaluator/numeric_columns.h"
+#include "evaluator/value_columns.h"
 #include "tovalin/convert.h"
 #include "tovalin/formula.h"
 
 // Formula::EvaluarTabla: whole blocks of rows at once where a plan computes with
-// numbers alone, row after row otherwise.
+// numbers alone or at least calls no host, row after row otherwise.
 
 namespace tovalin {
 namespace {
@@ -75,6 +77,13 @@ class BoundVariables {
     return bound;
   }
 
+  std::vector<ValueColumns::Bound> All() const {
+    std::vector<ValueColumns::Bound> bound;
+    for (std::size_t i = 0; i < records_.size(); ++i)
+      bound.push_back({&records_[i]->Value(), &columns_[i]});
+    return bound;
+  }
+
   /// Whether a column of Variants stands for a value that `program` loads.
   bool NeedsVariants(const NumericProgram& program) const {
     return std::ranges::any_of(program.steps, [this](const NumericStep& step) {
@@ -107,18 +116,18 @@ class TableRun {
   }
 
   std::vector<RowError> Run() {
-    if (!plan_->numeric || variables_.NeedsVariants(plan_->numeric)) {
-      RunRows(0, rows_);
-      return std::move(errors_);
-    }
-    NumericColumns columns(plan_->numeric, variables_.Doubles());
-    if (!columns.IsReady()) {
-      RunRows(0, rows_);
-      return std::move(errors_);
-    }
+    std::optional<NumericColumns> numbers;
+    if (plan_->numeric && !variables_.NeedsVariants(plan_->numeric))
+      numbers.emplace(plan_->numeric, variables_.Doubles());
+    std::optional<ValueColumns> values;
     for (std::size_t first = 0; first < rows_; first += NumericColumns::kBlock) {
       const std::size_t count = std::min(NumericColumns::kBlock, rows_ - first);
-      if (!RunBlock(columns, first, count)) RunRows(first, first + count);
+      if (numbers && numbers->IsReady() && RunBlock(*numbers, first, count)) continue;
+      if (!values) values.emplace(*plan_, variables_.All());
+      if (values->IsReady())
+        RunBlocks(*values, first, first + count);
+      else
+        RunRows(first, first + count);
     }
     return std::move(errors_);
   }
@@ -134,6 +143,19 @@ class TableRun {
       for (std::size_t i = 0; i < count; ++i)
         results_[first + i] = boolean ? Variant(block_[i] != 0) : Variant(block_[i]);
       return true;
+    }
+  }
+
+  void RunBlocks(ValueColumns& columns, std::size_t first, std::size_t end) {
+    for (; first < end; first += ValueColumns::kBlock) {
+      const std::size_t count = std::min(ValueColumns::kBlock, end - first);
+      columns.Run(first, count);
+      for (std::size_t i = 0; i < count; ++i) {
+        if (std::optional<Variant> result = columns.TakeResult(i))
+          Store(first + i, [&result] { return std::move(*result); });
+        else
+          RunRows(first + i, first + i + 1);
+      }
     }
   }
 
@@ -155,16 +177,20 @@ class TableRun {
   void RunRows(std::size_t first, std::size_t end) {
     for (std::size_t row = first; row < end; ++row) {
       variables_.TakeRow(row);
-      try {
-        Variant value = formula_.Evaluate().value;
-        if constexpr (std::is_same_v<Result, double>)
-          results_[row] = ToDouble(value);
-        else
-          results_[row] = std::move(value);
-      } catch (const Error& error) {
-        results_[row] = NoResult();
-        errors_.push_back({row, error});
-      }
+      Store(row, [this] { return formula_.Evaluate().value; });
+    }
+  }
+
+  template <class Compute>
+  void Store(std::size_t row, Compute compute) {
+    try {
+      if constexpr (std::is_same_v<Result, double>)
+        results_[row] = ToDouble(compute());
+      else
+        results_[row] = compute();
+    } catch (const Error& error) {
+      results_[row] = NoResult();
+      errors_.push_back({row, error});
     }
   }
 

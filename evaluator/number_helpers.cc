@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <optional>
 #include <span>
 
 #include "frame/number_text.h"
@@ -39,9 +41,37 @@ bool RoundsUp(const DecimalDigits& digits, int place) {
   return place > 0 && (digits.digits[place - 1] - '0') % 2 == 1;
 }
 
+// Powers that are exact, and so what std::pow gives.
+double PowerOfTen(std::int32_t exponent) {
+  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                       1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                       1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  static_assert(std::size(kPowers) == kMostDecimals + 1);
+  return exponent >= 0 && exponent <= kMostDecimals ? kPowers[exponent] : std::pow(10.0, exponent);
+}
+
+// Fifteen digits and the scaling move a number by less than this part of it, so that
+// only next to a boundary they tell on which side it lies. Not asking for them
+// elsewhere buys most of the time of a rounding.
+constexpr double kBlur = 1e-14;
+constexpr double kBlurLimit = 1e13;
+
+/// `value` rounded to `decimals`, unless it lies next to a half.
+std::optional<double> RoundOffHalves(double value, std::int32_t decimals) {
+  const double scaled = std::fabs(value) * PowerOfTen(decimals);
+  if (!(scaled < kBlurLimit)) return std::nullopt;
+  const double units = std::nearbyint(scaled);
+  if (0.5 - std::fabs(scaled - units) <= kBlur * scaled) return std::nullopt;
+  const double magnitude = units / PowerOfTen(decimals);
+  return value < 0 && magnitude != 0 ? -magnitude : magnitude;
+}
+
 /// The greatest whole number that is not above `value`. Only a negative step
 /// makes the value negative, and then too this rounds to the nearest multiple.
 double WholePart(double value) {
+  const double magnitude = std::fabs(value);
+  if (magnitude < kBlurLimit && std::fabs(value - std::nearbyint(value)) > kBlur * magnitude)
+    return std::floor(value);
   const DecimalDigits digits = ToDecimalDigits(Finite(value), kSignificant);
   if (digits.exponent >= kSignificant) return std::floor(value);
   const double whole = LeadingDigits(digits, digits.exponent);
@@ -64,12 +94,13 @@ double Finite(double value) {
 
 double RoundHalfEven(double value, std::int32_t decimals) {
   if (decimals < 0 || decimals > kMostDecimals) Raise(Failure::InvalidArgument);
+  if (const auto rounded = RoundOffHalves(value, decimals)) return *rounded;
   const DecimalDigits digits = ToDecimalDigits(Finite(value), kSignificant);
   const int kept = digits.exponent + decimals;
   if (kept >= kSignificant) return decimals == 0 ? std::nearbyint(value) : value;
   if (kept < 0) return 0;
   const double units = LeadingDigits(digits, kept) + (RoundsUp(digits, kept) ? 1 : 0);
-  const double magnitude = units / std::pow(10.0, decimals);
+  const double magnitude = units / PowerOfTen(decimals);
   return digits.negative && magnitude != 0 ? -magnitude : magnitude;
 }
 
@@ -84,7 +115,7 @@ double AjusteMedio(double value, double step, std::int32_t decimals) {
 }
 
 double Redondear(double value, std::int32_t n) {
-  const double step = Finite(std::nearbyint(std::pow(10.0, n)));
+  const double step = Finite(std::nearbyint(PowerOfTen(n)));
   return RoundHalfEven(AjusteMedio(value, step, 0), 0);
 }
 

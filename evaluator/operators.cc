@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "evaluator/builtin_arguments.h"
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
 #include "tovalin/convert.h"
@@ -48,8 +49,8 @@ Variant Quotient(const Variant& left, const Variant& right) {
 
 bool IsWithin(const Variant& whole, const Variant& part) {
   if (whole.Is(Subtype::Null) || part.Is(Subtype::Null)) return false;
-  const Text text = ToText(whole);
-  return !text.empty() && FindFolded(text, ToText(part)) != Text::npos;
+  const builtins::TextArgument text(whole);
+  return !text.View().empty() && FindFolded(text, builtins::TextArgument(part)) != Text::npos;
 }
 
 // Text without quotes and commas stays so when more of it is joined: what is
@@ -64,7 +65,92 @@ Variant Join(Variant left, const Variant& right) {
   return joined;
 }
 
-Variant Binary(OperatorCode code, Variant& left, const Variant& right) {
+void ApplyUnary(OperatorCode code, ValueStack& stack) {
+  Variant value = Pop(stack);
+  const bool negates = code == OperatorCode::Subtract || code == OperatorCode::Negating;
+  stack.push_back(negates ? Negated(value) : std::move(value));
+}
+
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+// Whether the digits of a text are grouped by thousands: 1,234 and 12,345,678.90,
+// but no list such as 1,2,3 and no pattern such as 0,000.00.
+bool HasThousands(TextView text) {
+  const auto first = std::ranges::find_if(text, IsDigit);
+  if (first == text.end() || *first == u'0') return false;
+  text.remove_prefix(static_cast<std::size_t>(first - text.begin()));
+  const char16_t separator = CurrentLocale().thousands_separator;
+  const auto digits = [&text] {
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, IsDigit) - text.begin());
+  };
+  std::size_t groups = 0;
+  for (std::size_t count = digits(); groups == 0 ? count <= 3 : count == 3; count = digits()) {
+    text.remove_prefix(count);
+    if (!text.starts_with(separator)) return groups > 0;
+    text.remove_prefix(1);
+    ++groups;
+  }
+  return false;
+}
+
+Variant NormalisedText(Variant value) {
+  SharedText& shared = value.AsSharedText();
+  if (shared.is_plain) return value;
+  if (IsNormalised(TextView(shared.value))) {
+    if (shared.references.Value() == 1) shared.is_plain = true;
+    return value;
+  }
+  if (HasThousands(shared.value))
+    if (const auto number = ReadNumber(shared.value)) return *number;
+  if (shared.value.find(u'"') == Text::npos) return value;
+  Text stripped = shared.value;
+  std::erase(stripped, u'"');
+  return stripped;
+}
+
+}  // namespace
+
+OperatorCode CodeOf(TextView literal) {
+  for (const OperatorName& name : kNames)
+    if (name.literal == literal) return name.code;
+  return OperatorCode::Unknown;
+}
+
+Variant Pop(ValueStack& stack) {
+  if (stack.empty()) return Variant();
+  Variant value = std::move(stack.back());
+  stack.pop_back();
+  return Normalised(std::move(value));
+}
+
+// Quotes and separators are looked for at once and many characters at a time: most
+// texts hold neither.
+bool IsNormalised(TextView text) {
+  const char16_t separator = CurrentLocale().thousands_separator;
+  std::uint16_t marks = 0;
+  for (char16_t c : text) marks |= static_cast<std::uint16_t>((c == u'"') | (c == separator));
+  return marks == 0;
+}
+
+Variant Normalised(Variant value) {
+  if (!value.Is(Subtype::String)) return value;
+  return NormalisedText(value.IsByReference() ? Variant(value.Value()) : std::move(value));
+}
+
+std::size_t OperandsOf(OperatorCode code) {
+  switch (code) {
+    case OperatorCode::Between:
+      return 3;
+    case OperatorCode::Negated:
+    case OperatorCode::Negating:
+    case OperatorCode::Unknown:
+      return 0;
+    default:
+      return 2;
+  }
+}
+
+Variant Combine(OperatorCode code, Variant& left, const Variant& right) {
   switch (code) {
     case OperatorCode::Add:
       if (left.Is(Subtype::String) && right.Is(Subtype::String))
@@ -105,67 +191,8 @@ Variant Binary(OperatorCode code, Variant& left, const Variant& right) {
   }
 }
 
-void ApplyUnary(OperatorCode code, ValueStack& stack) {
-  Variant value = Pop(stack);
-  const bool negates = code == OperatorCode::Subtract || code == OperatorCode::Negating;
-  stack.push_back(negates ? Negated(value) : std::move(value));
-}
-
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-// Whether the digits of a text are grouped by thousands: 1,234 and 12,345,678.90,
-// but no list such as 1,2,3 and no pattern such as 0,000.00.
-bool HasThousands(TextView text) {
-  const auto first = std::ranges::find_if(text, IsDigit);
-  if (first == text.end() || *first == u'0') return false;
-  text.remove_prefix(static_cast<std::size_t>(first - text.begin()));
-  const char16_t separator = CurrentLocale().thousands_separator;
-  const auto digits = [&text] {
-    return static_cast<std::size_t>(std::ranges::find_if_not(text, IsDigit) - text.begin());
-  };
-  std::size_t groups = 0;
-  for (std::size_t count = digits(); groups == 0 ? count <= 3 : count == 3; count = digits()) {
-    text.remove_prefix(count);
-    if (!text.starts_with(separator)) return groups > 0;
-    text.remove_prefix(1);
-    ++groups;
-  }
-  return false;
-}
-
-Variant NormalisedText(Variant value) {
-  SharedText& shared = value.AsSharedText();
-  if (shared.is_plain) return value;
-  const bool commas = shared.value.find(CurrentLocale().thousands_separator) != Text::npos;
-  if (commas && HasThousands(shared.value))
-    if (const auto number = ReadNumber(shared.value)) return *number;
-  if (shared.value.find(u'"') == Text::npos) {
-    if (!commas && shared.references.Value() == 1) shared.is_plain = true;
-    return value;
-  }
-  Text stripped = shared.value;
-  std::erase(stripped, u'"');
-  return stripped;
-}
-
-}  // namespace
-
-OperatorCode CodeOf(TextView literal) {
-  for (const OperatorName& name : kNames)
-    if (name.literal == literal) return name.code;
-  return OperatorCode::Unknown;
-}
-
-Variant Pop(ValueStack& stack) {
-  if (stack.empty()) return Variant();
-  Variant value = std::move(stack.back());
-  stack.pop_back();
-  return Normalised(std::move(value));
-}
-
-Variant Normalised(Variant value) {
-  if (!value.Is(Subtype::String)) return value;
-  return NormalisedText(value.IsByReference() ? Variant(value.Value()) : std::move(value));
+Variant IsBetween(const Variant& tested, const Variant& low, const Variant& high) {
+  return GreaterOrEqual(tested, low) && LessOrEqual(tested, high);
 }
 
 void ApplyOperator(OperatorCode code, ValueStack& stack) {
@@ -178,13 +205,13 @@ void ApplyOperator(OperatorCode code, ValueStack& stack) {
   Variant left = Pop(stack);
   if (code == OperatorCode::Between) {
     const Variant tested = Pop(stack);
-    stack.emplace_back(GreaterOrEqual(tested, left) && LessOrEqual(tested, right));
+    stack.push_back(IsBetween(tested, left, right));
   } else if (code == OperatorCode::Negated || code == OperatorCode::Negating) {
     // Deliberately two values: the negation stands for the sign of the right one.
     stack.push_back(left);
     stack.push_back(Negated(right));
   } else {
-    stack.push_back(Binary(code, left, right));
+    stack.push_back(Combine(code, left, right));
   }
 }
 

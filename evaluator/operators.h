@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -43,9 +44,24 @@ Variant Pop(ValueStack& stack);
 
 /// A value as Pop gives it.
 Variant Normalised(Variant value);
+/// Whether a text is so already.
+bool IsNormalised(TextView text);
+/// Whether a value is so already.
+inline bool IsNormalised(const Variant& value) {
+  if (value.IsByReference()) return false;
+  return !value.Is(Subtype::String) || value.AsSharedText().is_plain ||
+         IsNormalised(TextView(value.AsText()));
+}
 
 /// Applies an operator to the top of the stack. With a single value it is unary,
 /// with none it pushes Empty.
 void ApplyOperator(OperatorCode code, ValueStack& stack);
+
+/// How many values an operator makes one of, or 0 when it does not.
+std::size_t OperandsOf(OperatorCode code);
+/// The value of an operator of two normalised operands; `left` may be used up.
+Variant Combine(OperatorCode code, Variant& left, const Variant& right);
+/// BETWEEN, the operator of three.
+Variant IsBetween(const Variant& tested, const Variant& low, const Variant& high);
 
 }  // namespace tovalin

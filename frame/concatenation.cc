@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include "frame/arithmetic.h"
@@ -5,6 +6,13 @@
 
 namespace tovalin {
 namespace {
+
+// Joins come in chains: room for what follows spares most of the growing.
+constexpr std::size_t kRoom = 47;
+
+std::size_t LengthOf(const Variant& value) {
+  return value.Is(Subtype::String) ? value.AsText().size() : 0;
+}
 
 void AppendOperand(Text& text, const Variant& value) {
   if (!value.Is(Subtype::Null)) AppendText(text, value);
@@ -15,8 +23,7 @@ void AppendOperand(Text& text, const Variant& value) {
 Variant Concatenate(const Variant& left, const Variant& right) {
   if (left.Is(Subtype::Null) && right.Is(Subtype::Null)) return Variant::Null();
   Text text;
-  if (left.Is(Subtype::String) && right.Is(Subtype::String))
-    text.reserve(left.AsText().size() + right.AsText().size());
+  text.reserve(std::max(kRoom, LengthOf(left) + LengthOf(right)));
   AppendOperand(text, left);
   AppendOperand(text, right);
   return text;

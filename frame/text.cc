@@ -49,11 +49,13 @@ Decoded DecodeOne(std::string_view utf8) {
   return {kReplacement, 1};
 }
 
-void AppendCodePoint(std::string& utf8, char32_t code_point) {
+// Writes a code point at `target` and answers the place behind it.
+char* WriteUtf8(char* target, char32_t code_point) {
   std::size_t extra = 0;
   while (extra + 1 < std::size(kForms) && code_point >= kForms[extra + 1].least) ++extra;
-  utf8.push_back(static_cast<char>(kForms[extra].lead | code_point >> (6 * extra)));
-  while (extra-- > 0) utf8.push_back(static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F)));
+  *target++ = static_cast<char>(kForms[extra].lead | code_point >> (6 * extra));
+  while (extra-- > 0) *target++ = static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F));
+  return target;
 }
 
 // Plain ASCII, as nearly all formulas are: a short text by its characters, a long one
@@ -87,11 +89,15 @@ constexpr auto kLatin1Fold = [] {
   return fold;
 }();
 
+// The longest part that the plain search looks for, and the longest text in which
+// folding on the way costs less than copies.
+constexpr std::size_t kPlainSearch = 64;
+constexpr std::size_t kShortText = 1024;
+
 // A long part is searched by its own prefixes (Knuth, Morris and Pratt), since
 // the plain search may take the product of both lengths.
 std::size_t FindExact(TextView text, TextView part) {
-  constexpr std::size_t kPlain = 64;
-  if (part.size() <= kPlain || part.size() > text.size()) return text.find(part);
+  if (part.size() <= kPlainSearch || part.size() > text.size()) return text.find(part);
   std::vector<std::size_t> border(part.size());
   for (std::size_t i = 1, matched = 0; i < part.size(); ++i) {
     while (matched > 0 && part[i] != part[matched]) matched = border[matched - 1];
@@ -112,18 +118,21 @@ Text FromUtf8(std::string_view utf8) {
   int bits = 0;
   for (char c : utf8) bits |= c;
   if ((bits & 0x80) == 0) return Text(utf8.begin(), utf8.end());
-  Text text;
-  text.reserve(utf8.size());
+  Text text(utf8.size(), u'\0');
+  char16_t* target = text.data();
   while (!utf8.empty()) {
-    const Decoded next = DecodeOne(utf8);
+    const Decoded next = static_cast<unsigned char>(utf8[0]) < 0x80
+                             ? Decoded{static_cast<char32_t>(utf8[0]), 1}
+                             : DecodeOne(utf8);
     utf8.remove_prefix(next.length);
     if (next.code_point < 0x10000) {
-      text.push_back(static_cast<char16_t>(next.code_point));
+      *target++ = static_cast<char16_t>(next.code_point);
     } else {
-      text.push_back(static_cast<char16_t>(0xD7C0 + (next.code_point >> 10)));
-      text.push_back(static_cast<char16_t>(0xDC00 + (next.code_point & 0x3FF)));
+      *target++ = static_cast<char16_t>(0xD7C0 + (next.code_point >> 10));
+      *target++ = static_cast<char16_t>(0xDC00 + (next.code_point & 0x3FF));
     }
   }
+  text.resize(static_cast<std::size_t>(target - text.data()));
   return text;
 }
 
@@ -135,16 +144,22 @@ std::string ToUtf8(TextView text) {
 
 void AppendUtf8(std::string& utf8, TextView text) {
   if (AppendAscii(utf8, text)) return;
-  utf8.reserve(utf8.size() + text.size() + text.size() / 8);
+  constexpr std::size_t kMostBytes = 3;  // of a character; a pair has four
+  const std::size_t before = utf8.size();
+  utf8.resize(before + kMostBytes * text.size());
+  char* target = utf8.data() + before;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
-    if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+    if (c < 0x80) {
+      *target++ = static_cast<char>(c);
+    } else if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;
-      AppendCodePoint(utf8, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
+      target = WriteUtf8(target, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
     } else {
-      AppendCodePoint(utf8, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
+      target = WriteUtf8(target, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
     }
   }
+  utf8.resize(static_cast<std::size_t>(target - utf8.data()));
 }
 
 char16_t FoldCase(char16_t c) {
@@ -174,8 +189,23 @@ bool EqualFolded(TextView left, TextView right) {
                     [](char16_t a, char16_t b) { return a == b || FoldCase(a) == FoldCase(b); });
 }
 
+namespace {
+
+// Without a copy of either text: most parts are words.
+std::size_t FindShortFolded(TextView text, TextView part, std::size_t from) {
+  if (part.empty()) return from;
+  const char16_t first = FoldCase(part.front());
+  for (std::size_t i = from; i + part.size() <= text.size(); ++i)
+    if (FoldCase(text[i]) == first && EqualFolded(text.substr(i, part.size()), part)) return i;
+  return TextView::npos;
+}
+
+}  // namespace
+
 std::size_t FindFolded(TextView text, TextView part, std::size_t from) {
   if (from > text.size()) return TextView::npos;
+  if (part.size() <= kPlainSearch && text.size() - from <= kShortText)
+    return FindShortFolded(text, part, from);
   // Fold once, then search for equal characters.
   const Text folded = ToLower(text.substr(from));
   const std::size_t found = FindExact(folded, ToLower(part));

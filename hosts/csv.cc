@@ -2,6 +2,8 @@
 
 #include <csv.h>
 
+#include <array>
+#include <charconv>
 #include <exception>
 #include <utility>
 
@@ -9,6 +11,13 @@ namespace tovalin::tool {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 18;
+
+// By character: whether a field that holds it is written in quotes.
+constexpr auto kNeedsQuotes = [] {
+  std::array<bool, 256> quoted{};
+  for (unsigned char c : {',', '"', '\r', '\n'}) quoted[c] = true;
+  return quoted;
+}();
 
 // What the callbacks of the parser share. Errors must not fly through its C code:
 // they wait here.
@@ -87,37 +96,82 @@ void CsvReader::ForEachRow(const std::function<void(CsvRow&)>& take) {
 CsvWriter::CsvWriter(const std::string& path)
     : file_(path.empty() ? stdout : std::fopen(path.c_str(), "wb")), owns_file_(!path.empty()) {
   if (!file_) RaiseAbout(Failure::PathAccess, path);
-  buffer_.reserve(kBlock + 1024);
+  buffer_.resize(kBlock);
 }
 
 CsvWriter::~CsvWriter() {
   if (owns_file_ && file_) std::fclose(file_);
 }
 
-void CsvWriter::Field(std::string_view text) {
-  if (!first_in_row_) buffer_.push_back(',');
+// A field is written where it stays, without asking for room at every byte. `most` is
+// the most bytes that it may take.
+char* CsvWriter::BeginField(std::size_t most) {
+  if (buffer_.size() - used_ <= most) MakeRoom(most);
+  if (!first_in_row_) buffer_[used_++] = ',';
   first_in_row_ = false;
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-    buffer_.append(text);
-    return;
+  return buffer_.data() + used_;
+}
+
+void CsvWriter::MakeRoom(std::size_t most) {
+  Flush();
+  if (buffer_.size() <= most) buffer_.resize(most + 1);
+}
+
+void CsvWriter::Field(std::string_view utf8) {
+  char* target = BeginField(2 * utf8.size() + 2);
+  bool quoted = false;
+  for (char c : utf8) {
+    quoted |= kNeedsQuotes[static_cast<unsigned char>(c)];
+    *target++ = c;
   }
-  buffer_.push_back('"');
-  for (char c : text) {
-    if (c == '"') buffer_.push_back('"');
-    buffer_.push_back(c);
+  if (quoted)
+    Quote(utf8);
+  else
+    EndField(target);
+}
+
+// The marks are looked for many characters at a time, and plain ASCII is narrowed on
+// the way.
+void CsvWriter::Field(TextView text) {
+  char16_t bits = 0;
+  std::uint16_t marks = 0;
+  for (char16_t c : text) {
+    bits |= c;
+    marks |= static_cast<std::uint16_t>((c == u',') | (c == u'"') | (c == u'\r') | (c == u'\n'));
   }
-  buffer_.push_back('"');
+  if (marks != 0 || bits >= 0x80) return Field(std::string_view(ToUtf8(text)));
+  char* target = BeginField(text.size());
+  for (char16_t c : text) *target++ = static_cast<char>(c);
+  EndField(target);
+}
+
+void CsvWriter::Field(std::int64_t whole) {
+  constexpr std::size_t kMost = 20;
+  char* target = BeginField(kMost);
+  EndField(std::to_chars(target, target + kMost, whole).ptr);
+}
+
+// The field that was begun, which has room for every character twice.
+void CsvWriter::Quote(std::string_view utf8) {
+  char* target = buffer_.data() + used_;
+  *target++ = '"';
+  for (char c : utf8) {
+    if (c == '"') *target++ = '"';
+    *target++ = c;
+  }
+  *target++ = '"';
+  EndField(target);
 }
 
 void CsvWriter::EndRow() {
-  buffer_.push_back('\n');
+  if (used_ == buffer_.size()) MakeRoom(0);
+  buffer_[used_++] = '\n';
   first_in_row_ = true;
-  if (buffer_.size() >= kBlock) Flush();
 }
 
 void CsvWriter::Flush() {
-  const bool written = std::fwrite(buffer_.data(), 1, buffer_.size(), file_) == buffer_.size();
-  buffer_.clear();
+  const bool written = std::fwrite(buffer_.data(), 1, used_, file_) == used_;
+  used_ = 0;
   if (!written) Raise(Failure::DiskFull);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "hosts/input.h"
+#include "tovalin/text.h"
 
 namespace tovalin::tool {
 
@@ -40,18 +42,25 @@ class CsvWriter {
   CsvWriter(const CsvWriter&) = delete;
   CsvWriter& operator=(const CsvWriter&) = delete;
 
-  void Field(std::string_view text);
+  void Field(std::string_view utf8);
+  void Field(TextView text);
+  void Field(std::int64_t whole);
   void EndRow();
   /// Writes what is left.
   void Finish();
 
  private:
+  char* BeginField(std::size_t most);
+  void Quote(std::string_view utf8);
+  void EndField(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.data()); }
+  void MakeRoom(std::size_t most);
   void Flush();
 
   std::FILE* file_;
   bool owns_file_;
   bool first_in_row_ = true;
-  std::string buffer_;
+  std::vector<char> buffer_;
+  std::size_t used_ = 0;  // of it
 };
 
 }  // namespace tovalin::tool

@@ -28,22 +28,23 @@ bool IsNumber(const Variant& value) {
   }
 }
 
-// A formula variable keeps numbers as Doubles.
-Variant Stored(Variant value) { return IsNumber(value) ? Variant(ToDouble(value)) : value; }
-
 }  // namespace
 
 FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> columns,
                            std::vector<NamedFormula> formulas)
     : evaluator_(std::move(evaluator)),
       columns_(columns.begin(), columns.end()),
+      is_read_(columns_.size()),
       formulas_(std::move(formulas)),
+      is_constant_(formulas_.size()),
       values_(columns_.size() + formulas_.size()),
-      results_(formulas_.size()) {
+      failures_(formulas_.size()),
+      numbers_(values_.size()) {
   for (const Text& column : columns_) AddVariable(column);
   for (const NamedFormula& formula : formulas_) AddVariable(formula.name);
   if (OrderSteps()) return;
   steps_.clear();
+  is_constant_.assign(formulas_.size(), false);
   for (const NamedFormula& formula : formulas_)
     evaluator_->Variables()->Item(formula.name)->LetFormula(formula.formula);
 }
@@ -53,24 +54,39 @@ void FormulaTable::AddVariable(const Text& name) {
   evaluator_->AddVble(name, Variant(), u"", kNumeric);
 }
 
-// Puts each formula behind those that it uses. False when some go in a circle.
-bool FormulaTable::OrderSteps() {
-  const std::size_t count = formulas_.size();
+// What each formula names; the columns that any names are marked.
+std::vector<FormulaTable::Uses> FormulaTable::FindUses() {
+  const std::size_t columns = columns_.size();
   std::unordered_map<Text, std::size_t, FoldedHash, FoldedEqual> positions;
-  for (std::size_t i = 0; i < count; ++i) positions.emplace(formulas_[i].name, i);
-  std::vector<std::vector<std::size_t>> uses(count);
-  std::vector<std::vector<std::size_t>> used_by(count);
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < columns; ++i) positions.emplace(columns_[i], i);
+  for (std::size_t i = 0; i < formulas_.size(); ++i)
+    positions.emplace(formulas_[i].name, columns + i);
+  std::vector<Uses> uses(formulas_.size());
+  for (std::size_t i = 0; i < formulas_.size(); ++i) {
     const Ref<Collection> names = evaluator_->VarExpresion(formulas_[i].formula);
     for (const Variant& name : names->List().Items()) {
       const auto used = positions.find(name.AsText());
       if (used == positions.end()) continue;
-      uses[i].push_back(used->second);
-      used_by[used->second].push_back(i);
+      if (used->second >= columns) {
+        uses[i].formulas.push_back(used->second - columns);
+        continue;
+      }
+      is_read_[used->second] = true;
+      uses[i].any_column = true;
     }
   }
+  return uses;
+}
+
+// Puts each formula behind those that it uses. False when some go in a circle.
+bool FormulaTable::OrderSteps() {
+  const std::size_t count = formulas_.size();
+  std::vector<Uses> uses = FindUses();
+  std::vector<std::vector<std::size_t>> used_by(count);
+  for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t used : uses[i].formulas) used_by[used].push_back(i);
   std::vector<std::size_t> waits_for;
-  for (const auto& used : uses) waits_for.push_back(used.size());
+  for (const Uses& used : uses) waits_for.push_back(used.formulas.size());
   std::vector<std::size_t> order;
   for (std::size_t i = 0; i < count; ++i)
     if (waits_for[i] == 0) order.push_back(i);
@@ -81,8 +97,11 @@ bool FormulaTable::OrderSteps() {
   return order.size() == count;
 }
 
-void FormulaTable::AddStep(std::size_t formula, std::vector<std::size_t> uses) {
-  Step step{formula, evaluator_->Preparar(formulas_[formula].formula), {}, std::move(uses)};
+void FormulaTable::AddStep(std::size_t formula, Uses uses) {
+  const auto is_constant = [this](std::size_t used) { return is_constant_[used]; };
+  is_constant_[formula] = !uses.any_column && std::ranges::all_of(uses.formulas, is_constant);
+  Step step{
+      formula, evaluator_->Preparar(formulas_[formula].formula), {}, std::move(uses.formulas)};
   const Ref<Collection> faults = step.prepared->Errores();
   for (const Variant& record : faults->List().Items()) {
     if (!step.faults.empty()) step.faults.append(" | ");
@@ -92,75 +111,88 @@ void FormulaTable::AddStep(std::size_t formula, std::vector<std::size_t> uses) {
   steps_.push_back(std::move(step));
 }
 
-void FormulaTable::AddRow(std::span<Variant> values) {
-  for (std::size_t i = 0; i < columns_.size(); ++i) values_[i].push_back(std::move(values[i]));
-  ++rows_;
-}
-
-void FormulaTable::Clear() {
-  for (std::vector<Variant>& column : values_) column.clear();
-  for (std::vector<Cell>& cells : results_) cells.clear();
-  rows_ = 0;
-}
-
-void FormulaTable::Compute() {
-  for (std::vector<Cell>& cells : results_) cells.assign(rows_, Cell());
+void FormulaTable::Compute(std::size_t rows) {
+  rows_ = rows;
+  if (rows == 0) return;
+  for (std::vector<std::string>& failures : failures_) failures.clear();
   if (steps_.size() != formulas_.size()) return ComputeByRow();
   bound_.clear();
-  numbers_.clear();
-  numbers_.reserve(values_.size());
-  for (std::size_t i = 0; i < columns_.size(); ++i) BindColumn(columns_[i], values_[i]);
+  for (std::size_t i = 0; i < columns_.size(); ++i)
+    if (is_read_[i]) Bind(i);
   for (const Step& step : steps_) ComputeStep(step);
 }
 
-// A column of Doubles alone goes as numbers, which whole blocks are computed from.
-void FormulaTable::BindColumn(const Text& name, const std::vector<Variant>& values) {
+void FormulaTable::Fail(std::size_t formula, std::size_t row, std::string failure) {
+  if (failure.empty()) return;
+  failures_[formula].resize(rows_);
+  failures_[formula][row] = std::move(failure);
+}
+
+// Lets the next formulas use a column or formula, by its place in values_. Doubles
+// alone go as numbers, which whole blocks are computed from.
+void FormulaTable::Bind(std::size_t place) {
+  const std::size_t columns = columns_.size();
+  const Text& name = place < columns ? columns_[place] : formulas_[place - columns].name;
+  const std::vector<Variant>& values = values_[place];
   const auto is_double = [](const Variant& value) { return value.Is(Subtype::Double); };
   if (!std::ranges::all_of(values, is_double)) {
     bound_.push_back({name, std::span<const Variant>(values)});
     return;
   }
-  std::vector<double>& numbers = numbers_.emplace_back();
-  numbers.reserve(values.size());
+  std::vector<double>& numbers = numbers_[place];
+  numbers.clear();
   for (const Variant& value : values) numbers.push_back(value.AsDouble());
   bound_.push_back({name, std::span<const double>(numbers)});
 }
 
 void FormulaTable::ComputeStep(const Step& step) {
-  std::vector<Cell>& cells = results_[step.formula];
   std::vector<Variant>& values = values_[columns_.size() + step.formula];
-  values.assign(rows_, Variant());
+  values.resize(rows_);
   if (!step.faults.empty()) {
-    for (Cell& cell : cells) cell.failure = step.faults;
+    failures_[step.formula].assign(rows_, step.faults);
+    std::ranges::fill(values, Variant());
   } else {
-    const auto errors = step.prepared->EvaluarTabla(bound_, rows_, std::span<Variant>(values));
-    for (const Formula::RowError& error : errors) cells[error.row].failure = ShowError(error.error);
+    const std::size_t rows = IsConstant(step.formula) ? 1 : rows_;
+    const auto errors = step.prepared->EvaluarTabla(bound_, rows, std::span<Variant>(values));
+    for (const Formula::RowError& error : errors)
+      Fail(step.formula, error.row, ShowError(error.error));
+    if (IsConstant(step.formula)) Spread(step.formula);
   }
   // A row in which a formula failed fails in all that build on it.
   for (std::size_t used : step.uses)
-    for (std::size_t row = 0; row < rows_; ++row)
-      if (!results_[used][row].failure.empty()) cells[row].failure = results_[used][row].failure;
-  for (std::size_t row = 0; row < rows_; ++row) {
-    values[row] = Stored(std::move(values[row]));
-    cells[row].value = values[row];
-  }
-  BindColumn(formulas_[step.formula].name, values);
+    for (std::size_t row = 0; row < failures_[used].size(); ++row)
+      Fail(step.formula, row, failures_[used][row]);
+  // A formula variable keeps numbers as Doubles.
+  for (Variant& value : values)
+    if (IsNumber(value)) value = ToDouble(value);
+  if (IsConstant(step.formula))
+    evaluator_->SetVariable(formulas_[step.formula].name, values.front());
+  else
+    Bind(columns_.size() + step.formula);
+}
+
+// What a constant formula gave in the first row stands in all.
+void FormulaTable::Spread(std::size_t formula) {
+  std::vector<Variant>& values = values_[columns_.size() + formula];
+  std::fill(values.begin() + 1, values.end(), values.front());
+  std::vector<std::string>& failures = failures_[formula];
+  if (!failures.empty()) std::fill(failures.begin() + 1, failures.end(), failures.front());
 }
 
 void FormulaTable::ComputeByRow() {
   std::vector<Text> names;
   for (const NamedFormula& formula : formulas_) names.push_back(formula.name);
+  for (std::size_t i = 0; i < names.size(); ++i) values_[columns_.size() + i].resize(rows_);
   std::vector<Evaluador::Outcome> outcomes(names.size());
   for (std::size_t row = 0; row < rows_; ++row) {
     for (std::size_t i = 0; i < columns_.size(); ++i)
-      evaluator_->SetVariable(columns_[i], values_[i][row]);
+      if (is_read_[i]) evaluator_->SetVariable(columns_[i], values_[i][row]);
     evaluator_->EvaluateBatch(names, outcomes);
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
       const Evaluador::Outcome& outcome = outcomes[i];
-      Cell& cell = results_[i][row];
-      cell.value = outcome.value;
-      cell.failure = outcome.error ? ShowError(*outcome.error) : ToUtf8(outcome.faults);
-      cell.failure = WithoutLineEnd(std::move(cell.failure));
+      values_[columns_.size() + i][row] = outcome.value;
+      Fail(i, row,
+           WithoutLineEnd(outcome.error ? ShowError(*outcome.error) : ToUtf8(outcome.faults)));
     }
   }
 }

@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tovalin/evaluador.h"
@@ -19,25 +20,32 @@ struct NamedFormula {
 /// computed row by row, as formula variables: each reads its last value.
 class FormulaTable {
  public:
-  /// What a formula gave in a row: a value, or why there is none.
-  struct Cell {
-    Variant value;
-    std::string failure;
-  };
-
   /// Adds the columns and formulas to `evaluator` as variables. Raises what their
   /// names raise.
   FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> columns,
                std::vector<NamedFormula> formulas);
 
-  /// Adds a row, with a value for each column.
-  void AddRow(std::span<Variant> values);
-  std::size_t Rows() const { return rows_; }
-  /// Computes the rows that were added.
-  void Compute();
-  const Cell& Result(std::size_t formula, std::size_t row) const { return results_[formula][row]; }
-  /// Forgets the rows.
-  void Clear();
+  std::size_t Columns() const { return columns_.size(); }
+  /// Whether some formula reads a column. What no formula reads needs no values.
+  bool IsRead(std::size_t column) const { return is_read_[column]; }
+  /// The values of a column that is read, one for each row of the portion, to be
+  /// filled in before Compute.
+  std::vector<Variant>& Values(std::size_t column) { return values_[column]; }
+  /// Computes a portion of `rows` rows.
+  void Compute(std::size_t rows);
+
+  /// Whether a formula reads no column, not even through others: it gives the same in
+  /// all rows of a portion.
+  bool IsConstant(std::size_t formula) const { return is_constant_[formula]; }
+  /// What a formula gave in a row, if it did not fail there.
+  const Variant& Result(std::size_t formula, std::size_t row) const {
+    return values_[columns_.size() + formula][row];
+  }
+  /// Why a formula failed in a row, empty when it did not.
+  std::string_view Failure(std::size_t formula, std::size_t row) const {
+    const std::vector<std::string>& failures = failures_[formula];
+    return failures.empty() ? std::string_view() : failures[row];
+  }
 
  private:
   struct Step {
@@ -46,23 +54,33 @@ class FormulaTable {
     std::string faults;             // of the check; it fails everywhere then
     std::vector<std::size_t> uses;  // the formulas that it names
   };
+  struct Uses {
+    std::vector<std::size_t> formulas;
+    bool any_column = false;
+  };
 
   void AddVariable(const Text& name);
+  std::vector<Uses> FindUses();
   bool OrderSteps();
-  void AddStep(std::size_t formula, std::vector<std::size_t> uses);
+  void AddStep(std::size_t formula, Uses uses);
   void ComputeStep(const Step& step);
+  void Spread(std::size_t formula);
   void ComputeByRow();
-  void BindColumn(const Text& name, const std::vector<Variant>& values);
+  void Bind(std::size_t place);
+  void Fail(std::size_t formula, std::size_t row, std::string failure);
 
   Ref<Evaluador> evaluator_;
   std::vector<Text> columns_;
+  std::vector<bool> is_read_;  // by column
   std::vector<NamedFormula> formulas_;
-  std::vector<Step> steps_;  // in order; none when the formulas go in a circle
+  std::vector<bool> is_constant_;  // by formula
+  std::vector<Step> steps_;        // in order; none when the formulas go in a circle
   std::size_t rows_ = 0;
-  std::vector<std::vector<Variant>> values_;  // by column, then by formula
-  std::vector<std::vector<Cell>> results_;    // by formula
-  std::vector<Formula::Column> bound_;        // what the next formula may use
-  std::vector<std::vector<double>> numbers_;  // of the columns that hold Doubles alone
+  std::vector<std::vector<Variant>> values_;        // by column, then by formula
+  std::vector<std::vector<std::string>> failures_;  // by formula; empty when none failed
+  std::vector<Formula::Column> bound_;              // what the next formula may use
+  // The same where a column or formula gave Doubles alone; kept for their memory.
+  std::vector<std::vector<double>> numbers_;
 };
 
 }  // namespace tovalin::tool

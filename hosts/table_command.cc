@@ -1,9 +1,13 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cmath>
+#include <cstdint>
 #include <iostream>
 #include <optional>
 
+#include "frame/conversion.h"
+#include "frame/date_text.h"
 #include "hosts/command_line.h"
 #include "hosts/csv.h"
 #include "hosts/formula_table.h"
@@ -16,7 +20,7 @@ namespace tovalin::tool {
 namespace {
 
 // Rows are computed in portions of this many.
-constexpr std::size_t kPortion = 1024;
+constexpr std::size_t kPortion = 512;
 
 // "Name = formula".
 NamedFormula ReadFormula(TextView line) {
@@ -50,13 +54,31 @@ bool LooksLikeDate(TextView text) {
          digits_and(u'/', 2, 4) || digits_and(u'-', 4, 7);
 }
 
+// Whole numbers below it are exact and look the same whatever the locale. Most cells
+// that formulas read or give hold one.
+constexpr std::size_t kExactDigits = 15;
+constexpr double kExactLimit = 1e15;
+
+std::optional<double> WholeNumber(std::string_view cell) {
+  if (cell.size() > kExactDigits) return std::nullopt;
+  std::int64_t number = 0;
+  for (char c : cell) {
+    if (c < '0' || c > '9') return std::nullopt;
+    number = number * 10 + (c - '0');
+  }
+  return static_cast<double>(number);
+}
+
 // A cell as a value: empty, a number, a date, or text. A number with a leading
 // zero is a code, and stays text.
-Variant CellValue(const std::string& cell) {
+Variant CellValue(std::string_view cell) {
   if (cell.empty()) return Variant();
-  const Text text = FromUtf8(cell);
+  if (cell[0] != '0' || cell.size() == 1)
+    if (const auto number = WholeNumber(cell)) return *number;
+  Text text = FromUtf8(cell);
+  if (LooksLikeDate(text))
+    if (const auto date = ReadDate(text)) return *date;
   const bool code = text.size() > 1 && text[0] == u'0' && IsDigit(text[1]);
-  if (LooksLikeDate(text) && IsDate(Variant(text))) return ToDate(Variant(text));
   if (const auto number = code ? std::nullopt : ReadNumber(text)) return *number;
   return text;
 }
@@ -120,44 +142,75 @@ class TableRun {
     const Ref<Evaluador> evaluator = MakeEvaluator({});
     evaluator->ClearConstants();
     table_.emplace(evaluator, columns, formulas_);
-    values_.resize(columns.size());
   }
 
   void TakeRow(CsvRow& row) {
-    for (std::size_t i = 0; i < values_.size(); ++i)
-      values_[i] = i < row.size() ? CellValue(row[i]) : Variant();
-    const std::size_t place = table_->Rows();
-    table_->AddRow(values_);
-    if (rows_.size() <= place) rows_.emplace_back();
-    rows_[place].swap(row);
-    if (table_->Rows() == kPortion) WritePortion();
+    if (rows_.size() == count_) rows_.emplace_back();
+    rows_[count_++].swap(row);
+    if (count_ == kPortion) WritePortion();
     progress_.Row();
   }
 
   void WritePortion() {
-    table_->Compute();
-    for (std::size_t row = 0; row < table_->Rows(); ++row) {
+    for (std::size_t i = 0; i < table_->Columns(); ++i)
+      if (table_->IsRead(i)) ReadColumn(i);
+    table_->Compute(count_);
+    ShowConstants();
+    for (std::size_t row = 0; row < count_; ++row) {
       const CsvRow& cells = rows_[row];
-      for (std::size_t i = 0; i < values_.size(); ++i)
-        writer_.Field(i < cells.size() ? std::string_view(cells[i]) : std::string_view());
+      for (std::size_t i = 0; i < table_->Columns(); ++i) writer_.Field(CellOf(cells, i));
       const std::size_t failed_before = failed_cells_;
       for (std::size_t i = 0; i < formulas_.size(); ++i) WriteResult(cells, i, row);
       failed_rows_ += failed_cells_ > failed_before;
       writer_.EndRow();
     }
-    table_->Clear();
+    count_ = 0;
+  }
+
+  void ShowConstants() {
+    constants_.resize(formulas_.size());
+    for (std::size_t i = 0; i < formulas_.size() && count_ > 0; ++i)
+      if (table_->IsConstant(i) && table_->Failure(i, 0).empty())
+        constants_[i] = ShowValue(table_->Result(i, 0));
+  }
+
+  void ReadColumn(std::size_t column) {
+    std::vector<Variant>& values = table_->Values(column);
+    values.resize(count_);
+    for (std::size_t row = 0; row < count_; ++row)
+      values[row] = CellValue(CellOf(rows_[row], column));
+  }
+
+  // A row may have fewer fields than the header.
+  static std::string_view CellOf(const CsvRow& cells, std::size_t column) {
+    return column < cells.size() ? std::string_view(cells[column]) : std::string_view();
   }
 
   void WriteResult(const CsvRow& cells, std::size_t formula, std::size_t row) {
-    const FormulaTable::Cell& result = table_->Result(formula, row);
-    if (cells.size() > values_.size())
+    const std::string_view failure = table_->Failure(formula, row);
+    if (cells.size() > table_->Columns())
       // A row with more fields than the header has does not say what they are.
       WriteFailure("la fila tiene " + std::to_string(cells.size()) + " campos y el encabezado " +
-                   std::to_string(values_.size()));
-    else if (!result.failure.empty())
-      WriteFailure(result.failure);
+                   std::to_string(table_->Columns()));
+    else if (!failure.empty())
+      WriteFailure(std::string(failure));
+    else if (table_->IsConstant(formula))
+      writer_.Field(constants_[formula]);
     else
-      writer_.Field(ShowValue(result.value));
+      WriteValue(table_->Result(formula, row));
+  }
+
+  void WriteValue(const Variant& value) {
+    if (value.Is(Subtype::String)) return writer_.Field(TextView(value.AsText()));
+    const double* number = value.IfDouble();
+    if (!number) return writer_.Field(ShowValue(value));
+    if (std::abs(*number) < kExactLimit)
+      if (const auto whole = static_cast<std::int64_t>(*number);
+          static_cast<double>(whole) == *number)
+        return writer_.Field(whole);
+    number_.clear();
+    AppendText(number_, value);
+    writer_.Field(TextView(number_));
   }
 
   void WriteFailure(const std::string& message) {
@@ -167,9 +220,11 @@ class TableRun {
 
   std::vector<NamedFormula> formulas_;
   CsvWriter writer_;
-  std::optional<FormulaTable> table_;  // from the header on
-  std::vector<Variant> values_;        // of one row
-  std::vector<CsvRow> rows_;           // of a portion, as they were read
+  std::optional<FormulaTable> table_;   // from the header on
+  std::vector<CsvRow> rows_;            // of a portion, as they were read
+  std::size_t count_ = 0;               // how many of them there are
+  std::vector<std::string> constants_;  // what constant formulas show in a portion, by formula
+  Text number_;                         // of one cell, kept for its memory
   Progress progress_;
   std::size_t failed_cells_ = 0;
   std::size_t failed_rows_ = 0;

@@ -163,6 +163,82 @@ TEST(EvaluarTabla, GivesWhatEachRowGives) {
   }
 }
 
+// What a formula gives for the variables as they are, with its error.
+std::string ShowRow(Formula& formula) {
+  try {
+    Variant value;
+    formula.Evaluar(value);
+    return FormulaHost::Show(value);
+  } catch (const Error& error) {
+    return "Error " + std::to_string(error.number);
+  }
+}
+
+// Texts that look like numbers, quotes, errors in some rows: a column goes by the
+// same rules as its rows.
+TEST(EvaluarTabla, TakesColumnsOfAnyValues) {
+  constexpr std::size_t kRows = 1100;  // more than two blocks
+  const char16_t* texts[] = {u"A & 'b' & X",
+                             u"'a' & 'b' & X & 'c' & X",
+                             u"CHR(34) & X & CHR(34)",
+                             u"X & CHR(34)",
+                             u"(X & ',000') * 2",
+                             u"FORMAT(A, '#,##0.00') & X",
+                             u"X + A",
+                             u"A / B",
+                             u"IIF(A > B, X, 'no') & LEN(X)",
+                             u"X IN 'a,b\"c'",
+                             u"(A BETWEEN B AND X)",
+                             u"Redondear(X, 2) - A",
+                             u"-X",
+                             u"A*-B",
+                             u"IIF((A > 0) AND (X = 'D'), X, A)",
+                             u"YEAR(Fecha)",
+                             u"Dias360(X, Fecha)",
+                             u"MID('abc', B, 2) & DateAdd('m', A, X)",
+                             u"X",
+                             u"'1,234'",
+                             u"IIF(A = 1, '1,234', X) + 1",
+                             u"1 / (A - A)",
+                             u"NombreMes(1 + 1) & LEN(X)",
+                             u"Redondear(1, 0 - 1) & X",
+                             u"NVL(X, A) & Y",
+                             u"MIN(X, Y) & MAX(X, Y)",
+                             u"X ^ A"};
+  const Variant values[] = {5.0,  -2.5,  0.0,           Variant(),   Variant::Null(), u"",
+                            u"D", u"x",  u"1,234.50",   u"a,b",      u"1,2,3",        u"\"q\"",
+                            true, 1e308, u"15/03/2012", Date{45000}, std::int16_t{3}, u"\"1,234\""};
+  FormulaHost host;
+  host.evaluator->AddVble(u"Y", 0.0, u"", kNumeric);
+  std::mt19937 random(5);
+  std::vector<Variant> x(kRows), y(kRows), results(kRows);
+  std::vector<double> a(kRows);
+  for (std::size_t row = 0; row < kRows; ++row) {
+    x[row] = values[random() % std::size(values)];
+    y[row] = values[random() % std::size(values)];
+    a[row] = static_cast<double>(random() % 7) - 2;
+  }
+  const Formula::Column columns[] = {{u"X", std::span<const Variant>(x)},
+                                     {u"Y", std::span<const Variant>(y)},
+                                     {u"A", std::span<const double>(a)}};
+  for (const char16_t* text : texts) {
+    const Ref<Formula> formula = host.evaluator->Preparar(text);
+    ASSERT_EQ(formula->Errores()->Count(), 0) << ToUtf8(text);
+    const auto errors = formula->EvaluarTabla(columns, kRows, std::span<Variant>(results));
+    std::vector<std::string> by_table(kRows);
+    for (std::size_t row = 0; row < kRows; ++row) by_table[row] = FormulaHost::Show(results[row]);
+    for (const auto& error : errors)
+      by_table[error.row] = "Error " + std::to_string(error.error.number);
+    for (std::size_t row = 0; row < kRows; ++row) {
+      host.evaluator->SetVariable(u"X", x[row]);
+      host.evaluator->SetVariable(u"Y", y[row]);
+      host.evaluator->SetVariable(u"A", a[row]);
+      ASSERT_EQ(by_table[row], ShowRow(*formula))
+          << ToUtf8(text) << ", X is " << FormulaHost::Show(x[row]);
+    }
+  }
+}
+
 TEST(EvaluarTabla, TakesVariantsAndHostFunctions) {
   FormulaHost host;
   host.evaluator->AddFunction(u"DOBLE(", u"DOBLE", u"", u"");

@@ -215,7 +215,8 @@ TEST(DigitoVTest, TakesAnyCharacterThatIsNoDigitAsZero) {
   EXPECT_EQ(ErrorOf([] { DigitoV(u" 123456789012345 "); }), 0);
 }
 
-// Every amount of three decimals, against whole-number arithmetic.
+// Every amount of three decimals, and its neighbours that read alike, against
+// whole-number arithmetic.
 TEST(RoundHalfEvenTest, RoundsDecimalsAsTheyAreWritten) {
   for (int thousandths = -30000; thousandths <= 30000; ++thousandths) {
     const int magnitude = std::abs(thousandths);
@@ -223,7 +224,9 @@ TEST(RoundHalfEvenTest, RoundsDecimalsAsTheyAreWritten) {
     const int rest = magnitude % 10;
     if (rest > 5 || (rest == 5 && hundredths % 2 == 1)) ++hundredths;
     const double expected = (thousandths < 0 ? -hundredths : hundredths) / 100.0;
-    ASSERT_EQ(RoundHalfEven(thousandths / 1000.0, 2), expected) << thousandths;
+    const double value = thousandths / 1000.0;
+    for (double near : {value, std::nextafter(value, -1e9), std::nextafter(value, 1e9)})
+      ASSERT_EQ(RoundHalfEven(near, 2), expected) << thousandths;
   }
 }
 
