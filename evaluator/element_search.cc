@@ -48,8 +48,6 @@ void ElementSearch::Build(const Symbols& symbols) {
   words_.clear();
   word_lengths_ = 0;
   nodes_.assign(1, Node());
-  first_.fill(0);
-  for (std::size_t c = 0; c < kDirect; ++c) fold_[c] = FoldCase(static_cast<char16_t>(c));
   for (const Ref<Campo>& record : symbols.operators->List().Items())
     AddOperator(OperatorElement(*record));
   for (TextView separators = u"(),"; !separators.empty(); separators.remove_prefix(1))
@@ -60,7 +58,7 @@ void ElementSearch::Build(const Symbols& symbols) {
                  .is_opener = name.ends_with(u'('),
                  .record = record.get(),
                  .builtin = BuiltinOf(name)});
-  LinkSuffixes();
+  FillRows(LinkSuffixes());
 }
 
 void ElementSearch::AddOperator(const Element& element) {
@@ -81,9 +79,10 @@ void ElementSearch::Add(TextView pattern, Element element) {
     std::uint32_t child = Child(node, c);
     if (child == 0) {
       child = static_cast<std::uint32_t>(nodes_.size());
-      nodes_.push_back({c, 0, 0, nodes_[node].first_child, 0, nodes_[node].depth + 1});
+      nodes_.push_back({.character = c,
+                        .next_sibling = nodes_[node].first_child,
+                        .depth = nodes_[node].depth + 1});
       nodes_[node].first_child = child;
-      if (node == 0) LeadTo(child, c);
     }
     node = child;
   }
@@ -93,18 +92,13 @@ void ElementSearch::Add(TextView pattern, Element element) {
   nodes_[node].element = static_cast<std::uint16_t>(elements_.size());
 }
 
-// Every character that folds to `folded` begins with the node.
-void ElementSearch::LeadTo(std::uint32_t node, char16_t folded) {
-  for (std::size_t c = 0; c < kDirect; ++c)
-    if (fold_[c] == folded) first_[c] = node;
-}
-
-// Breadth first, so that a node's suffix is finished before the node is.
-void ElementSearch::LinkSuffixes() {
-  std::vector<std::uint32_t> queue;
+// Breadth first, so that a node's suffix is finished before the node is. Answers the
+// nodes in that order.
+std::vector<std::uint32_t> ElementSearch::LinkSuffixes() {
+  std::vector<std::uint32_t> queue(1);
   for (std::uint32_t child = nodes_[0].first_child; child; child = nodes_[child].next_sibling)
     queue.push_back(child);
-  for (std::size_t next = 0; next < queue.size(); ++next) {
+  for (std::size_t next = 1; next < queue.size(); ++next) {
     const std::uint32_t parent = queue[next];
     for (std::uint32_t child = nodes_[parent].first_child; child;
          child = nodes_[child].next_sibling) {
@@ -114,10 +108,10 @@ void ElementSearch::LinkSuffixes() {
       queue.push_back(child);
     }
   }
+  return queue;
 }
 
 std::uint32_t ElementSearch::Child(std::uint32_t node, char16_t c) const {
-  if (node == 0 && c < kDirect) return first_[c];
   std::uint32_t child = nodes_[node].first_child;
   while (child && nodes_[child].character != c) child = nodes_[child].next_sibling;
   return child;
@@ -131,25 +125,57 @@ std::uint32_t ElementSearch::Step(std::uint32_t node, char16_t c) const {
   }
 }
 
+// The characters that elements are made of get a class each.
+std::vector<char16_t> ElementSearch::MakeClasses() {
+  std::vector<char16_t> members(1);  // a character of each class
+  class_.fill(0);
+  for (const Node& node : nodes_) {
+    if (node.depth == 0 || node.character >= kDirect || class_[node.character] != 0) continue;
+    class_[node.character] = static_cast<std::uint8_t>(members.size());
+    members.push_back(node.character);
+  }
+  for (std::size_t c = 0; c < kDirect; ++c)
+    if (const char16_t folded = FoldCase(static_cast<char16_t>(c)); folded < kDirect)
+      class_[c] = class_[folded];
+  return members;
+}
+
+// The nodes nearest to the root, as long as there is room, get a row with the next
+// node for each class. A search never goes on from a node without children.
+void ElementSearch::FillRows(const std::vector<std::uint32_t>& nearest) {
+  const std::vector<char16_t> members = MakeClasses();
+  classes_ = members.size();
+  rows_.clear();
+  if (nodes_.size() > std::numeric_limits<std::uint16_t>::max()) return;
+  for (std::uint32_t node : nearest) {
+    if (rows_.size() + classes_ > kMostInRows) break;
+    if (nodes_[node].first_child == 0) continue;
+    rows_.push_back(0);
+    for (std::size_t i = 1; i < classes_; ++i)
+      rows_.push_back(static_cast<std::uint16_t>(Step(node, members[i])));
+    nodes_[node].row = static_cast<std::uint32_t>(rows_.size() / classes_);
+  }
+  rows_.shrink_to_fit();
+}
+
 ElementSearch::Match ElementSearch::Find(TextView text, std::size_t from) const {
   Match best{nullptr, 0};
-  std::uint32_t node = 0;
+  const Node* here = &nodes_[0];
   for (std::size_t i = from; i < text.size(); ++i) {
     const char16_t c = text[i];
-    if (node == 0 && c < kDirect)
-      node = first_[c];
-    else
-      node = Step(node, c < kDirect ? fold_[c] : FoldCase(c));
-    if (node == 0 && !best.element) continue;
-    const Node& here = nodes_[node];
+    const std::uint32_t next = here->row != 0 && c < kDirect
+                                   ? rows_[(here->row - 1u) * classes_ + class_[c]]
+                                   : Step(IndexOf(*here), FoldCase(c));
+    here = &nodes_[next];
+    if (next == 0 && !best.element) continue;
     // What is being matched now starts too late to beat what was found.
-    if (best.element && i + 1 - here.depth > best.start) break;
-    if (here.element == 0) continue;
-    const Element& element = elements_[here.element - 1u];
+    if (best.element && i + 1 - here->depth > best.start) break;
+    if (here->element == 0) continue;
+    const Element& element = elements_[here->element - 1u];
     const std::size_t start = i + 1 - element.length;
     if (!best.element || start <= best.start) best = {&element, start};
     // No longer element has the same beginning.
-    if (here.first_child == 0 && element.length == here.depth) break;
+    if (here->first_child == 0 && element.length == here->depth) break;
   }
   return best;
 }

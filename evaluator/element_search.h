@@ -59,17 +59,23 @@ class ElementSearch {
     std::uint32_t next_sibling = 0;
     std::uint32_t suffix = 0;
     std::uint32_t depth = 0;
+    std::uint32_t row = 0;  // 1 + its row of rows_; 0 for none
   };
 
   void AddOperator(const Element& element);
   void Add(TextView pattern, Element element);
-  void LeadTo(std::uint32_t node, char16_t folded);
-  void LinkSuffixes();
+  std::vector<std::uint32_t> LinkSuffixes();
+  std::vector<char16_t> MakeClasses();
+  void FillRows(const std::vector<std::uint32_t>& nearest);
+  std::uint32_t IndexOf(const Node& node) const {
+    return static_cast<std::uint32_t>(&node - nodes_.data());
+  }
   std::uint32_t Child(std::uint32_t node, char16_t c) const;
   std::uint32_t Step(std::uint32_t node, char16_t c) const;
 
-  static constexpr std::size_t kDirect = 256;  // characters with a place in first_
-  static constexpr std::size_t kLongest = 63;  // words longer than that count as so long
+  static constexpr std::size_t kDirect = 256;        // characters with a class
+  static constexpr std::size_t kMostInRows = 12288;  // 24 KB
+  static constexpr std::size_t kLongest = 63;        // words longer than that count as so long
   static std::uint64_t LengthBit(TextView word) {
     return std::uint64_t{1} << std::min(word.size(), kLongest);
   }
@@ -77,9 +83,10 @@ class ElementSearch {
   std::vector<Element> elements_;
   std::vector<Node> nodes_;
   std::vector<Element> words_;
-  std::uint64_t word_lengths_ = 0;              // a bit for each length that a word has
-  std::array<std::uint32_t, kDirect> first_{};  // the node that a character leads to at first
-  std::array<char16_t, kDirect> fold_{};
+  std::uint64_t word_lengths_ = 0;             // a bit for each length that a word has
+  std::array<std::uint8_t, kDirect> class_{};  // 0: in no element
+  std::size_t classes_ = 1;
+  std::vector<std::uint16_t> rows_;  // where each class leads to from nodes near the root
 };
 
 }  // namespace tovalin

@@ -10,8 +10,8 @@ namespace tovalin {
 /// settles that without reading on.
 inline std::optional<double> NumberToken(TextView token) {
   if (token.empty()) return std::nullopt;
-  const char16_t folded = FoldCase(token.front());
-  if ((folded >= u'a' && folded <= u'z') || folded == u'_') return std::nullopt;
+  const char16_t lower = token.front() | 0x20;
+  if ((lower >= u'a' && lower <= u'z') || token.front() == u'_') return std::nullopt;
   return ReadNumber(token);
 }
 

@@ -34,10 +34,12 @@ class PlanCache {
     TextView text;
     std::size_t hash;
   };
+  // Not noexcept, so that the table keeps the hashes itself: a search then touches no
+  // other plan.
   struct KeyHash {
     using is_transparent = void;
-    std::size_t operator()(const Key& key) const noexcept { return key.hash; }
-    std::size_t operator()(const Ref<Plan>& plan) const noexcept { return plan->hash; }
+    std::size_t operator()(const Key& key) const { return key.hash; }
+    std::size_t operator()(const Ref<Plan>& plan) const { return plan->hash; }
   };
   struct KeyEqual {
     using is_transparent = void;

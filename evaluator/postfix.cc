@@ -5,6 +5,7 @@
 #include "evaluator/element_search.h"
 #include "evaluator/number_token.h"
 #include "evaluator/plan.h"
+#include "frame/utf8.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -170,32 +171,31 @@ class Converter {
   Token* waiting_ = nullptr;  // the last one that waits
 };
 
-void Put(Text& text, TextView part) { text.append(part); }
-void Put(std::string& utf8, TextView part) { AppendUtf8(utf8, part); }
+TextView SpellingOf(const Plan& plan, const Item& item) {
+  const bool is_spelled = item.HasRecord() && item.kind != ItemKind::Variable;
+  return is_spelled ? Trim(item.record->Name()) : plan.Span(item);
+}
 
-template <class String>
-void AppendItem(String& text, const Plan& plan, const Item& item) {
-  if (item.HoldsValue()) {
-    const HeldValue& held = plan.held[item.held];
-    if (held.is_quoted) {
-      text.push_back('"');
-      Put(text, held.value.AsText());
-      text.push_back('"');
-    } else {
-      Put(text, held.constant ? Trim(held.constant->Name()) : TextView(TextOrEmpty(held.value)));
-    }
+// Hands `put` the text of an item, in parts.
+template <class PutText>
+void PutItem(const Plan& plan, const Item& item, PutText put) {
+  if (!item.HoldsValue()) return put(SpellingOf(plan, item));
+  const HeldValue& held = plan.held[item.held];
+  if (held.is_quoted) {
+    put(u"\"");
+    put(held.value.AsText());
+    put(u"\"");
+  } else if (held.constant) {
+    put(Trim(held.constant->Name()));
   } else {
-    const bool is_spelled = item.HasRecord() && item.kind != ItemKind::Variable;
-    Put(text, is_spelled ? Trim(item.record->Name()) : plan.Span(item));
+    put(TextOrEmpty(held.value));
   }
 }
 
-template <class String>
-void AppendItems(String& text, const Plan& plan) {
-  for (const Item& item : plan.items) {
-    AppendItem(text, plan, item);
-    text.push_back(' ');
-  }
+Text ItemText(const Plan& plan, const Item& item) {
+  Text text;
+  PutItem(plan, item, [&text](TextView part) { text.append(part); });
+  return text;
 }
 
 // What an item of a known text stands for, in the order in which a walk asks.
@@ -226,11 +226,28 @@ void ConvertToPostfix(TokenList& list, Plan& plan) { Converter(list, plan).Run()
 Text PostfixText(const Plan& plan) {
   Text text;
   text.reserve(plan.text.size() + plan.items.size());
-  AppendItems(text, plan);
+  for (const Item& item : plan.items) {
+    PutItem(plan, item, [&text](TextView part) { text.append(part); });
+    text.push_back(u' ');
+  }
   return text;
 }
 
-void AppendPostfixText(std::string& utf8, const Plan& plan) { AppendItems(utf8, plan); }
+// Written through a pointer, into room that seldom has to grow.
+void AppendPostfixText(std::string& utf8, const Plan& plan) {
+  std::size_t end = utf8.size();
+  utf8.resize(end + kMostUtf8Bytes * plan.text.size() + plan.items.size());
+  const auto put = [&utf8, &end](TextView part) {
+    const std::size_t most = kMostUtf8Bytes * part.size();
+    if (utf8.size() - end <= most) utf8.resize(2 * (end + most));
+    end = static_cast<std::size_t>(WriteUtf8(utf8.data() + end, part) - utf8.data());
+  };
+  for (const Item& item : plan.items) {
+    PutItem(plan, item, put);
+    put(u" ");
+  }
+  utf8.resize(end);
+}
 
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
@@ -240,9 +257,7 @@ Ref<Collection> PostfixItems(const Plan& plan) {
       items->List().Append(plan.held[item.held].constant->Copy());
       continue;
     }
-    Text text;
-    AppendItem(text, plan, item);
-    items->List().Append(std::move(text));
+    items->List().Append(ItemText(plan, item));
   }
   return items;
 }

@@ -35,11 +35,16 @@ void AddExpression(std::string& lines, TextView expression) {
   AddEntry(lines, kExpressionKey, [=](std::string& utf8) { AppendUtf8(utf8, expression); });
 }
 
+// A number needs no escape.
+void AddNumber(std::string& lines, std::string_view key, double number) {
+  lines.append(key).push_back('=');
+  AppendNumber(lines, number);
+  lines.push_back('\n');
+}
+
 void AppendResult(std::string& utf8, const Variant& result) {
-  if (const double* number = result.IfDouble()) return AppendNumber(utf8, *number);
-  if (result.Is(Subtype::Null)) return;
   try {
-    AppendUtf8(utf8, ToText(result));
+    if (!result.Is(Subtype::Null)) AppendUtf8(utf8, ToText(result));
   } catch (const Error&) {
     // An object has no text.
   }
@@ -103,8 +108,11 @@ void Trace::ShowResult(const Variant& result, std::size_t left) {
       number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
   if (!store_ && bits && bits == shown_bits_ && left == shown_left_) return;
   lines_.clear();
-  AddEntry(lines_, kResultKey, [&result](std::string& utf8) { AppendResult(utf8, result); });
-  lines_.append(kLeftKey).append("=").append(std::to_string(left)).push_back('\n');
+  if (number)
+    AddNumber(lines_, kResultKey, *number);
+  else
+    AddEntry(lines_, kResultKey, [&result](std::string& utf8) { AppendResult(utf8, result); });
+  AddNumber(lines_, kLeftKey, static_cast<double>(left));
   Show(kResult, lines_);
   shown_bits_ = bits;
   shown_left_ = left;

@@ -188,17 +188,20 @@ std::optional<double> ReadPlain(TextView text) {
   constexpr std::size_t kMaxLength = 15;
   const bool negative = text.starts_with(u'-');
   if (negative) text.remove_prefix(1);
-  const std::size_t length = text.size();
-  const std::size_t point = std::min(text.find(CurrentLocale().decimal_separator), length);
-  if (length > kMaxLength || !IsDecimalDigit(length > 0 ? text[0] : u'\0')) return std::nullopt;
+  if (text.size() > kMaxLength || text.empty() || !IsDecimalDigit(text[0])) return std::nullopt;
+  const char16_t separator = CurrentLocale().decimal_separator;
   std::int64_t mantissa = 0;
-  for (std::size_t i = 0; i < length; ++i) {
-    if (i == point) continue;
-    if (!IsDecimalDigit(text[i])) return std::nullopt;
-    mantissa = mantissa * 10 + (text[i] - u'0');
+  std::size_t point = text.size();
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (IsDecimalDigit(text[i]))
+      mantissa = mantissa * 10 + (text[i] - u'0');
+    else if (text[i] == separator && point == text.size())
+      point = i;
+    else
+      return std::nullopt;
   }
-  const std::size_t places = point < length ? length - point - 1 : 0;
-  const double value = static_cast<double>(mantissa) / kPowersOfTen[places];
+  double value = static_cast<double>(mantissa);
+  if (point < text.size()) value /= kPowersOfTen[text.size() - point - 1];
   return negative ? -value : value;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/letter_case.h"
+#include "frame/utf8.h"
 
 namespace tovalin {
 namespace {
@@ -50,32 +51,12 @@ Decoded DecodeOne(std::string_view utf8) {
 }
 
 // Writes a code point at `target` and answers the place behind it.
-char* WriteUtf8(char* target, char32_t code_point) {
+char* WriteCodePoint(char* target, char32_t code_point) {
   std::size_t extra = 0;
   while (extra + 1 < std::size(kForms) && code_point >= kForms[extra + 1].least) ++extra;
   *target++ = static_cast<char>(kForms[extra].lead | code_point >> (6 * extra));
   while (extra-- > 0) *target++ = static_cast<char>(0x80 | (code_point >> (6 * extra) & 0x3F));
   return target;
-}
-
-// Plain ASCII, as nearly all formulas are: a short text by its characters, a long one
-// told and narrowed many characters at a time.
-bool AppendAscii(std::string& utf8, TextView text) {
-  char narrow[32];
-  if (text.size() <= std::size(narrow)) {
-    std::size_t size = 0;
-    for (; size < text.size() && text[size] < 0x80; ++size)
-      narrow[size] = static_cast<char>(text[size]);
-    if (size == text.size()) utf8.append(narrow, size);
-    return size == text.size();
-  }
-  char16_t bits = 0;
-  for (char16_t c : text) bits |= c;
-  if (bits >= 0x80) return false;
-  const std::size_t before = utf8.size();
-  utf8.resize(before + text.size());
-  std::copy(text.begin(), text.end(), utf8.begin() + static_cast<std::ptrdiff_t>(before));
-  return true;
 }
 
 // Folding of the first 256 characters, where nearly all names live.
@@ -142,24 +123,36 @@ std::string ToUtf8(TextView text) {
   return utf8;
 }
 
+// A short text is written by its characters; a long one, if it is plain ASCII as
+// nearly all are, is told and narrowed many characters at a time.
 void AppendUtf8(std::string& utf8, TextView text) {
-  if (AppendAscii(utf8, text)) return;
-  constexpr std::size_t kMostBytes = 3;  // of a character; a pair has four
+  constexpr std::size_t kShort = 16;
   const std::size_t before = utf8.size();
-  utf8.resize(before + kMostBytes * text.size());
-  char* target = utf8.data() + before;
+  char16_t bits = 0;
+  if (text.size() > kShort)
+    for (char16_t c : text) bits |= c;
+  if (text.size() <= kShort || bits >= 0x80) {
+    utf8.resize(before + kMostUtf8Bytes * text.size());
+    utf8.resize(static_cast<std::size_t>(WriteUtf8(utf8.data() + before, text) - utf8.data()));
+  } else {
+    utf8.resize(before + text.size());
+    std::copy(text.begin(), text.end(), utf8.begin() + static_cast<std::ptrdiff_t>(before));
+  }
+}
+
+char* WriteUtf8(char* target, TextView text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t c = text[i];
     if (c < 0x80) {
       *target++ = static_cast<char>(c);
     } else if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = static_cast<char32_t>(c - 0xD800) << 10;
-      target = WriteUtf8(target, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
+      target = WriteCodePoint(target, 0x10000 + high + static_cast<char32_t>(text[++i] - 0xDC00));
     } else {
-      target = WriteUtf8(target, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
+      target = WriteCodePoint(target, IsHighSurrogate(c) || IsLowSurrogate(c) ? kReplacement : c);
     }
   }
-  utf8.resize(static_cast<std::size_t>(target - utf8.data()));
+  return target;
 }
 
 char16_t FoldCase(char16_t c) {
