@@ -59,17 +59,14 @@ class ElementSearch {
     std::uint32_t next_sibling = 0;
     std::uint32_t suffix = 0;
     std::uint32_t depth = 0;
-    std::uint32_t row = 0;  // 1 + its row of rows_; 0 for none
   };
 
   void AddOperator(const Element& element);
   void Add(TextView pattern, Element element);
   std::vector<std::uint32_t> LinkSuffixes();
   std::vector<char16_t> MakeClasses();
-  void FillRows(const std::vector<std::uint32_t>& nearest);
-  std::uint32_t IndexOf(const Node& node) const {
-    return static_cast<std::uint32_t>(&node - nodes_.data());
-  }
+  void Renumber(const std::vector<std::uint32_t>& order);
+  void FillRows();
   std::uint32_t Child(std::uint32_t node, char16_t c) const;
   std::uint32_t Step(std::uint32_t node, char16_t c) const;
 
@@ -85,8 +82,9 @@ class ElementSearch {
   std::vector<Element> words_;
   std::uint64_t word_lengths_ = 0;             // a bit for each length that a word has
   std::array<std::uint8_t, kDirect> class_{};  // 0: in no element
-  std::size_t classes_ = 1;
-  std::vector<std::uint16_t> rows_;  // where each class leads to from nodes near the root
+  std::size_t rowed_ = 0;                      // the nodes that have a row
+  unsigned row_shift_ = 0;                     // how many bits a class takes
+  std::vector<std::uint16_t> rows_;            // where each class leads to
 };
 
 }  // namespace tovalin
