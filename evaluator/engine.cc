@@ -46,14 +46,14 @@ Engine::Outcome BottomOf(ValueStack& stack) {
 struct Engine::Level {
   Level(Engine& engine, Plan& plan) : engine(engine), plan(plan) {
     if (engine.depth_ > kDeepest) Raise(Failure::OutOfStack);
-    const auto index = static_cast<std::size_t>(engine.depth_);
-    if (engine.stacks_.size() <= index) engine.stacks_.emplace_back();
-    stack = &engine.stacks_[index];
+    if (engine.stacks_.size() == engine.walks_) engine.stacks_.emplace_back();
+    stack = &engine.stacks_[engine.walks_++];
     ++engine.depth_;
     ++plan.walks;
   }
   ~Level() {
     stack->clear();
+    --engine.walks_;
     --engine.depth_;
     --plan.walks;
   }

@@ -143,9 +143,10 @@ class Engine {
   // The plans of formula variables, beside the bounded store: each is good while
   // its stamp holds, which a record that is gone has broken.
   std::unordered_map<const Campo*, Ref<Plan>> formula_plans_;
-  std::deque<ValueStack> stacks_;  // one for each level, kept for its memory
+  std::deque<ValueStack> stacks_;  // one for each walk, kept for its memory
+  std::size_t walks_ = 0;          // under way
   Calculation* calculation_ = nullptr;
-  int depth_ = 0;
+  int depth_ = 0;  // of walks, and of formula variables that wait for others
 };
 
 }  // namespace tovalin

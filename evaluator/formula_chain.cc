@@ -52,7 +52,7 @@ Campo* FormulaChain::NextNeeded(Waiting& waiting) const {
   const std::vector<Item>& items = waiting.plan->items;
   while (is_alone_ && waiting.next < items.size()) {
     const Item& item = items[waiting.next];
-    if (item.kind == ItemKind::Operator || item.kind == ItemKind::Builtin) break;
+    if (item.HasRecord() && item.kind != ItemKind::Variable) break;  // an operation
     ++waiting.next;
     if (item.kind == ItemKind::Variable && engine_.NeedsComputing(*item.record)) return item.record;
   }

@@ -125,6 +125,7 @@ class ProgramMaker {
   }
 
   bool TakeOperator(OperatorCode code) {
+    has_operations_ = true;
     if (size_ == 1) return TakeUnary(code);
     const OperatorRow* row = kRowOf[static_cast<std::size_t>(code)];
     if (!row || size_ < 2) return false;
@@ -137,6 +138,7 @@ class ProgramMaker {
   }
 
   bool TakeFunction(const Builtin& builtin) {
+    has_operations_ = true;
     const auto* row = std::ranges::find(kFunctions, builtin.name, &FunctionRow::name);
     if (row == std::end(kFunctions) || size_ < builtin.pops) return false;
     const std::size_t conditions = row->step == NumericCode::Choose ? 1 : 0;
@@ -155,7 +157,6 @@ class ProgramMaker {
 
   // What was loaded last is the last operand: the step brings it along.
   bool Emit(NumericCode code, SlotType gives) {
-    has_operations_ = true;
     NumericStep& last = program_.steps.back();
     if (OperandsOf(code) > 1 && last.code == NumericCode::Load) {
       last.code = code;

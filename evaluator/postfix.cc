@@ -202,9 +202,9 @@ Text ItemText(const Plan& plan, const Item& item) {
 void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, const Campos* locals) {
   item.kind = ItemKind::Text;
   Campo* record = nullptr;
-  if (const std::optional<double> number = NumberToken(text)) {
+  if (double number = 0; ReadNumberToken(text, number)) {
     item.kind = ItemKind::Number;
-    item.number = *number;
+    item.number = number;
   } else if ((record = symbols.operators->Find(text))) {
     SetOperator(item, *record, CodeOf(Trim(record->Name())));
   } else if ((record = locals ? locals->Find(text) : nullptr) ||

@@ -100,12 +100,10 @@ class Tokenizer {
     if (first == last) return;
     const TextView operand = text_.substr(first, last - first);
     Token& token = Add(TokenKind::Name, first, last);
-    if (const std::optional<double> number = NumberToken(operand)) {
+    if (ReadNumberToken(operand, token.number))
       token.kind = TokenKind::Number;
-      token.number = *number;
-    } else if (const Element* word = elements_.FindWord(operand)) {
+    else if (const Element* word = elements_.FindWord(operand))
       TakeElement(token, *word);
-    }
   }
 
   std::pair<std::size_t, std::size_t> Trimmed(std::size_t start, std::size_t end) const {
@@ -137,9 +135,8 @@ void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elemen
   token.length = static_cast<std::uint32_t>(text.size());
   list.text.append(text).push_back(u' ');
   const Element* element = elements.Find(word, 0).element;
-  if (const std::optional<double> number = NumberToken(word)) {
+  if (ReadNumberToken(word, token.number)) {
     token.kind = TokenKind::Number;
-    token.number = *number;
   } else if (Campo* record = symbols.operators->Find(word)) {
     TakeElement(token, OperatorElement(*record));
   } else if (element && element->length == word.size() && !word.empty()) {

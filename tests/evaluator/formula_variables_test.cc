@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <random>
+#include <vector>
+
 #include "tests/evaluator/formula_host.h"
 
 namespace tovalin {
@@ -104,6 +107,48 @@ TEST_F(FormulaVariables, FollowAFormulaThatChanges) {
   host.evaluator->Variables()->Item(u"B")->LetFormula(u"Doble + 1");
   EXPECT_EQ(host.Evaluate(u"Doble"), "Double 6");
   EXPECT_EQ(Stored(u"B"), "Double 7");
+}
+
+// With a handler every formula variable is computed where the walk meets it, without
+// one those in front are computed first: the values and the errors are the same.
+TEST_F(FormulaVariables, ComeOutAlikeWithAndWithoutHandlers) {
+  const std::vector<Text> pieces = {u"%0 + %1",
+                                    u"%0 * 2 - %1",
+                                    u"MAX(+A, %0)",
+                                    u"A / %0 + %1",
+                                    u"1E308 * A * %0",
+                                    u"%0 & \"x\" & %1",
+                                    u"IIF(%0 > 3, %1, %0)",
+                                    u"-%0",
+                                    u"(1E300 * A) ^ 2 + %0",
+                                    u"X + %0",
+                                    u"%0 + LEN(%1)",
+                                    u"A",
+                                    u"%0 = %1",
+                                    u"NoEsta(1) + %0",
+                                    u"Redondear(%0, 1) + B",
+                                    u"%0"};
+  std::minstd_rand random(11);
+  for (int turn = 0; turn < 300; ++turn) {
+    FormulaHost plain;
+    FormulaHost handled;
+    handled.evaluator->Evaluate.Attach([](const Text&, Variant&, Ref<Collection>&) {});
+    for (int i = 0; i < 6; ++i) {
+      Text formula = pieces[random() % pieces.size()];
+      for (const TextView mark : {u"%0", u"%1"})
+        for (std::size_t place; (place = formula.find(mark)) != Text::npos;)
+          formula.replace(place, 2, Named(u"F", static_cast<int>(random() % 6)));
+      for (FormulaHost* each : {&plain, &handled})
+        each->evaluator->AddVble(Named(u"F", i), 1.5, u"", kNumeric, formula);
+    }
+    for (const TextView formula : {u"F0", u"B * F1 + F2", u"F3 & F4 & F5"})
+      ASSERT_EQ(plain.Evaluate(Text(formula)), handled.Evaluate(Text(formula))) << turn;
+    for (int i = 0; i < 6; ++i) {
+      const Variant value = plain.evaluator->GetVariable(Named(u"F", i), Variant::Null());
+      const Variant other = handled.evaluator->GetVariable(Named(u"F", i), Variant::Null());
+      ASSERT_EQ(FormulaHost::Show(value), FormulaHost::Show(other)) << turn << ' ' << i;
+    }
+  }
 }
 
 TEST_F(FormulaVariables, StoreLocalValuesLocally) {

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+
+#include "tovalin/text.h"
+
+namespace tovalin {
+
+/// The most bytes that a 16-bit character takes in UTF-8; a pair of them takes four.
+inline constexpr std::size_t kMostUtf8Bytes = 3;
+
+/// Writes `text` in UTF-8 at `target`, where there is room for kMostUtf8Bytes a
+/// character, and answers the place behind it. Halves of pairs as in ToUtf8.
+char* WriteUtf8(char* target, TextView text);
+
+}  // namespace tovalin
