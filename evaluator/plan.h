@@ -60,9 +60,11 @@ struct HeldValue {
 struct Plan {
   // What every walk asks stands in front.
   ReferenceCount references;
-  int walks = 0;  // under way
+  std::uint16_t walks = 0;  // under way
   bool has_constants = false;
   bool came_again = false;  // asked for again after it was made
+  std::uint32_t hash = 0;   // of the text
+  std::uint32_t trace_edition = 0;
   NamesStamp stamp;
   NumericProgram numeric;  // of a plan of numbers alone
   std::vector<Item> items;
@@ -70,14 +72,14 @@ struct Plan {
   std::vector<HeldValue> held;
   Ref<Campos> locals;  // pins the address in the stamp
   Text text;           // the formula, without carriage returns
-  // What the trace shows of the formula: made when it is first shown, and again
-  // when a constant has changed the postfix text.
+  // What the trace shows of the formula: made when it is first shown, which gives it
+  // an edition other than 0, and again when a constant has changed the postfix text.
   std::string trace_lines;
-  std::uint32_t trace_edition = 0;  // 0: not made yet
-  // Of the plan store: the neighbours in the order of use, and the hash of the text.
+  // Of the plan cache: the next plan with like hashes, and the neighbours in the
+  // order of use.
+  Ref<Plan> same_bucket;
   Plan* newer = nullptr;
   Plan* older = nullptr;
-  std::size_t hash = 0;
 
   TextView Span(const Item& item) const { return TextView(text).substr(item.start, item.length); }
   const Variant& ValueOf(const Item& item) const { return held[item.held].value; }

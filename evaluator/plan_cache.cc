@@ -4,11 +4,16 @@
 
 namespace tovalin {
 
-Plan* PlanCache::Find(TextView text, std::size_t hash) {
-  const auto place = plans_.find(Key{text, hash});
-  if (place == plans_.end()) return nullptr;
-  Plan* plan = place->get();
-  if (plan != latest_) {
+std::uint32_t PlanCache::Hash(TextView text) {
+  const std::uint64_t hash = std::hash<TextView>()(text);
+  return static_cast<std::uint32_t>(hash ^ hash >> 32);
+}
+
+Plan* PlanCache::Find(TextView text, std::uint32_t hash) {
+  if (size_ == 0) return nullptr;
+  Plan* plan = Bucket(hash).get();
+  while (plan && (plan->hash != hash || plan->text != text)) plan = plan->same_bucket.get();
+  if (plan && plan != latest_) {
     Unchain(*plan);
     Chain(*plan);
   }
@@ -16,31 +21,38 @@ Plan* PlanCache::Find(TextView text, std::size_t hash) {
 }
 
 void PlanCache::Add(const Ref<Plan>& plan) {
-  if (free_node_) {
-    free_node_.value() = plan;
-    plans_.insert(std::move(free_node_));
-  } else {
-    plans_.insert(plan);
-  }
+  if (size_ == buckets_.size()) Grow();
+  plan->same_bucket = std::exchange(Bucket(plan->hash), plan);
+  ++size_;
   Chain(*plan);
 }
 
-void PlanCache::Remove(Plan& plan) { Take(plans_.find(Ref<Plan>::Share(&plan))); }
-
-Ref<Plan> PlanCache::TakeOldest() {
-  return oldest_ ? Take(plans_.find(Key{oldest_->text, oldest_->hash})) : nullptr;
+Ref<Plan> PlanCache::Take(Plan& plan) {
+  Ref<Plan>* place = &Bucket(plan.hash);
+  while (place->get() != &plan) place = &(*place)->same_bucket;
+  Ref<Plan> taken = std::move(*place);
+  *place = std::move(plan.same_bucket);
+  --size_;
+  Unchain(plan);
+  return taken;
 }
 
 void PlanCache::LetCapacity(std::size_t capacity) {
   capacity_ = capacity;
-  while (plans_.size() > capacity) TakeOldest();
+  while (size_ > capacity) TakeOldest();
 }
 
-Ref<Plan> PlanCache::Take(Plans::const_iterator place) {
-  free_node_ = plans_.extract(place);
-  Ref<Plan> plan = std::move(free_node_.value());
-  Unchain(*plan);
-  return plan;
+void PlanCache::Grow() {
+  constexpr std::size_t kFewest = 16;
+  std::vector<Ref<Plan>> former = std::exchange(buckets_, {});
+  buckets_.resize(former.empty() ? kFewest : 2 * former.size());
+  for (Ref<Plan>& chain : former) {
+    while (chain) {
+      Ref<Plan> plan = std::move(chain);
+      chain = std::move(plan->same_bucket);
+      plan->same_bucket = std::exchange(Bucket(plan->hash), plan);
+    }
+  }
 }
 
 void PlanCache::Chain(Plan& plan) {

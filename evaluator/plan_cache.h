@@ -1,64 +1,44 @@
 #pragma once
 
-#include <unordered_set>
+#include <vector>
 
 #include "evaluator/plan.h"
 
 namespace tovalin {
 
-/// The plans of the formula texts that were used last. Plans are chained in the
-/// order of use and carry the hash of their text; a plan that goes leaves its place
-/// in the table, and itself where nobody holds it, to the one that comes.
+/// The plans of the formula texts that were used last. The plans themselves carry
+/// the links of the hash table and of the order of use, so that one that comes in
+/// place of another takes no memory and few steps.
 class PlanCache {
  public:
   PlanCache() = default;
   PlanCache(const PlanCache&) = delete;
   PlanCache& operator=(const PlanCache&) = delete;
+  ~PlanCache() { LetCapacity(0); }
 
-  static std::size_t Hash(TextView text) { return std::hash<TextView>()(text); }
+  static std::uint32_t Hash(TextView text);
 
   /// The plan of a text, which becomes the latest, or null.
-  Plan* Find(TextView text, std::size_t hash);
+  Plan* Find(TextView text, std::uint32_t hash);
   /// Keeps a plan of a text that is not here, as the latest. There must be room.
   void Add(const Ref<Plan>& plan);
-  void Remove(Plan& plan);
-  bool IsFull() const { return plans_.size() >= capacity_; }
+  /// Takes a plan out that is here.
+  Ref<Plan> Take(Plan& plan);
+  bool IsFull() const { return size_ >= capacity_; }
   /// Takes the plan that was used longest ago out, if there is one.
-  Ref<Plan> TakeOldest();
+  Ref<Plan> TakeOldest() { return oldest_ ? Take(*oldest_) : nullptr; }
 
   std::size_t Capacity() const { return capacity_; }
   void LetCapacity(std::size_t capacity);
 
  private:
-  struct Key {
-    TextView text;
-    std::size_t hash;
-  };
-  // Not noexcept, so that the table keeps the hashes itself: a search then touches no
-  // other plan.
-  struct KeyHash {
-    using is_transparent = void;
-    std::size_t operator()(const Key& key) const { return key.hash; }
-    std::size_t operator()(const Ref<Plan>& plan) const { return plan->hash; }
-  };
-  struct KeyEqual {
-    using is_transparent = void;
-    bool operator()(const Ref<Plan>& a, const Ref<Plan>& b) const noexcept { return a == b; }
-    bool operator()(const Key& key, const Ref<Plan>& plan) const noexcept {
-      return key.hash == plan->hash && key.text == plan->text;
-    }
-    bool operator()(const Ref<Plan>& plan, const Key& key) const noexcept {
-      return (*this)(key, plan);
-    }
-  };
-  using Plans = std::unordered_set<Ref<Plan>, KeyHash, KeyEqual>;
-
-  Ref<Plan> Take(Plans::const_iterator place);
+  Ref<Plan>& Bucket(std::uint32_t hash) { return buckets_[hash & (buckets_.size() - 1)]; }
+  void Grow();
   void Chain(Plan& plan);
   void Unchain(Plan& plan);
 
-  Plans plans_;
-  Plans::node_type free_node_;  // kept for its memory
+  std::vector<Ref<Plan>> buckets_;  // as many as a power of two, or none
+  std::size_t size_ = 0;
   Plan* latest_ = nullptr;
   Plan* oldest_ = nullptr;
   std::size_t capacity_ = 256;

@@ -45,7 +45,7 @@ void Empty(Plan& plan) {
 
 Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   const NamesStamp stamp = StampNames(symbols_, locals.get());
-  const std::size_t hash = PlanCache::Hash(formula);
+  const std::uint32_t hash = PlanCache::Hash(formula);
   Ref<Plan> plan = Ref<Plan>::Share(cache_.Find(formula, hash));
   if (plan && plan->MayRun(stamp)) {
     plan->came_again = true;
@@ -54,7 +54,7 @@ Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   }
   // A plan that is being walked keeps the constants that it was converted with.
   if (plan && plan->walks > 0) return Make(formula, locals);
-  if (plan) cache_.Remove(*plan);
+  if (plan) cache_.Take(*plan);
   plan = EmptyPlan();
   Compile(*plan, formula, locals, stamp);
   plan->hash = hash;
