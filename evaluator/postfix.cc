@@ -239,12 +239,12 @@ void AppendPostfixText(std::string& utf8, const Plan& plan) {
   utf8.resize(end + kMostUtf8Bytes * plan.text.size() + plan.items.size());
   const auto put = [&utf8, &end](TextView part) {
     const std::size_t most = kMostUtf8Bytes * part.size();
-    if (utf8.size() - end <= most) utf8.resize(2 * (end + most));
+    if (utf8.size() - end <= most) utf8.resize(2 * (end + most) + 1);
     end = static_cast<std::size_t>(WriteUtf8(utf8.data() + end, part) - utf8.data());
   };
   for (const Item& item : plan.items) {
     PutItem(plan, item, put);
-    put(u" ");
+    utf8[end++] = ' ';
   }
   utf8.resize(end);
 }
