@@ -142,7 +142,7 @@ Engine::Prepared Engine::Prepare(SharedText& formula, const Ref<Campos>& locals)
   Prepared prepared = Prepare(formula.value, locals);
   const Plan& plan = *prepared.plan;
   // Faults have to be told anew and constants bound anew each time.
-  if (plan.came_again && !prepared.expression && plan.faults.empty() && !plan.has_constants)
+  if (plan.came_again && !prepared.expression && !plan.faults && !plan.has_constants)
     recent_[RecentPlace(formula)] = {Ref<SharedText>::Share(&formula), prepared.plan};
   return prepared;
 }
@@ -158,7 +158,7 @@ Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals)
     prepared.plan = plans_.Get(replaced, locals);
   }
   const Plan& plan = *prepared.plan;
-  if (!plan.faults.empty()) reports_.push_back({formula, plan.text, plan.faults});
+  if (plan.faults) reports_.push_back({formula, plan.text, plan.Faults()});
   return prepared;
 }
 
@@ -275,7 +275,7 @@ Ref<Plan> Engine::FormulaPlan(const Campo& record, const Ref<Campos>& locals) {
     kept = PrepareApart(record.Formula(), locals);
   else if (kept->has_constants)
     BindConstants(*kept);
-  if (!kept->faults.empty()) reports_.push_back({record.Formula(), kept->text, kept->faults});
+  if (kept->faults) reports_.push_back({record.Formula(), kept->text, kept->Faults()});
   return kept;
 }
 

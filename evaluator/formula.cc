@@ -46,7 +46,7 @@ Engine::Outcome Formula::Core::Walk() {
   Evaluador::Core& host = Host();
   host.engine.ForgetReports();
   const Ref<Plan> plan = Current();
-  if (!plan->faults.empty()) host.engine.Reports().push_back({text_, plan->text, plan->faults});
+  if (plan->faults) host.engine.Reports().push_back({text_, plan->text, plan->Faults()});
   return Engine::Calculation(host.engine, locals_).Walk(plan);
 }
 
@@ -74,7 +74,7 @@ Ref<Collection> Formula::Variables() const {
 Ref<Collection> Formula::Errores() const {
   const Ref<Plan> plan = core_->Current();
   auto records = Make<Collection>();
-  AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->faults});
+  AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->Faults()});
   return records;
 }
 

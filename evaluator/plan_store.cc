@@ -34,7 +34,7 @@ void Empty(TokenList& list) {
 void Empty(Plan& plan) {
   plan.items.clear();
   plan.held.clear();
-  plan.faults.clear();
+  plan.faults.reset();
   plan.numeric.steps.clear();
   plan.trace_edition = 0;
   plan.has_constants = false;
@@ -85,10 +85,12 @@ void PlanStore::Compile(Plan& plan, TextView formula, const Ref<Campos>& locals,
   CheckTokens(tokens_, symbols_, locals.get());
   plan.stamp = stamp;
   plan.locals = locals;
-  plan.faults = std::move(tokens_.faults);
-  if (plan.faults.empty()) ConvertToPostfix(tokens_, plan);
+  if (tokens_.faults.empty())
+    ConvertToPostfix(tokens_, plan);
+  else
+    plan.faults = std::make_unique<std::vector<Fault>>(std::move(tokens_.faults));
   std::swap(plan.text, tokens_.text);
-  if (plan.faults.empty()) MakeNumericProgram(plan);
+  MakeNumericProgram(plan);
 }
 
 TokenList PlanStore::Tokens(Text formula) {

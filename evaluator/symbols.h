@@ -44,16 +44,16 @@ inline std::uint64_t VocabularyStamp(const Symbols& symbols) {
 struct NamesStamp {
   static constexpr std::uint64_t kNever = static_cast<std::uint64_t>(-1);
 
-  std::uint64_t names = kNever;  // of the vocabulary, the variables and the constants
-  std::uint64_t locals_version = 0;
+  std::uint64_t names = kNever;  // of the vocabulary and all tables, a sum like the above
   const Campos* locals = nullptr;
 
   friend bool operator==(const NamesStamp&, const NamesStamp&) = default;
 };
 
 inline NamesStamp StampNames(const Symbols& symbols, const Campos* locals) {
-  return {VocabularyStamp(symbols) + symbols.variables->Version() + symbols.constants->Version(),
-          locals ? locals->Version() : 0, locals};
+  const std::uint64_t names =
+      VocabularyStamp(symbols) + symbols.variables->Version() + symbols.constants->Version();
+  return {locals ? names + locals->Version() : names, locals};
 }
 
 }  // namespace tovalin
