@@ -70,9 +70,9 @@ class ElementSearch {
   std::uint32_t Child(std::uint32_t node, char16_t c) const;
   std::uint32_t Step(std::uint32_t node, char16_t c) const;
 
-  static constexpr std::size_t kDirect = 256;        // characters with a class
-  static constexpr std::size_t kMostInRows = 12288;  // 24 KB
-  static constexpr std::size_t kLongest = 63;        // words longer than that count as so long
+  static constexpr std::size_t kDirect = 256;       // characters with a class
+  static constexpr std::size_t kMostInRows = 6144;  // 12 KB
+  static constexpr std::size_t kLongest = 63;       // words longer than that count as so long
   static std::uint64_t LengthBit(TextView word) {
     return std::uint64_t{1} << std::min(word.size(), kLongest);
   }
