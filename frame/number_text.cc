@@ -1,11 +1,11 @@
 #include "frame/number_text.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
-#include <optional>
 #include <string_view>
 
 #include "tovalin/locale.h"
@@ -57,21 +57,59 @@ DecimalDigits Collect(bool negative, const char* first, const char* last, int ex
   return result;
 }
 
-/// The digits of a value that is the Double nearest to a decimal of at most
-/// four places and `significant` digits, as amounts are: up to 15 digits such a
-/// decimal is what the value rounds to, so no long division is needed.
-std::optional<DecimalDigits> AmountDigits(double value, int significant) {
-  constexpr double kScale = 10000;
-  constexpr double kLimit = 1e11;
+// 10^-3 to 10^16; a Double is at least one of them when it is at least the power
+// itself, since those below 1 are the nearest Doubles from above.
+constexpr double kPowers[] = {1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
+                              1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+constexpr int kLeastPower = -3;
+
+constexpr auto kWholePowers = [] {
+  std::array<std::uint64_t, 20> powers{};
+  std::uint64_t power = 1;
+  for (std::uint64_t& entry : powers) {
+    entry = power;
+    power *= 10;
+  }
+  return powers;
+}();
+
+struct Product {
+  std::uint64_t high;
+  std::uint64_t low;
+};
+
+Product Multiply(std::uint64_t a, std::uint64_t b) {
+  constexpr std::uint64_t kHalf = 0xFFFFFFFF;
+  const std::uint64_t low = (a & kHalf) * (b & kHalf);
+  const std::uint64_t cross = (a >> 32) * (b & kHalf) + (low >> 32);
+  const std::uint64_t middle = (a & kHalf) * (b >> 32) + (cross & kHalf);
+  return {(a >> 32) * (b >> 32) + (cross >> 32) + (middle >> 32), middle << 32 | (low & kHalf)};
+}
+
+/// Of a value from 0.001 to 1e15, as nearly all are: mantissa x 10^places / 2^shift,
+/// a whole number of 128 bits that is rounded exactly, a half to even. False for
+/// others. It takes a fifth of the time of the general way.
+bool ExactDigits(double value, int significant, DecimalDigits& number) {
   const double magnitude = std::abs(value);
-  if (significant > kDoubleDigits || !(magnitude < kLimit)) return std::nullopt;
-  const auto units = static_cast<std::int64_t>(magnitude * kScale + 0.5);
-  if (static_cast<double>(units) / kScale != magnitude) return std::nullopt;
-  char buffer[20];
-  const char* end = std::to_chars(buffer, buffer + sizeof buffer, units).ptr;
-  const DecimalDigits result = Collect(value < 0, buffer, end, static_cast<int>(end - buffer) - 4);
-  if (result.count > significant) return std::nullopt;
-  return result;
+  if (!(magnitude >= kPowers[0] && magnitude < kWholeLimit)) return false;
+  constexpr std::uint64_t kMantissaBit = std::uint64_t{1} << 52;
+  const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+  const int binary_exponent = static_cast<int>(bits >> 52) - 1023;
+  int power = binary_exponent * 1233 >> 12;  // 1233 / 4096 is the logarithm of 2
+  if (magnitude >= kPowers[power + 1 - kLeastPower]) ++power;
+  const int places = significant - 1 - power;
+  if (places < 0) return false;
+  const Product product = Multiply((bits & (kMantissaBit - 1)) | kMantissaBit,
+                                   kWholePowers[static_cast<std::size_t>(places)]);
+  const int shift = 52 - binary_exponent;
+  std::uint64_t digits = product.high << (64 - shift) | product.low >> shift;
+  const std::uint64_t rest = product.low << (64 - shift);
+  constexpr std::uint64_t kHalf = std::uint64_t{1} << 63;
+  if (rest > kHalf || (rest == kHalf && (digits & 1) != 0)) ++digits;
+  char buffer[24];
+  const char* end = std::to_chars(buffer, buffer + sizeof buffer, digits).ptr;
+  number = Collect(value < 0, buffer, end, static_cast<int>(end - buffer) - places);
+  return true;
 }
 
 template <class String>
@@ -130,57 +168,25 @@ void AppendDouble(String& text, double value) {
   AppendFloating(text, value, kDoubleDigits);
 }
 
-// Leaves `keep` of the digits, rounded. Nothing when what goes is exactly a half as
-// far as these digits tell: then the value itself decides.
-bool RoundDigits(DecimalDigits& number, int keep) {
-  if (number.count <= keep) return true;
-  const char* rest = number.digits + keep;
-  if (*rest == '5' && number.count == keep + 1) return false;
-  const bool up = *rest >= '5';
-  number.count = keep;
-  while (up && number.count > 0 && number.digits[number.count - 1] == '9') --number.count;
-  if (up && number.count > 0) {
-    ++number.digits[number.count - 1];
-  } else if (up) {
-    number.digits[number.count++] = '1';
-    ++number.exponent;
-  }
-  while (number.digits[number.count - 1] == '0') --number.count;
-  return true;
-}
-
-// The digits in d.dddde+xxx.
-DecimalDigits ReadScientific(bool negative, char* first, const char* end) {
-  const char* mark = std::find(static_cast<const char*>(first), end, 'e');
-  int exponent = 0;
-  std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, exponent);
-  if (mark - first > 1) {
-    first[1] = first[0];
-    ++first;
-  }
-  return Collect(negative, first, mark, exponent + 1);
-}
-
 }  // namespace
 
 DecimalDigits ToDecimalDigits(double value, int significant) {
-  if (value == 0) return {};
-  if (const auto amount = AmountDigits(value, significant)) return *amount;
+  DecimalDigits number;
+  if (value == 0 || ExactDigits(value, significant, number)) return number;
+  // d.dddde+xxx
   char buffer[32];
-  char* const last = buffer + sizeof buffer;
-  const double magnitude = std::abs(value);
-  // The fewest digits that tell the value from its neighbours take a third of the
-  // time of rounding it in full, and round to the same digits: a number of one digit
-  // more than is kept that lay between the two would have been found itself. Up to 15
-  // digits tell every number from the others, but for the smallest.
-  if (significant <= kDoubleDigits && magnitude >= std::numeric_limits<double>::min()) {
-    const char* end = std::to_chars(buffer, last, magnitude, std::chars_format::scientific).ptr;
-    DecimalDigits number = ReadScientific(value < 0, buffer, end);
-    if (RoundDigits(number, significant)) return number;
+  const char* end = std::to_chars(buffer, buffer + sizeof buffer, std::abs(value),
+                                  std::chars_format::scientific, significant - 1)
+                        .ptr;
+  const char* mark = std::find(static_cast<const char*>(buffer), end, 'e');
+  int exponent = 0;
+  std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, exponent);
+  char* first = buffer;
+  if (significant > 1) {
+    buffer[1] = buffer[0];
+    first = buffer + 1;
   }
-  const char* end =
-      std::to_chars(buffer, last, magnitude, std::chars_format::scientific, significant - 1).ptr;
-  return ReadScientific(value < 0, buffer, end);
+  return Collect(value < 0, first, mark, exponent + 1);
 }
 
 void AppendNumber(Text& text, double value) { AppendDouble(text, value); }

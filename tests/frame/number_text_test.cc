@@ -123,6 +123,7 @@ TEST(NumberText, DigitsAreCorrectlyRounded) {
     double value = static_cast<double>(bits);
     if (i % 3 == 0) value = static_cast<double>(bits % 1'000'000'000) / 100;          // amounts
     if (i % 3 == 1) value = std::ldexp(value, static_cast<int>(next() >> 54) - 600);  // any size
+    if (i % 5 == 0) value = std::ldexp(value, -static_cast<int>(next() >> 58));       // near 1
     if (i % 7 == 0) value = static_cast<double>(bits % 1'000'000) / 16;  // halves of a digit
     if (i % 2 == 0) value = -value;
     const int significant = 1 + i % 17;
