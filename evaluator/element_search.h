@@ -64,7 +64,7 @@ class ElementSearch {
   void AddOperator(const Element& element);
   void Add(TextView pattern, Element element);
   std::vector<std::uint32_t> LinkSuffixes();
-  std::vector<char16_t> MakeClasses();
+  std::size_t MakeClasses();
   void Renumber(const std::vector<std::uint32_t>& order);
   void FillRows();
   std::uint32_t Child(std::uint32_t node, char16_t c) const;
