@@ -35,13 +35,6 @@ void AddExpression(std::string& lines, TextView expression) {
   AddEntry(lines, kExpressionKey, [=](std::string& utf8) { AppendUtf8(utf8, expression); });
 }
 
-// A number needs no escape.
-void AddNumber(std::string& lines, std::string_view key, double number) {
-  lines.append(key).push_back('=');
-  AppendNumber(lines, number);
-  lines.push_back('\n');
-}
-
 void AppendResult(std::string& utf8, const Variant& result) {
   try {
     if (!result.Is(Subtype::Null)) AppendUtf8(utf8, ToText(result));
@@ -107,12 +100,16 @@ void Trace::ShowResult(const Variant& result, std::size_t left) {
   const std::optional<std::uint64_t> bits =
       number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
   if (!store_ && bits && bits == shown_bits_ && left == shown_left_) return;
+  if (left != shown_left_) left_line_ = std::string(kLeftKey) + "=" + std::to_string(left) + '\n';
   lines_.clear();
-  if (number)
-    AddNumber(lines_, kResultKey, *number);
-  else
+  if (number) {  // which needs no escape
+    lines_.append(kResultKey).push_back('=');
+    AppendNumber(lines_, *number);
+    lines_.push_back('\n');
+  } else {
     AddEntry(lines_, kResultKey, [&result](std::string& utf8) { AppendResult(utf8, result); });
-  AddNumber(lines_, kLeftKey, static_cast<double>(left));
+  }
+  lines_.append(left_line_);
   Show(kResult, lines_);
   shown_bits_ = bits;
   shown_left_ = left;

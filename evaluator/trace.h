@@ -43,9 +43,10 @@ class Trace {
   Ref<Plan> shown_;
   std::uint32_t shown_edition_ = 0;
   std::uint32_t last_edition_ = 0;
-  std::optional<std::uint64_t> shown_bits_;  // of the Double that is the result there
-  std::size_t shown_left_ = 0;               // and the number of values
-  std::string lines_;                        // being made, kept for its memory
+  std::optional<std::uint64_t> shown_bits_;                // of the Double that is the result there
+  std::size_t shown_left_ = static_cast<std::size_t>(-1);  // and the number of values
+  std::string left_line_;                                  // the line of that number
+  std::string lines_;                                      // being made, kept for its memory
 };
 
 }  // namespace tovalin

@@ -38,8 +38,9 @@ void LiveSection::Set(std::size_t part, std::string_view lines) {
   if (Body().substr(start, size) == lines) return;
   unwritten_ = true;
   same_ = std::min(same_, start);
-  body_.resize(starts_.back());
-  body_.replace(start, size, lines);
+  // The blanks behind the last part go with it.
+  const bool is_last = start + size == starts_.back();
+  body_.replace(start, is_last ? body_.size() - start : size, lines);
   for (std::size_t next = part + 1; next < starts_.size(); ++next)
     starts_[next] += lines.size() - size;
 }
@@ -58,7 +59,10 @@ bool LiveSection::Put() noexcept {
   return false;
 }
 
-void LiveSection::Pad() { body_.resize((starts_.back() + 7) / 8 * 8, ' '); }
+void LiveSection::Pad() {
+  body_.resize(starts_.back());
+  body_.resize((starts_.back() + 7) / 8 * 8, ' ');
+}
 
 // The clock takes longer than all else about a Put of known values. So when it told
 // the same time over and over, only every fourth Put asks it.
