@@ -38,9 +38,10 @@ void LiveSection::Set(std::size_t part, std::string_view lines) {
   if (Body().substr(start, size) == lines) return;
   unwritten_ = true;
   same_ = std::min(same_, start);
-  // The blanks behind the last part go with it.
-  const bool is_last = start + size == starts_.back();
-  body_.replace(start, is_last ? body_.size() - start : size, lines);
+  if (start + size == starts_.back())
+    body_.replace(start, std::string::npos, lines);  // the last part, and the blanks behind it
+  else
+    body_.replace(start, size, lines);
   for (std::size_t next = part + 1; next < starts_.size(); ++next)
     starts_[next] += lines.size() - size;
 }

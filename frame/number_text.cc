@@ -137,17 +137,23 @@ bool AppendExact(String& text, double value) {
   if (!ToExactDecimal(std::abs(value), kDoubleDigits, decimal)) return false;
   DropZeros(decimal);
   const std::uint64_t scale = kWholePowers[static_cast<std::size_t>(decimal.places)];
+  auto whole = static_cast<std::uint64_t>(std::abs(value));
+  std::uint64_t fraction = decimal.digits - whole * scale;
+  if (fraction >= scale) {  // rounded up to the next whole number
+    ++whole;
+    fraction -= scale;
+  }
   const bool is_long = decimal.places > kDoubleDigits;
-  if (is_long || decimal.digits / scale >= kWholePowers[kDoubleDigits]) return false;
+  if (is_long || whole >= kWholePowers[kDoubleDigits]) return false;
   char buffer[24];
   char* const last = buffer + sizeof buffer;
   buffer[0] = '-';
-  const char* end = std::to_chars(buffer + 1, last, decimal.digits / scale).ptr;
+  const char* end = std::to_chars(buffer + 1, last, whole).ptr;
   AppendDigits(text, value < 0 ? buffer : buffer + 1, end);
   if (decimal.places == 0) return true;
   AppendSeparator(text);
   // With a digit in front, the zeros behind the point are written too.
-  end = std::to_chars(buffer, last, decimal.digits % scale + scale).ptr;
+  end = std::to_chars(buffer, last, fraction + scale).ptr;
   AppendDigits(text, buffer + 1, end);
   return true;
 }

@@ -62,7 +62,12 @@ TEST(NumberText, OfDouble) {
       {-std::numeric_limits<double>::infinity(), "-INF"},
       {std::numeric_limits<double>::quiet_NaN(), "NaN"},
   };
-  for (const auto& row : kRows) EXPECT_EQ(TextOf(row.value), row.text);
+  for (const auto& row : kRows) {
+    EXPECT_EQ(TextOf(row.value), row.text);
+    std::string utf8 = "=";
+    AppendNumber(utf8, row.value);
+    EXPECT_EQ(utf8, std::string("=") + row.text);
+  }
 }
 
 TEST(NumberText, OfSingle) {
