@@ -16,6 +16,10 @@ constexpr std::string_view kPostfixKey = "Posfijo";
 constexpr std::string_view kResultKey = "Resultado";
 constexpr std::string_view kLeftKey = "ElementosPila";
 
+// The parts of the section: what is known before an evaluation, and its result.
+constexpr std::size_t kFormula = 0;
+constexpr std::size_t kParts = 2;
+
 std::vector<std::string> Keys() {
   return {std::string(kExpressionKey), std::string(kPostfixKey), std::string(kResultKey),
           std::string(kLeftKey)};
@@ -45,7 +49,7 @@ void AppendResult(std::string& utf8, const Variant& result) {
 
 }  // namespace
 
-Trace::Trace() : section_(kApplication, kSection, Keys()) {}
+Trace::Trace() : section_(kApplication, kSection, kParts, Keys()) {}
 
 void Trace::UseStore(Ref<SettingsStore> store) {
   store_ = std::move(store);
@@ -75,10 +79,10 @@ void Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
     lines_.clear();
     AddExpression(lines_, *expression);
     lines_.append(plan->trace_lines, plan->trace_lines.find('\n') + 1);
-    Show(kFormula, lines_);
+    ShowLines(lines_);
     shown_ = nullptr;
   } else {
-    Show(kFormula, plan->trace_lines);
+    ShowLines(plan->trace_lines);
     shown_ = plan;
     shown_edition_ = plan->trace_edition;
   }
@@ -101,22 +105,26 @@ void Trace::ShowResult(const Variant& result, std::size_t left) {
       number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
   if (!store_ && bits && bits == shown_bits_ && left == shown_left_) return;
   if (left != shown_left_) left_line_ = std::string(kLeftKey) + "=" + std::to_string(left) + '\n';
-  lines_.clear();
-  if (number) {  // which needs no escape
-    lines_.append(kResultKey).push_back('=');
-    AppendNumber(lines_, *number);
-    lines_.push_back('\n');
-  } else {
-    AddEntry(lines_, kResultKey, [&result](std::string& utf8) { AppendResult(utf8, result); });
-  }
-  lines_.append(left_line_);
-  Show(kResult, lines_);
   shown_bits_ = bits;
   shown_left_ = left;
+  if (!store_) return AddResult(section_.RewriteLast(), result);
+  lines_.clear();
+  AddResult(lines_, result);
+  Save(lines_);
 }
 
-void Trace::Show(Part part, std::string_view lines) {
-  if (!store_) return section_.Set(part, lines);
+void Trace::AddResult(std::string& lines, const Variant& result) const {
+  if (const double* number = result.IfDouble()) {  // which needs no escape
+    lines.append(kResultKey).push_back('=');
+    AppendNumber(lines, *number);
+    lines.push_back('\n');
+  } else {
+    AddEntry(lines, kResultKey, [&result](std::string& utf8) { AppendResult(utf8, result); });
+  }
+  lines.append(left_line_);
+}
+
+void Trace::Save(std::string_view lines) {
   try {
     for (std::size_t end; !lines.empty(); lines.remove_prefix(end + 1)) {
       end = lines.find('\n');
@@ -127,6 +135,13 @@ void Trace::Show(Part part, std::string_view lines) {
   } catch (const Error&) {
     // The evaluation does not suffer from a trace that cannot be written.
   }
+}
+
+void Trace::ShowLines(std::string_view formula_lines) {
+  if (store_)
+    Save(formula_lines);
+  else
+    section_.Set(kFormula, formula_lines);
 }
 
 }  // namespace tovalin

@@ -28,12 +28,11 @@ class Trace {
   void UseStore(Ref<SettingsStore> store);
 
  private:
-  // The two parts of the section: what is known before an evaluation and after it.
-  enum Part : std::size_t { kFormula, kResult };
-
   void ShowFormula(const Ref<Plan>& plan, const Text* expression);
   void ShowResult(const Variant& result, std::size_t left);
-  void Show(Part part, std::string_view lines);
+  void ShowLines(std::string_view formula_lines);
+  void AddResult(std::string& lines, const Variant& result) const;
+  void Save(std::string_view lines);
   void MakeLines(Plan& plan);
 
   Ref<SettingsStore> store_;

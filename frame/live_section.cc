@@ -20,12 +20,13 @@ constexpr std::size_t kLongestBody = std::size_t{1} << 30;
 
 }  // namespace
 
-LiveSection::LiveSection(TextView application, TextView section, std::vector<std::string> keys)
+LiveSection::LiveSection(TextView application, TextView section, std::size_t parts,
+                         std::vector<std::string> keys)
     : application_(application),
       section_(section),
       written_section_(EscapeIni(section, IniPlace::kSection)),
       keys_(std::move(keys)),
-      starts_(keys_.size() + 1) {}
+      starts_(parts + 1) {}
 
 LiveSection::~LiveSection() {
   next_look_ = 0;
@@ -33,17 +34,25 @@ LiveSection::~LiveSection() {
 }
 
 void LiveSection::Set(std::size_t part, std::string_view lines) {
+  EndRewriting();
   const std::size_t start = starts_[part];
   const std::size_t size = starts_[part + 1] - start;
   if (Body().substr(start, size) == lines) return;
   unwritten_ = true;
   same_ = std::min(same_, start);
-  if (start + size == starts_.back())
-    body_.replace(start, std::string::npos, lines);  // the last part, and the blanks behind it
-  else
-    body_.replace(start, size, lines);
+  body_.resize(starts_.back());  // without the blanks behind the last part
+  body_.replace(start, size, lines);
   for (std::size_t next = part + 1; next < starts_.size(); ++next)
     starts_[next] += lines.size() - size;
+}
+
+std::string& LiveSection::RewriteLast() {
+  const std::size_t start = starts_[starts_.size() - 2];
+  unwritten_ = true;
+  same_ = std::min(same_, start);
+  is_rewriting_ = true;
+  body_.resize(start);
+  return body_;
 }
 
 bool LiveSection::Put() noexcept {
@@ -51,6 +60,7 @@ bool LiveSection::Put() noexcept {
     const bool look = IsTimeToLook();
     if (!look && !unwritten_ && file_ && file_->HoldsLast()) return true;
     unwritten_ = true;
+    EndRewriting();
     Pad();
     unwritten_ = !Write(look);
     return !unwritten_;
@@ -60,9 +70,15 @@ bool LiveSection::Put() noexcept {
   return false;
 }
 
+// What was added to the body since RewriteLast is the last part.
+void LiveSection::EndRewriting() {
+  if (std::exchange(is_rewriting_, false)) starts_.back() = body_.size();
+}
+
+// A body that has its blanks already gets no more.
 void LiveSection::Pad() {
-  body_.resize(starts_.back());
-  body_.resize((starts_.back() + 7) / 8 * 8, ' ');
+  constexpr std::string_view kBlanks = "       ";
+  body_.append(kBlanks.substr(0, (8 - body_.size() % 8) % 8));
 }
 
 // The clock takes longer than all else about a Put of known values. So when it told

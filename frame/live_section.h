@@ -21,9 +21,10 @@ namespace tovalin {
 /// the values in the file are always all those of one object.
 class LiveSection {
  public:
-  /// Opens nothing yet. The section has as many parts as `keys`, the names of all
-  /// entries that it may ever have.
-  LiveSection(TextView application, TextView section, std::vector<std::string> keys);
+  /// Opens nothing yet. `keys` are the names of all entries that the section may ever
+  /// have, in any of its parts.
+  LiveSection(TextView application, TextView section, std::size_t parts,
+              std::vector<std::string> keys);
   LiveSection(const LiveSection&) = delete;
   LiveSection& operator=(const LiveSection&) = delete;
   /// Tries once more to write what the last Put could not.
@@ -33,6 +34,11 @@ class LiveSection {
   /// first. The next Put writes them.
   void Set(std::size_t part, std::string_view lines);
 
+  /// Empties the last part and hands out the text of all, for new lines of the last
+  /// part to be added at its end before the next Put: what changes with every Put is
+  /// written once this way.
+  std::string& RewriteLast();
+
   /// Writes what was Set. False when the section cannot be written: the lines are
   /// kept then, and written with the next Put that succeeds. The way to the file is
   /// tried once a second at most. A file that others deleted comes back with the
@@ -41,6 +47,7 @@ class LiveSection {
   bool Put() noexcept;
 
  private:
+  void EndRewriting();
   void Pad();
   std::string_view Body() const { return body_; }
   bool IsTimeToLook();
@@ -58,6 +65,7 @@ class LiveSection {
   std::filesystem::path path_;
   std::optional<LiveFile> file_;
   bool unwritten_ = false;
+  bool is_rewriting_ = false;
   std::int64_t next_look_ = 0;  // when to look again whether the path leads to the file
   std::int64_t now_ = 0;        // when the clock was last asked
   int asked_ = 0;               // how often it told that time

@@ -27,14 +27,18 @@ const std::vector<std::string> kKeys = {"Expresion", "Posfijo", "Resultado", "El
 
 class LiveSectionTest : public SettingsDirectoryTest {
  protected:
-  static LiveSection Make() { return LiveSection(u"Evaluador", u"Posfijo", kKeys); }
+  static LiveSection Make() { return LiveSection(u"Evaluador", u"Posfijo", kKeys.size(), kKeys); }
 
   static bool Put(LiveSection& section, std::size_t first, std::vector<std::string_view> values) {
     for (std::size_t i = 0; i < values.size() && first + i < kKeys.size(); ++i) {
       std::string line = kKeys[first + i] + "=";
       line.append(values[i]);
       EscapeIniTextFrom(kKeys[first + i].size() + 1, line);
-      section.Set(first + i, line + "\n");
+      line += '\n';
+      if (values.size() == 1 && first + 1 == kKeys.size())
+        section.RewriteLast() += line;
+      else
+        section.Set(first + i, line);
     }
     return section.Put();
   }
