@@ -11,24 +11,27 @@ namespace {
 
 constexpr TextView kApplication = u"Evaluador";
 constexpr TextView kSection = u"Posfijo";
-constexpr std::string_view kExpressionKey = "Expresion";
-constexpr std::string_view kPostfixKey = "Posfijo";
-constexpr std::string_view kResultKey = "Resultado";
-constexpr std::string_view kLeftKey = "ElementosPila";
+// As lines begin with them.
+constexpr std::string_view kExpressionKey = "Expresion=";
+constexpr std::string_view kPostfixKey = "Posfijo=";
+constexpr std::string_view kResultKey = "Resultado=";
+constexpr std::string_view kLeftKey = "ElementosPila=";
 
 // The parts of the section: what is known before an evaluation, and its result.
 constexpr std::size_t kFormula = 0;
 constexpr std::size_t kParts = 2;
 
 std::vector<std::string> Keys() {
-  return {std::string(kExpressionKey), std::string(kPostfixKey), std::string(kResultKey),
-          std::string(kLeftKey)};
+  std::vector<std::string> keys;
+  for (std::string_view key : {kExpressionKey, kPostfixKey, kResultKey, kLeftKey})
+    keys.emplace_back(key.substr(0, key.size() - 1));
+  return keys;
 }
 
 // Adds the line of an entry whose text, in UTF-8, `append_text` adds.
 template <class AppendText>
 void AddEntry(std::string& lines, std::string_view key, AppendText append_text) {
-  lines.append(key).push_back('=');
+  lines.append(key);
   const std::size_t start = lines.size();
   append_text(lines);
   EscapeIniTextFrom(start, lines);
@@ -104,7 +107,7 @@ void Trace::ShowResult(const Variant& result, std::size_t left) {
   const std::optional<std::uint64_t> bits =
       number ? std::optional(std::bit_cast<std::uint64_t>(*number)) : std::nullopt;
   if (!store_ && bits && bits == shown_bits_ && left == shown_left_) return;
-  if (left != shown_left_) left_line_ = std::string(kLeftKey) + "=" + std::to_string(left) + '\n';
+  if (left != shown_left_) left_line_ = std::string(kLeftKey) + std::to_string(left) + '\n';
   shown_bits_ = bits;
   shown_left_ = left;
   if (!store_) return AddResult(section_.RewriteLast(), result);
@@ -115,7 +118,7 @@ void Trace::ShowResult(const Variant& result, std::size_t left) {
 
 void Trace::AddResult(std::string& lines, const Variant& result) const {
   if (const double* number = result.IfDouble()) {  // which needs no escape
-    lines.append(kResultKey).push_back('=');
+    lines.append(kResultKey);
     AppendNumber(lines, *number);
     lines.push_back('\n');
   } else {

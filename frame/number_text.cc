@@ -29,13 +29,22 @@ void AppendDigits(std::string& utf8, const char* first, const char* last) {
   utf8.append(first, last);
 }
 
-void AppendSeparator(Text& text) { text += CurrentLocale().decimal_separator; }
-void AppendSeparator(std::string& utf8) {
+// Puts the decimal separator in the place of a character.
+void PutSeparator(Text& text, std::size_t place) {
+  text[place] = CurrentLocale().decimal_separator;
+}
+void PutSeparator(std::string& utf8, std::size_t place) {
   const char16_t separator = CurrentLocale().decimal_separator;
   if (separator < 0x80)
-    utf8 += static_cast<char>(separator);
+    utf8[place] = static_cast<char>(separator);
   else
-    AppendUtf8(utf8, TextView(&separator, 1));
+    utf8.replace(place, 1, ToUtf8(TextView(&separator, 1)));
+}
+
+template <class String>
+void AppendSeparator(String& text) {
+  text.push_back('.');
+  PutSeparator(text, text.size() - 1);
 }
 
 template <class String>
@@ -145,16 +154,16 @@ bool AppendExact(String& text, double value) {
   }
   const bool is_long = decimal.places > kDoubleDigits;
   if (is_long || whole >= kWholePowers[kDoubleDigits]) return false;
-  char buffer[24];
+  char buffer[48];
   char* const last = buffer + sizeof buffer;
   buffer[0] = '-';
-  const char* end = std::to_chars(buffer + 1, last, whole).ptr;
-  AppendDigits(text, value < 0 ? buffer : buffer + 1, end);
-  if (decimal.places == 0) return true;
-  AppendSeparator(text);
-  // With a digit in front, the zeros behind the point are written too.
-  end = std::to_chars(buffer, last, fraction + scale).ptr;
-  AppendDigits(text, buffer + 1, end);
+  char* point = std::to_chars(buffer + 1, last, whole).ptr;
+  // With a digit in front, in the place of the point, the zeros behind it are written.
+  const char* end = decimal.places > 0 ? std::to_chars(point, last, fraction + scale).ptr : point;
+  const char* first = value < 0 ? buffer : buffer + 1;
+  const std::size_t before = text.size();
+  AppendDigits(text, first, end);
+  if (point != end) PutSeparator(text, before + static_cast<std::size_t>(point - first));
   return true;
 }
 
