@@ -21,6 +21,11 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
   return *local_variables;
 }
 
+// The settings of a host may drop its last Ref on the evaluator.
+Ref<Object> Held(Evaluador& evaluator) {
+  return evaluator.references.Value() > 0 ? Ref<Object>::Share(&evaluator) : nullptr;
+}
+
 }  // namespace
 
 Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) {
@@ -111,8 +116,10 @@ void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
 bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 Ref<Campos>* LocalVbles) {
   const Ref<Campos> locals = LocalsOf(LocalVbles);
+  const bool is_kept_by_host = core_->trace.UsesStore();
+  const Ref<Object> alive = is_kept_by_host ? Held(*this) : nullptr;
   // A text that came before: the way of most evaluations counts no references.
-  const Ref<Plan>* recent = vExpresion.Is(Subtype::String)
+  const Ref<Plan>* recent = vExpresion.Is(Subtype::String) && !is_kept_by_host
                                 ? core_->engine.Recent(vExpresion.AsSharedText(), locals.get())
                                 : nullptr;
   if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
@@ -159,6 +166,7 @@ Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<C
 
 void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes) {
   if (formulas.size() != outcomes.size()) Raise(Failure::InvalidArgument);
+  const Ref<Object> alive = Held(*this);
   Engine::Calculation calculation(core_->engine, nullptr);
   std::vector<FaultReport>& reports = core_->engine.Reports();
   reports.clear();

@@ -127,13 +127,22 @@ void Trace::AddResult(std::string& lines, const Variant& result) const {
   lines.append(left_line_);
 }
 
-void Trace::Save(std::string_view lines) {
+// By value, since the store may lead to another evaluation.
+void Trace::Save(std::string lines) {
+  if (is_saving_) return;
+  struct Saving {
+    explicit Saving(bool& flag) : flag(flag) { flag = true; }
+    ~Saving() { flag = false; }
+    bool& flag;
+  } saving(is_saving_);
+  const Ref<SettingsStore> store = store_;
   try {
-    for (std::size_t end; !lines.empty(); lines.remove_prefix(end + 1)) {
-      end = lines.find('\n');
-      const std::size_t equals = lines.find('=');
-      store_->Save(kApplication, kSection, FromUtf8(lines.substr(0, equals)),
-                   UnescapeIni(lines.substr(equals + 1, end - equals - 1)));
+    std::size_t end = 0;
+    for (std::string_view rest = lines; !rest.empty(); rest.remove_prefix(end + 1)) {
+      end = rest.find('\n');
+      const std::size_t equals = rest.find('=');
+      store->Save(kApplication, kSection, FromUtf8(rest.substr(0, equals)),
+                  UnescapeIni(rest.substr(equals + 1, end - equals - 1)));
     }
   } catch (const Error&) {
     // The evaluation does not suffer from a trace that cannot be written.
@@ -142,7 +151,7 @@ void Trace::Save(std::string_view lines) {
 
 void Trace::ShowLines(std::string_view formula_lines) {
   if (store_)
-    Save(formula_lines);
+    Save(std::string(formula_lines));
   else
     section_.Set(kFormula, formula_lines);
 }

@@ -26,16 +26,19 @@ class Trace {
   void End(const Ref<Plan>& plan, const Text* expression, const Variant& result, std::size_t left);
 
   void UseStore(Ref<SettingsStore> store);
+  /// Whether code of the host keeps the trace: it may call the evaluator again.
+  bool UsesStore() const { return static_cast<bool>(store_); }
 
  private:
   void ShowFormula(const Ref<Plan>& plan, const Text* expression);
   void ShowResult(const Variant& result, std::size_t left);
   void ShowLines(std::string_view formula_lines);
   void AddResult(std::string& lines, const Variant& result) const;
-  void Save(std::string_view lines);
+  void Save(std::string lines);
   void MakeLines(Plan& plan);
 
   Ref<SettingsStore> store_;
+  bool is_saving_ = false;  // in the store: what it evaluates leaves no trace
   LiveSection section_;
   // What stands in the section now: the plan, if with its own expression, and the
   // edition of its postfix text.

@@ -148,6 +148,41 @@ TEST_F(HostEvents, MayDropTheLastReferenceToTheEvaluator) {
   EXPECT_FALSE(evaluator);
 }
 
+// Where the host keeps the trace its code runs in the middle of every evaluation.
+class EvaluatingSettings : public MemorySettings {
+ public:
+  explicit EvaluatingSettings(Ref<Evaluador>& evaluator) : evaluator_(evaluator) {}
+  void Save(TextView application, TextView section, TextView key, TextView text) override {
+    MemorySettings::Save(application, section, key, text);
+    if (!evaluator_) return;
+    Variant result;
+    for (int i = 0; i < 40; ++i)
+      evaluator_->EvaluatePosfijo(Variant(u"1 + " + FromUtf8(std::to_string(i))), result);
+    evaluator_->LetPlanesGuardados(0);
+    evaluator_->UseSettings(Make<MemorySettings>());
+    evaluator_ = nullptr;
+  }
+
+ private:
+  Ref<Evaluador>& evaluator_;
+};
+
+TEST_F(HostEvents, MayComeFromTheSettingsOfAHost) {
+  for (const TextView formula : {u"2 * 3", u"LEN(\"seis..\")"}) {
+    auto evaluator = Make<Evaluador>();
+    const Variant expression(formula);
+    Variant result;
+    evaluator->UseSettings(Make<MemorySettings>());
+    for (int i = 0; i < 3; ++i) evaluator->EvaluatePosfijo(expression, result);
+    const auto settings = Make<EvaluatingSettings>(evaluator);
+    evaluator->UseSettings(settings);
+    evaluator->EvaluatePosfijo(expression, result);
+    EXPECT_EQ(ToText(result), u"6");
+    EXPECT_FALSE(evaluator);
+    EXPECT_EQ(settings->values["Evaluador/Posfijo/Expresion"], ToUtf8(formula));
+  }
+}
+
 TEST_F(HostEvents, StopAHandlerThatNeverEnds) {
   Attach([](Evaluador& evaluator, const Text&, Variant& result, Ref<Collection>&) {
     evaluator.EvaluatePosfijo(u"OTRA( ) + 1", result);
