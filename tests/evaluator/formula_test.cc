@@ -58,7 +58,7 @@ class RandomFormula {
   explicit RandomFormula(std::mt19937& random) : random_(random) {}
 
   Text Number(int depth) {
-    switch (depth == 0 ? random_() % 3 : random_() % 11) {
+    switch (depth == 0 ? random_() % 3 : random_() % 13) {
       case 0:
       case 1:
         return Text(1, u"ABCD"[random_() % 4]);
@@ -75,6 +75,11 @@ class RandomFormula {
                Number(depth - 1) + u")";
       case 7:
         return Number(depth - 1) + u"*-" + Number(0);
+      case 8:
+        return u"Redondear(" + Number(depth - 1) + u"," + Number(0) + u")";
+      case 9:
+        return u"AjusteMedio(" + Number(depth - 1) + u"," + Number(random_() % 3 ? 0 : depth - 1) +
+               u"," + Number(0) + u")";
       default: {
         const char16_t* operators[] = {u"+", u"-", u"*", u"/", u"^"};
         return u"(" + Number(depth - 1) + u" " + operators[random_() % 5] + u" " +
