@@ -150,7 +150,7 @@ bool Round(const Operands& operands) {
 }  // namespace
 
 NumericColumns::NumericColumns(const NumericProgram& program, std::span<const Bound> columns)
-    : slots_(program.depth) {
+    : slots_(std::make_unique_for_overwrite<Block[]>(program.depth)) {
   stack_.reserve(program.depth);
   steps_.reserve(program.steps.size());
   for (const NumericStep& step : program.steps)

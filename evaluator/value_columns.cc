@@ -142,7 +142,7 @@ void ValueColumns::ForEachRow(std::span<Slot> operands, Compute compute) {
     Variant& value = result.own[row];
     try {
       value = compute(row);
-      if (!is_last_ && !IsNormalised(value)) value = Normalised(std::move(value));
+      if (!is_last_ && value.Is(Subtype::String)) value = Normalised(std::move(value));
     } catch (const Error&) {
       failed_[row] = true;
       value = Variant();
