@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "evaluator/number_helpers.h"
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
+#include "tovalin/convert.h"
 
 // Compiled once more for wider vectors, which the program takes where the machine
 // has them: a third less time for a column of additions and divisions. There is no
@@ -118,10 +120,37 @@ TOVALIN_WIDE void Choose(double* target, const double* conditions, const double*
   for (std::size_t i = 0; i < count; ++i) target[i] = conditions[i] != 0 ? yes[i] : no[i];
 }
 
+// False where a row raises.
+bool Adjust(double* target, const double* values, const double* steps, const double* decimals,
+            std::size_t count) {
+  try {
+    for (std::size_t i = 0; i < count; ++i)
+      target[i] = evaluator::AjusteMedio(values[i], steps[i], ToLong(decimals[i]));
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+// The places are nearly always the same in all rows.
+bool Round(const Operands& operands) {
+  try {
+    if (operands.right) {
+      Each(operands, [](double a, double b) { return evaluator::Redondear(a, ToLong(b)); });
+    } else {
+      const std::int32_t places = ToLong(operands.number);
+      Each(operands, [=](double a, double) { return evaluator::Redondear(a, places); });
+    }
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
 }  // namespace
 
 NumericColumns::NumericColumns(const NumericProgram& program, std::span<const Bound> columns)
-    : slots_(program.depth) {
+    : slots_(std::make_unique_for_overwrite<Block[]>(program.depth)) {
   stack_.reserve(program.depth);
   steps_.reserve(program.steps.size());
   for (const NumericStep& step : program.steps)
@@ -156,10 +185,10 @@ void NumericColumns::TakeOperation(NumericCode code) {
   made.code = code;
   if (OperandsOf(code) > 1) made.right = Pop();
   made.left = Pop();
-  if (code == NumericCode::Choose) {
+  if (OperandsOf(code) == 3) {
     made.right = Spread(made.right);
     made.left = Spread(made.left);
-    made.condition = Spread(Pop());
+    made.first = Spread(Pop());
   } else if (made.left.IsNumber() && made.right.IsNumber()) {
     stack_.push_back({.number = Folded(code, made.left, made.right)});
     return;
@@ -211,11 +240,20 @@ bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t co
   const bool hides_right = hides_left || step.code == NumericCode::Divide;
   if (hides_left && left && !AreFinite(left, count)) return false;
   if (hides_right && right && !AreFinite(right, count)) return false;
-  if (step.code == NumericCode::Choose)
-    Choose(target, step.condition.Values(first), left, right, count);
-  else
-    Combine(step.code, {target, left, right, left ? step.right.number : step.left.number, count});
-  return true;
+  const Operands operands = {target, left, right, left ? step.right.number : step.left.number,
+                             count};
+  switch (step.code) {
+    case NumericCode::Choose:
+      Choose(target, step.first.Values(first), left, right, count);
+      return true;
+    case NumericCode::Adjust:
+      return Adjust(target, step.first.Values(first), left, right, count);
+    case NumericCode::Round:
+      return Round(operands);
+    default:
+      Combine(step.code, operands);
+      return true;
+  }
 }
 
 }  // namespace tovalin

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -53,7 +54,7 @@ class NumericColumns {
     NumericCode code = NumericCode::Load;
     Operand left;
     Operand right;
-    Operand condition;  // of a choice
+    Operand first;  // in front of the two, where there are three
     Block* target = nullptr;
   };
 
@@ -66,9 +67,9 @@ class NumericColumns {
   Operand Spread(const Operand& operand);
   Operand Pop();
 
-  std::vector<Block> slots_;    // one for each place of the stack
-  std::deque<Block> spread_;    // numbers that a choice takes, for all rows
-  std::vector<Operand> stack_;  // as the steps find it at first, and leave it in the end
+  std::unique_ptr<Block[]> slots_;  // one for each place of the stack
+  std::deque<Block> spread_;        // numbers that a step of three operands takes, for all rows
+  std::vector<Operand> stack_;      // as the steps find it at first, and leave it in the end
   std::vector<Step> steps_;
   bool is_ready_ = true;
 };

@@ -5,9 +5,11 @@
 #include <functional>
 #include <utility>
 
+#include "evaluator/number_helpers.h"
 #include "evaluator/plan.h"
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
+#include "tovalin/convert.h"
 
 namespace tovalin {
 namespace {
@@ -56,6 +58,8 @@ constexpr FunctionRow kFunctions[] = {
     {u"MIN", NumericCode::Min},
     {u"MAX", NumericCode::Max},
     {u"IIF", NumericCode::Choose},
+    {u"AJUSTEMEDIO", NumericCode::Adjust},
+    {u"REDONDEAR", NumericCode::Round},
 };
 
 class ProgramMaker {
@@ -187,6 +191,22 @@ double Unhidden(double result, double a, double b = 0, double c = 0) {
   return result - ((a - a) + (b - b) + (c - c));
 }
 
+// The functions that the built-ins call. What they raise is raised by the walk.
+double Adjusted(double value, double step, double decimals) {
+  try {
+    return evaluator::AjusteMedio(value, step, ToLong(decimals));
+  } catch (const Error&) {
+    return NumericProgram::kGivenUp;
+  }
+}
+double Rounded(double value, double places) {
+  try {
+    return evaluator::Redondear(value, ToLong(places));
+  } catch (const Error&) {
+    return NumericProgram::kGivenUp;
+  }
+}
+
 // The result of two operands, none of which another code takes three of.
 template <NumericCode kCode>
 double Combined(double left, double right) {
@@ -208,6 +228,7 @@ double Combined(double left, double right) {
   if constexpr (kCode == Min) return Unhidden(left < right ? left : right, left, right);
   if constexpr (kCode == Max || kCode == Or)
     return Unhidden(left > right ? left : right, left, right);
+  if constexpr (kCode == Round) return Rounded(left, right);
   if constexpr (kCode == Negate) return right * -1;
   if constexpr (kCode == Abs) return std::fabs(right);
   if constexpr (kCode == Power)
@@ -233,6 +254,9 @@ double Run(const NumericStep& step, double top, double*& below) {
   } else if constexpr (kCode == NumericCode::Choose) {
     const double condition = *--below;
     return Unhidden(condition != 0 ? top : right, condition, top, right);
+  } else if constexpr (kCode == NumericCode::Adjust) {
+    const double value = *--below;
+    return Adjusted(value, top, right);
   } else {
     return Combined<kCode>(top, right);
   }

@@ -11,9 +11,9 @@ namespace tovalin {
 
 struct Plan;
 
-/// What a step of a numeric program does. Those with two operands take the top of
-/// the stack for the left one when the step brings the right one along, and else
-/// the two values on top.
+/// What a step of a numeric program does. Those with two or three operands take the
+/// top of the stack for the last but one when the step brings the last one along,
+/// and else the values on top.
 enum class NumericCode : std::uint8_t {
   Load,  // pushes what the step brings
   Add,
@@ -32,7 +32,9 @@ enum class NumericCode : std::uint8_t {
   Or,
   Min,
   Max,
-  Choose,  // IIF; the step may bring its last operand
+  Choose,  // IIF
+  Adjust,  // AjusteMedio
+  Round,   // Redondear
   Negate,
   Abs,
 };
@@ -104,12 +106,12 @@ void MakeNumericProgram(Plan& plan);
 /// The number of values that a step takes from the stack, one that it brings along
 /// included.
 constexpr int OperandsOf(NumericCode code) {
-  if (code == NumericCode::Choose) return 3;
+  if (code == NumericCode::Choose || code == NumericCode::Adjust) return 3;
   return code == NumericCode::Negate || code == NumericCode::Abs ? 1 : 2;
 }
 
 /// Whether a step's result may be finite when an operand is not: a comparison, or
-/// the smaller, larger or chosen of two.
+/// the smaller, larger or chosen of two. What rounds gives no number then.
 constexpr bool MayHide(NumericCode code) {
   return (code >= NumericCode::Less && code <= NumericCode::Different) ||
          (code >= NumericCode::Min && code <= NumericCode::Choose);

@@ -53,13 +53,15 @@ bool IsWithin(const Variant& whole, const Variant& part) {
   return !text.View().empty() && FindFolded(text, builtins::TextArgument(part)) != Text::npos;
 }
 
-// Text without quotes and commas stays so when more of it is joined: what is
-// known of both need not be read again at the next pop.
+// Text without quotes and commas stays so when more of it is joined. What is joined
+// is looked at here, so that the next pop need not read all of it again.
 Variant Join(Variant left, const Variant& right) {
   const auto is_plain = [](const Variant& value) {
     return value.Is(Subtype::String) ? value.AsSharedText().is_plain : IsNumeric(value);
   };
-  const bool plain = is_plain(left) && is_plain(right);
+  const bool plain =
+      is_plain(left) &&
+      (is_plain(right) || (right.Is(Subtype::String) && IsNormalised(TextView(right.AsText()))));
   Variant joined = Concatenate(std::move(left), right);
   if (plain && joined.Is(Subtype::String)) joined.AsSharedText().is_plain = true;
   return joined;

@@ -30,6 +30,16 @@ Variant ConstantOf(const Plan& plan, const Item& item) {
   }
 }
 
+// A text of its own can be known to be plain, and then what is joined to it too.
+Variant Unshared(Variant value) {
+  return value.Is(Subtype::String) ? Variant(TextView(value.AsText())) : std::move(value);
+}
+
+// Whether that needs no look at its characters: Normalised takes one itself.
+bool IsKnownNormalised(const Variant& value) {
+  return !value.Is(Subtype::String) || (!value.IsByReference() && value.AsSharedText().is_plain);
+}
+
 }  // namespace
 
 ValueColumns::ValueColumns(const Plan& plan, std::span<const Bound> columns) {
@@ -67,7 +77,7 @@ ValueColumns::Step ValueColumns::MakeStep(const Plan& plan, const Item& item,
     if (bound != columns.rend())
       step.column = bound->column;
     else
-      step.constant = Normalised(ConstantOf(plan, item));
+      step.constant = Normalised(Unshared(ConstantOf(plan, item)));
   }
   return step;
 }
@@ -142,7 +152,7 @@ void ValueColumns::ForEachRow(std::span<Slot> operands, Compute compute) {
     Variant& value = result.own[row];
     try {
       value = compute(row);
-      if (!is_last_ && !IsNormalised(value)) value = Normalised(std::move(value));
+      if (!is_last_ && !IsKnownNormalised(value)) value = Normalised(std::move(value));
     } catch (const Error&) {
       failed_[row] = true;
       value = Variant();

@@ -139,7 +139,11 @@ void CsvWriter::Field(TextView text) {
     bits |= c;
     marks |= static_cast<std::uint16_t>((c == u',') | (c == u'"') | (c == u'\r') | (c == u'\n'));
   }
-  if (marks != 0 || bits >= 0x80) return Field(std::string_view(ToUtf8(text)));
+  if (marks != 0 || bits >= 0x80) {
+    utf8_.clear();
+    AppendUtf8(utf8_, text);
+    return Field(std::string_view(utf8_));
+  }
   char* target = BeginField(text.size());
   for (char16_t c : text) *target++ = static_cast<char>(c);
   EndField(target);

@@ -61,6 +61,7 @@ class CsvWriter {
   bool first_in_row_ = true;
   std::vector<char> buffer_;
   std::size_t used_ = 0;  // of it
+  std::string utf8_;      // of one text, kept for its memory
 };
 
 }  // namespace tovalin::tool

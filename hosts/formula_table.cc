@@ -69,10 +69,10 @@ std::vector<FormulaTable::Uses> FormulaTable::FindUses() {
       if (used == positions.end()) continue;
       if (used->second >= columns) {
         uses[i].formulas.push_back(used->second - columns);
-        continue;
+      } else {
+        uses[i].columns.push_back(used->second);
+        is_read_[used->second] = true;
       }
-      is_read_[used->second] = true;
-      uses[i].any_column = true;
     }
   }
   return uses;
@@ -99,9 +99,14 @@ bool FormulaTable::OrderSteps() {
 
 void FormulaTable::AddStep(std::size_t formula, Uses uses) {
   const auto is_constant = [this](std::size_t used) { return is_constant_[used]; };
-  is_constant_[formula] = !uses.any_column && std::ranges::all_of(uses.formulas, is_constant);
-  Step step{
-      formula, evaluator_->Preparar(formulas_[formula].formula), {}, std::move(uses.formulas)};
+  is_constant_[formula] = uses.columns.empty() && std::ranges::all_of(uses.formulas, is_constant);
+  Step step{formula,
+            evaluator_->Preparar(formulas_[formula].formula),
+            {},
+            std::move(uses.formulas),
+            std::move(uses.columns)};
+  for (std::size_t used : step.uses)
+    if (!IsConstant(used)) step.places.push_back(columns_.size() + used);
   const Ref<Collection> faults = step.prepared->Errores();
   for (const Variant& record : faults->List().Items()) {
     if (!step.faults.empty()) step.faults.append(" | ");
@@ -116,7 +121,7 @@ void FormulaTable::Compute(std::size_t rows) {
   if (rows == 0) return;
   for (std::vector<std::string>& failures : failures_) failures.clear();
   if (steps_.size() != formulas_.size()) return ComputeByRow();
-  bound_.clear();
+  bound_.resize(values_.size());
   for (std::size_t i = 0; i < columns_.size(); ++i)
     if (is_read_[i]) Bind(i);
   for (const Step& step : steps_) ComputeStep(step);
@@ -136,13 +141,20 @@ void FormulaTable::Bind(std::size_t place) {
   const std::vector<Variant>& values = values_[place];
   const auto is_double = [](const Variant& value) { return value.Is(Subtype::Double); };
   if (!std::ranges::all_of(values, is_double)) {
-    bound_.push_back({name, std::span<const Variant>(values)});
+    bound_[place] = {name, std::span<const Variant>(values)};
     return;
   }
   std::vector<double>& numbers = numbers_[place];
   numbers.clear();
   for (const Variant& value : values) numbers.push_back(value.AsDouble());
-  bound_.push_back({name, std::span<const double>(numbers)});
+  bound_[place] = {name, std::span<const double>(numbers)};
+}
+
+// Each column that a formula is given is looked up by its name.
+std::vector<Formula::Column> FormulaTable::BoundTo(const Step& step) const {
+  std::vector<Formula::Column> bound;
+  for (std::size_t place : step.places) bound.push_back(bound_[place]);
+  return bound;
 }
 
 void FormulaTable::ComputeStep(const Step& step) {
@@ -153,7 +165,8 @@ void FormulaTable::ComputeStep(const Step& step) {
     std::ranges::fill(values, Variant());
   } else {
     const std::size_t rows = IsConstant(step.formula) ? 1 : rows_;
-    const auto errors = step.prepared->EvaluarTabla(bound_, rows, std::span<Variant>(values));
+    const auto errors =
+        step.prepared->EvaluarTabla(BoundTo(step), rows, std::span<Variant>(values));
     for (const Formula::RowError& error : errors)
       Fail(step.formula, error.row, ShowError(error.error));
     if (IsConstant(step.formula)) Spread(step.formula);

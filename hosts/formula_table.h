@@ -51,12 +51,13 @@ class FormulaTable {
   struct Step {
     std::size_t formula;
     Ref<Formula> prepared;
-    std::string faults;             // of the check; it fails everywhere then
-    std::vector<std::size_t> uses;  // the formulas that it names
+    std::string faults;               // of the check; it fails everywhere then
+    std::vector<std::size_t> uses;    // the formulas that it names
+    std::vector<std::size_t> places;  // of the values that it reads and that differ by row
   };
   struct Uses {
     std::vector<std::size_t> formulas;
-    bool any_column = false;
+    std::vector<std::size_t> columns;
   };
 
   void AddVariable(const Text& name);
@@ -67,6 +68,7 @@ class FormulaTable {
   void Spread(std::size_t formula);
   void ComputeByRow();
   void Bind(std::size_t place);
+  std::vector<Formula::Column> BoundTo(const Step& step) const;
   void Fail(std::size_t formula, std::size_t row, std::string failure);
 
   Ref<Evaluador> evaluator_;
@@ -78,7 +80,7 @@ class FormulaTable {
   std::size_t rows_ = 0;
   std::vector<std::vector<Variant>> values_;        // by column, then by formula
   std::vector<std::vector<std::string>> failures_;  // by formula; empty when none failed
-  std::vector<Formula::Column> bound_;              // what the next formula may use
+  std::vector<Formula::Column> bound_;              // what formulas may use, by place
   // The same where a column or formula gave Doubles alone; kept for their memory.
   std::vector<std::vector<double>> numbers_;
 };
