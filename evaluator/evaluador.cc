@@ -125,12 +125,25 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
   if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
   const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
   if (!recent && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
-  core_->trace.Begin(prepared.plan, prepared.Expression());
   Engine::Calculation calculation(core_->engine, locals);
-  Engine::Outcome outcome = calculation.Walk(prepared.plan);
+  Engine::Outcome outcome = core_->Walk(calculation, prepared);
   Result.Assign(std::move(outcome.value));
   core_->trace.End(prepared.plan, prepared.Expression(), Result.Value(), outcome.left);
   return true;
+}
+
+// Where the host's code may run, the formula is in the trace before, in case the host
+// does not survive it; otherwise it can wait for the result, or the error.
+Engine::Outcome Evaluador::Core::Walk(Engine::Calculation& calculation,
+                                      const Engine::Prepared& prepared) {
+  const bool calls_host = prepared.plan->calls_host;
+  if (calls_host) trace.Begin(prepared.plan, prepared.Expression());
+  try {
+    return calculation.Walk(prepared.plan);
+  } catch (...) {
+    if (!calls_host) trace.Begin(prepared.plan, prepared.Expression());
+    throw;
+  }
 }
 
 // A plan of numbers runs no code of the host: its trace can wait for the result,
@@ -177,8 +190,7 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
       const Engine::Prepared prepared = core_->engine.Prepare(formulas[i], nullptr);
       const Text* expression = prepared.Expression();
       std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
-      if (!numeric) core_->trace.Begin(prepared.plan, expression);
-      Engine::Outcome outcome = numeric ? std::move(*numeric) : calculation.Walk(prepared.plan);
+      Engine::Outcome outcome = numeric ? std::move(*numeric) : core_->Walk(calculation, prepared);
       core_->trace.End(prepared.plan, expression, outcome.value, outcome.left);
       outcomes[i].value = std::move(outcome.value);
     } catch (const Error& error) {

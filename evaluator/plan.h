@@ -62,9 +62,10 @@ struct Plan {
   // What every walk asks stands in front.
   ReferenceCount references;
   std::uint16_t walks = 0;  // under way
-  bool has_constants = false;
-  bool came_again = false;  // asked for again after it was made
-  std::uint32_t hash = 0;   // of the text
+  bool has_constants : 1 = false;
+  bool came_again : 1 = false;  // asked for again after it was made
+  bool calls_host : 1 = false;  // a walk may: a host function, or a formula variable
+  std::uint32_t hash = 0;       // of the text
   std::uint32_t trace_edition = 0;
   NamesStamp stamp;
   NumericProgram numeric;  // of a plan of numbers alone

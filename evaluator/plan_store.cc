@@ -39,6 +39,7 @@ void Empty(Plan& plan) {
   plan.trace_edition = 0;
   plan.has_constants = false;
   plan.came_again = false;
+  plan.calls_host = false;
 }
 
 }  // namespace

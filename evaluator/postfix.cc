@@ -37,10 +37,13 @@ bool BindConstant(HeldValue& held) {
   return !same;
 }
 
-void SetFunction(Item& item, Campo& record, const Builtin* builtin) {
+void SetFunction(Plan& plan, Item& item, Campo& record, const Builtin* builtin) {
   item.record = &record;
   item.kind = builtin ? ItemKind::Builtin : ItemKind::HostFunction;
-  if (builtin) item.builtin = BuiltinRow(*builtin);
+  if (builtin)
+    item.builtin = BuiltinRow(*builtin);
+  else
+    plan.calls_host = true;
 }
 
 void SetOperator(Item& item, Campo& record, OperatorCode code) {
@@ -49,9 +52,10 @@ void SetOperator(Item& item, Campo& record, OperatorCode code) {
   item.operator_code = code;
 }
 
-void SetVariable(Item& item, Campo& record) {
+void SetVariable(Plan& plan, Item& item, Campo& record) {
   item.record = &record;
   item.kind = ItemKind::Variable;
+  if (record.HasFormula()) plan.calls_host = true;
 }
 
 void SetHeld(Plan& plan, Item& item, ItemKind kind, HeldValue held) {
@@ -156,13 +160,13 @@ class Converter {
         SetOperator(item, *token.record, token.operator_code);
         break;
       case TokenKind::Function:
-        if (token.record) SetFunction(item, *token.record, token.builtin);
+        if (token.record) SetFunction(plan_, item, *token.record, token.builtin);
         break;
       default:
         if (token.scope == Scope::Constant)
           SetConstant(plan_, item, *token.record);
         else if (token.scope != Scope::None)
-          SetVariable(item, *token.record);
+          SetVariable(plan_, item, *token.record);
     }
   }
 
@@ -209,11 +213,11 @@ void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, con
     SetOperator(item, *record, CodeOf(Trim(record->Name())));
   } else if ((record = locals ? locals->Find(text) : nullptr) ||
              (record = symbols.variables->Find(text))) {
-    SetVariable(item, *record);
+    SetVariable(plan, item, *record);
   } else if ((record = symbols.constants->Find(text))) {
     SetConstant(plan, item, *record);
   } else if ((record = symbols.functions->Find(text))) {
-    SetFunction(item, *record, BuiltinOf(text));
+    SetFunction(plan, item, *record, BuiltinOf(text));
   } else if (text.size() > 1 && text.front() == u'"' && text.back() == u'"') {
     SetLiteral(plan, item, text.substr(1, text.size() - 2));
   }
