@@ -70,13 +70,13 @@ struct Plan {
   NamesStamp stamp;
   NumericProgram numeric;  // of a plan of numbers alone
   std::vector<Item> items;
+  std::unique_ptr<std::vector<Fault>> faults;  // null without any; with any, there are no items
   std::vector<HeldValue> held;
   Ref<Campos> locals;  // pins the address in the stamp
   Text text;           // the formula, without carriage returns
   // What the trace shows of the formula: made when it is first shown, which gives it
   // an edition other than 0, and again when a constant has changed the postfix text.
   std::string trace_lines;
-  std::unique_ptr<std::vector<Fault>> faults;  // null without any; with any, there are no items
   // Of the plan cache: the next plan with like hashes, and the neighbours in the
   // order of use.
   Ref<Plan> same_bucket;
