@@ -184,11 +184,13 @@ bool IsDefinedPower(double base, double exponent) {
   return base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent));
 }
 
-// A result that may be finite although an operand is not: no number then. x - x is 0
-// for a finite number and no number for any other, and 0 taken away changes nothing,
-// not even the sign of a zero.
-double Unhidden(double result, double a, double b = 0, double c = 0) {
-  return result - ((a - a) + (b - b) + (c - c));
+// 0 for finite operands and no number for others, since x - x is. A step whose result
+// may be finite although an operand is not takes it away, which changes no finite
+// result, not even the sign of a zero. A number that stands in the formula is finite.
+template <NumericOperand kOperand>
+double Doubt(double left, double right) {
+  if constexpr (kOperand == NumericOperand::Number) return left - left;
+  return (left - left) + (right - right);
 }
 
 // The functions that the built-ins call. What they raise is raised by the walk.
@@ -208,26 +210,27 @@ double Rounded(double value, double places) {
 }
 
 // The result of two operands, none of which another code takes three of.
-template <NumericCode kCode>
+template <NumericCode kCode, NumericOperand kOperand>
 double Combined(double left, double right) {
   using enum NumericCode;
+  const auto choose = [=](bool condition, double yes, double no) {
+    return (condition ? yes : no) - Doubt<kOperand>(left, right);
+  };
   if constexpr (kCode == Add) return left + right;
   if constexpr (kCode == Subtract) return left - right;
   if constexpr (kCode == Multiply || kCode == And) return left * right;
-  if constexpr (kCode == Divide) return Unhidden(left / right, right);
+  if constexpr (kCode == Divide && kOperand == NumericOperand::Number) return left / right;
+  if constexpr (kCode == Divide) return left / right - (right - right);
   if constexpr (kCode == TimesNegated) return left * right * -1;
-  if constexpr (kCode == Less) return Unhidden(left < right ? 1 : 0, left, right);
-  if constexpr (kCode == LessOrEqual) return Unhidden(left <= right ? 1 : 0, left, right);
-  if constexpr (kCode == Greater) return Unhidden(left > right ? 1 : 0, left, right);
-  if constexpr (kCode == GreaterOrEqual) return Unhidden(left >= right ? 1 : 0, left, right);
-  if constexpr (kCode == Different) return Unhidden(left != right ? 1 : 0, left, right);
-  if constexpr (kCode == Equal) {
-    const bool equal = left == right || comparison::EqualNumbers(left, right);
-    return Unhidden(equal ? 1 : 0, left, right);
-  }
-  if constexpr (kCode == Min) return Unhidden(left < right ? left : right, left, right);
-  if constexpr (kCode == Max || kCode == Or)
-    return Unhidden(left > right ? left : right, left, right);
+  if constexpr (kCode == Less) return choose(left < right, 1, 0);
+  if constexpr (kCode == LessOrEqual) return choose(left <= right, 1, 0);
+  if constexpr (kCode == Greater) return choose(left > right, 1, 0);
+  if constexpr (kCode == GreaterOrEqual) return choose(left >= right, 1, 0);
+  if constexpr (kCode == Different) return choose(left != right, 1, 0);
+  if constexpr (kCode == Equal)
+    return choose(left == right || comparison::EqualNumbers(left, right), 1, 0);
+  if constexpr (kCode == Min) return choose(left < right, left, right);
+  if constexpr (kCode == Max || kCode == Or) return choose(left > right, left, right);
   if constexpr (kCode == Round) return Rounded(left, right);
   if constexpr (kCode == Negate) return right * -1;
   if constexpr (kCode == Abs) return std::fabs(right);
@@ -235,12 +238,18 @@ double Combined(double left, double right) {
     return IsDefinedPower(left, right) ? std::pow(left, right) : NumericProgram::kGivenUp;
 }
 
-// One step: `top` is the value on top of the stack, `below` the place behind the one
-// under it. Answers the new top.
-using Handler = double (*)(const NumericStep& step, double top, double*& below);
+// The stack of a run: the value on top, and the place behind the one under it. Small
+// enough to go from step to step in registers, which takes a third off a run.
+struct Stack {
+  double top;
+  double* below;
+};
+
+using Handler = Stack (*)(Stack stack, const NumericStep& step);
 
 template <NumericCode kCode, NumericOperand kOperand>
-double Run(const NumericStep& step, double top, double*& below) {
+Stack Run(Stack stack, const NumericStep& step) {
+  auto [top, below] = stack;
   double right = top;
   if constexpr (kOperand == NumericOperand::Number) right = step.number;
   if constexpr (kOperand == NumericOperand::Source) {
@@ -250,20 +259,21 @@ double Run(const NumericStep& step, double top, double*& below) {
   if constexpr (kOperand == NumericOperand::None && OperandsOf(kCode) > 1) top = *--below;
   if constexpr (kCode == NumericCode::Load) {
     *below++ = top;
-    return right;
+    return {right, below};
   } else if constexpr (kCode == NumericCode::Choose) {
     const double condition = *--below;
-    return Unhidden(condition != 0 ? top : right, condition, top, right);
+    const double doubt = Doubt<kOperand>(top, right) + (condition - condition);
+    return {(condition != 0 ? top : right) - doubt, below};
   } else if constexpr (kCode == NumericCode::Adjust) {
     const double value = *--below;
-    return Adjusted(value, top, right);
+    return {Adjusted(value, top, right), below};
   } else {
-    return Combined<kCode>(top, right);
+    return {Combined<kCode, kOperand>(top, right), below};
   }
 }
 
 // A function for each code and each kind of operand: a step then asks nothing that
-// was known when it was made, which takes a third off a run.
+// was known when it was made.
 constexpr auto kHandlers = []<std::size_t... kIndex>(std::index_sequence<kIndex...>) {
   return std::array<Handler, sizeof...(kIndex)>{
       Run<static_cast<NumericCode>(kIndex / kNumericOperands),
@@ -281,14 +291,13 @@ void MakeNumericProgram(Plan& plan) {
 // in other steps because they see to it.
 double NumericProgram::Run() const {
   std::array<double, kDeepest + 1> values;
-  double* below = values.data();
-  double top = 0;
-  for (const NumericStep& step : steps) top = kHandlers[step.handler](step, top, below);
-  bool is_finite = arithmetic::IsFinite(top);
-  for (const double* value = values.data() + 1; value < below; ++value)
+  Stack stack{0, values.data()};
+  for (const NumericStep& step : steps) stack = kHandlers[step.handler](stack, step);
+  bool is_finite = arithmetic::IsFinite(stack.top);
+  for (const double* value = values.data() + 1; value < stack.below; ++value)
     is_finite &= arithmetic::IsFinite(*value);
   if (!is_finite) return kGivenUp;
-  return left == 1 ? top : values[1];
+  return left == 1 ? stack.top : values[1];
 }
 
 }  // namespace tovalin
