@@ -267,10 +267,9 @@ bool Engine::NeedsComputing(const Campo& record) const {
          !calculation_->marks_->Contains(record);
 }
 
-Ref<Plan> Engine::FormulaPlan(const Campo& record, const Ref<Campos>& locals) {
-  const auto records = static_cast<std::size_t>(symbols_.variables->Count());
-  if (formula_plans_.size() > 2 * records + 64) formula_plans_.clear();
-  Ref<Plan>& kept = formula_plans_[&record];
+Ref<Plan> Engine::FormulaPlan(Campo& record, const Ref<Campos>& locals) {
+  formula_plans_.Tidy(static_cast<std::size_t>(symbols_.variables->Count()));
+  Ref<Plan>& kept = formula_plans_.Of(record);
   if (!kept || kept->walks > 0 || kept->stamp != StampNames(symbols_, locals.get()))
     kept = PrepareApart(record.Formula(), locals);
   else if (kept->has_constants)

@@ -4,11 +4,11 @@
 #include <deque>
 #include <functional>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "evaluator/dependencies.h"
 #include "evaluator/formula_marks.h"
+#include "evaluator/formula_plans.h"
 #include "evaluator/operators.h"
 #include "evaluator/plan_store.h"
 #include "tovalin/evaluador.h"
@@ -117,7 +117,7 @@ class Engine {
   void Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack);
   void CallBuiltin(const Builtin& builtin, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
-  Ref<Plan> FormulaPlan(const Campo& record, const Ref<Campos>& locals);
+  Ref<Plan> FormulaPlan(Campo& record, const Ref<Campos>& locals);
   bool NeedsComputing(const Campo& record) const;
   std::uint64_t StampValues(const Campos* locals) const;
 
@@ -140,9 +140,7 @@ class Engine {
   std::function<Date()> clock_;
   std::vector<FaultReport> reports_;
   std::array<RecentText, kRecent> recent_;
-  // The plans of formula variables, beside the bounded store: each is good while
-  // its stamp holds, which a record that is gone has broken.
-  std::unordered_map<const Campo*, Ref<Plan>> formula_plans_;
+  FormulaPlans formula_plans_;
   std::deque<ValueStack> stacks_;  // one for each walk, kept for its memory
   std::size_t walks_ = 0;          // under way
   Calculation* calculation_ = nullptr;

@@ -79,11 +79,13 @@ class TOVALIN_API Campo : public Object {
   friend class Campos;
   friend class DeepRelease;
   friend class FormulaMarks;
+  friend class FormulaPlans;
 
   // What an evaluation asks stands in front, so that it finds it in one place.
   bool has_formula_ = false;  // more than blanks
   std::int32_t status_ = kIdle;
-  std::uint32_t mark_ = 0;  // see FormulaMarks
+  std::uint32_t mark_ = 0;        // see FormulaMarks
+  std::uint32_t plan_place_ = 0;  // see FormulaPlans
   Variant value_;
   Text name_;
   std::int32_t data_type_ = 0;
