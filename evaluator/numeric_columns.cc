@@ -57,13 +57,10 @@ template <class Operation>
 [[gnu::always_inline]] inline void Each(const Operands& operands, Operation operation) {
   const auto [target, left, right, number, count] = operands;
   if (!left) {
-#pragma GCC ivdep
     for (std::size_t i = 0; i < count; ++i) target[i] = operation(number, right[i]);
   } else if (!right) {
-#pragma GCC ivdep
     for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], number);
   } else {
-#pragma GCC ivdep
     for (std::size_t i = 0; i < count; ++i) target[i] = operation(left[i], right[i]);
   }
 }
@@ -116,7 +113,6 @@ TOVALIN_WIDE void Combine(NumericCode code, const Operands& operands) {
 
 TOVALIN_WIDE void Choose(double* target, const double* conditions, const double* yes,
                          const double* no, std::size_t count) {
-#pragma GCC ivdep
   for (std::size_t i = 0; i < count; ++i) target[i] = conditions[i] != 0 ? yes[i] : no[i];
 }
 
