@@ -30,8 +30,10 @@ void Empty(TokenList& list) {
   list.faults.clear();
 }
 
-// As new, but for the memory of its parts.
+// As new, but for the memory of its parts. What goes here may run a destructor of the
+// host; nothing that is half done sees it.
 void Empty(Plan& plan) {
+  plan.locals = nullptr;
   plan.items.clear();
   plan.held.clear();
   plan.faults.reset();
