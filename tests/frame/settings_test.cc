@@ -196,6 +196,7 @@ TEST_F(SettingsTest, TellsWhyItCannotBeWritten) {
     const char* what;
     std::int32_t number;
     std::function<void()> prepare;
+    const char* needs = "/";  // what must be there: a bare root has no /sys
   } rows[] = {
       {"directory in place of the file", 75,
        [&] { std::filesystem::create_directories(File("Prueba.ini")); }},
@@ -204,8 +205,10 @@ TEST_F(SettingsTest, TellsWhyItCannotBeWritten) {
       {"directory in place of the lock", 75,
        [&] { std::filesystem::create_directories(File("Prueba.ini.lock")); }},
       {"file in place of the directory", 75, [&] { std::ofstream(directory_ / "tovalin") << "x"; }},
-      {"directory that cannot be made", 76, [] { setenv("XDG_CONFIG_HOME", "/proc/nada", 1); }},
-      {"directory that may not be made", 70, [] { setenv("XDG_CONFIG_HOME", "/sys/nada", 1); }},
+      {"directory that cannot be made", 76, [] { setenv("XDG_CONFIG_HOME", "/proc/nada", 1); },
+       "/proc/self"},
+      {"directory that may not be made", 70, [] { setenv("XDG_CONFIG_HOME", "/sys/nada", 1); },
+       "/sys/kernel"},
       {"no directory named", 76,
        [] {
          unsetenv("HOME");
@@ -213,6 +216,7 @@ TEST_F(SettingsTest, TellsWhyItCannotBeWritten) {
        }},
   };
   for (const auto& row : rows) {
+    if (!std::filesystem::exists(row.needs)) continue;
     SCOPED_TRACE(row.what);
     std::filesystem::remove_all(directory_ / "tovalin");
     const pid_t child = Spawn([&] {
