@@ -109,6 +109,14 @@ TEST_F(FormulaVariables, FollowAFormulaThatChanges) {
   EXPECT_EQ(Stored(u"B"), "Double 7");
 }
 
+TEST_F(FormulaVariables, FollowAConstantThatChanges) {
+  host.evaluator->AddConstant(u"Factor", 3.0, u"", kNumeric);
+  AddFormula(u"Total", u"A * Factor");
+  EXPECT_EQ(host.Evaluate(u"Total + 1"), "Double 7");
+  host.evaluator->SetConstante(u"Factor", 10.0);
+  EXPECT_EQ(host.Evaluate(u"Total + 1"), "Double 21");
+}
+
 // With a handler every formula variable is computed where the walk meets it, without
 // one those in front are computed first: the values and the errors are the same.
 TEST_F(FormulaVariables, ComeOutAlikeWithAndWithoutHandlers) {
