@@ -6,6 +6,7 @@
 
 #include "evaluator/formula_chain.h"
 #include "frame/clock.h"
+#include "frame/temporarily.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -68,9 +69,7 @@ Engine::Calculation::Calculation(Engine& engine, Ref<Campos> locals)
       outer_(engine.calculation_),
       marks_(&own_marks_),
       values_(engine.StampValues(locals_.get())) {
-  const Evaluador& owner = engine.owner_;
-  if (owner.Evaluate.HasHandlers() && owner.references.Value() > 0)
-    alive_ = Ref<Object>::Share(&engine.owner_);
+  if (engine.owner_.Evaluate.HasHandlers()) alive_ = Hold<Object>(engine.owner_);
   if (outer_ && outer_->values_ == values_ && outer_->locals_ == locals_) marks_ = outer_->marks_;
   engine.calculation_ = this;
 }
@@ -103,9 +102,8 @@ Engine::Calculation& Engine::Calculation::Outermost() {
 // evaluates again, and their number would grow with every level.
 void Engine::Calculation::Finish() {
   if (outer_ || finishing_ || touched_.empty()) return;
-  finishing_ = true;
+  const Temporarily finishing(finishing_, true);
   ComputeDependants();
-  finishing_ = false;
   touched_.clear();
 }
 
@@ -171,7 +169,6 @@ Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
 void Engine::DropReports() { reports_.clear(); }
 
 std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
-  if (!plan.numeric) return std::nullopt;
   const double number = plan.numeric.Run();
   if (std::isnan(number)) return std::nullopt;
   return Outcome{plan.numeric.ResultOf(number), plan.numeric.left};

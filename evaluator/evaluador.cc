@@ -21,11 +21,6 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
   return *local_variables;
 }
 
-// The settings of a host may drop its last Ref on the evaluator.
-Ref<Object> Held(Evaluador& evaluator) {
-  return evaluator.references.Value() > 0 ? Ref<Object>::Share(&evaluator) : nullptr;
-}
-
 }  // namespace
 
 Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) {
@@ -117,7 +112,7 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 Ref<Campos>* LocalVbles) {
   const Ref<Campos> locals = LocalsOf(LocalVbles);
   const bool is_kept_by_host = core_->trace.UsesStore();
-  const Ref<Object> alive = is_kept_by_host ? Held(*this) : nullptr;
+  const Ref<Evaluador> alive = is_kept_by_host ? Hold(*this) : nullptr;
   // A text that came before: the way of most evaluations counts no references.
   const Ref<Plan>* recent = vExpresion.Is(Subtype::String) && !is_kept_by_host
                                 ? core_->engine.Recent(vExpresion.AsSharedText(), locals.get())
@@ -150,7 +145,7 @@ Engine::Outcome Evaluador::Core::Walk(Engine::Calculation& calculation,
 // which is assigned last, since what it replaces may be an object of the host.
 bool Evaluador::Core::RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result) {
   const NumericProgram& numeric = plan->numeric;
-  const double number = numeric ? numeric.Run() : NumericProgram::kGivenUp;
+  const double number = numeric.Run();
   if (std::isnan(number)) return false;
   engine.ForgetReports();
   const Variant value = numeric.ResultOf(number);
@@ -179,7 +174,7 @@ Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<C
 
 void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes) {
   if (formulas.size() != outcomes.size()) Raise(Failure::InvalidArgument);
-  const Ref<Object> alive = Held(*this);
+  const Ref<Evaluador> alive = Hold(*this);
   Engine::Calculation calculation(core_->engine, nullptr);
   std::vector<FaultReport>& reports = core_->engine.Reports();
   reports.clear();

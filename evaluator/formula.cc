@@ -50,10 +50,7 @@ Engine::Outcome Formula::Core::Walk() {
   return Engine::Calculation(host.engine, locals_).Walk(plan);
 }
 
-bool Formula::Core::WalkInto(Variant& result) {
-  result.Assign(Walk().value);
-  return true;
-}
+void Formula::Core::WalkInto(Variant& result) { result.Assign(Walk().value); }
 
 Text Formula::Texto() const { return core_->FormulaText(); }
 
@@ -81,10 +78,13 @@ Ref<Collection> Formula::Errores() const {
 // Nothing but the number moves on the road of most formulas.
 bool Formula::Evaluar(Variant& Result) {
   const NumericProgram& numeric = core_->Current()->numeric;
-  const double number = numeric ? numeric.Run() : NumericProgram::kGivenUp;
-  if (std::isnan(number)) return core_->WalkInto(Result);
-  core_->Host().engine.ForgetReports();
-  Result.Assign(numeric.ResultOf(number));
+  const double number = numeric.Run();
+  if (std::isnan(number)) {
+    core_->WalkInto(Result);
+  } else {
+    core_->Host().engine.ForgetReports();
+    Result.Assign(numeric.ResultOf(number));
+  }
   return true;
 }
 

@@ -2,17 +2,10 @@
 
 #include <cmath>
 
-#include "tovalin/convert.h"
+#include "frame/conversion.h"
+#include "frame/temporarily.h"
 
 namespace tovalin {
-namespace {
-
-bool IsNumber(const Variant& value) {
-  return IsNumeric(value) && !value.Is(Subtype::String) && !value.Is(Subtype::Boolean) &&
-         !value.Is(Subtype::Empty);
-}
-
-}  // namespace
 
 FormulaChain::FormulaChain(Engine& engine, const Ref<Campos>& locals)
     : engine_(engine), locals_(locals), is_alone_(!engine.owner_.Evaluate.HasHandlers()) {}
@@ -29,8 +22,8 @@ void FormulaChain::Compute(Campo& record) {
       continue;
     }
     const Ref<Campo> done = waiting_.back().record;
-    const Variant value = ValueOf(*waiting_.back().plan);
-    engine_.calculation_->marks_->Store(*done, IsNumber(value) ? Variant(ToDouble(value)) : value);
+    Variant value = NumberAsDouble(ValueOf(*waiting_.back().plan));
+    engine_.calculation_->marks_->Store(*done, std::move(value));
     engine_.calculation_->Outermost().touched_.push_back(done);
     Pop();
   }
@@ -60,17 +53,10 @@ Campo* FormulaChain::NextNeeded(Waiting& waiting) const {
 }
 
 Variant FormulaChain::ValueOf(Plan& plan) {
-  if (plan.numeric.MayRun(is_alone_)) {
-    const double number = plan.numeric.Run();
-    if (!std::isnan(number)) return plan.numeric.ResultOf(number);
-  }
+  if (const double number = plan.numeric.Run(is_alone_); !std::isnan(number))
+    return plan.numeric.ResultOf(number);
   // A walk counts for one level itself.
-  struct Deeper {
-    Deeper(int& depth, int levels) : depth(depth), levels(levels) { depth += levels; }
-    ~Deeper() { depth -= levels; }
-    int& depth;
-    int levels;
-  } deeper(engine_.depth_, Depth() - 1);
+  const Temporarily depth(engine_.depth_, engine_.depth_ + Depth() - 1);
   return engine_.Walk(plan, locals_).value;
 }
 

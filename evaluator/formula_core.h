@@ -27,7 +27,7 @@ class Formula::Core {
   Engine::Outcome Evaluate();
   /// The same for a plan whose numeric program gave up or is none.
   Engine::Outcome Walk();
-  bool WalkInto(Variant& result);
+  void WalkInto(Variant& result);
 
  private:
   [[noreturn]] static void RaiseGone();

@@ -139,9 +139,8 @@ class TableRun {
       return columns.Run(first, count, results_.data() + first);
     } else {
       if (!columns.Run(first, count, block_.data())) return false;
-      const bool boolean = plan_->numeric.gives_boolean;
       for (std::size_t i = 0; i < count; ++i)
-        results_[first + i] = boolean ? Variant(block_[i] != 0) : Variant(block_[i]);
+        results_[first + i] = plan_->numeric.ResultOf(block_[i]);
       return true;
     }
   }
@@ -203,11 +202,6 @@ class TableRun {
   std::vector<RowError> errors_;
 };
 
-// A handler may drop the host's last Ref on the formula while its rows go by.
-Ref<Formula> Held(Formula& formula) {
-  return formula.references.Value() > 0 ? Ref<Formula>::Share(&formula) : nullptr;
-}
-
 // The rows of an array of one column, copied so that its host may do what it likes.
 std::vector<Variant> RowsOf(const Variant& array) {
   if (!array.Is(Subtype::Array)) Raise(Failure::TypeMismatch);
@@ -223,13 +217,13 @@ std::vector<Variant> RowsOf(const Variant& array) {
 
 std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                             std::span<double> results) {
-  const Ref<Formula> alive = Held(*this);
+  const Ref<Formula> alive = Hold(*this);
   return TableRun<double>(*core_, columns, rows, results).Run();
 }
 
 std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                             std::span<Variant> results) {
-  const Ref<Formula> alive = Held(*this);
+  const Ref<Formula> alive = Hold(*this);
   return TableRun<Variant>(*core_, columns, rows, results).Run();
 }
 

@@ -5,8 +5,8 @@
 #include "evaluator/element_search.h"
 #include "evaluator/number_token.h"
 #include "evaluator/plan.h"
+#include "frame/conversion.h"
 #include "frame/utf8.h"
-#include "tovalin/convert.h"
 
 namespace tovalin {
 namespace {
@@ -276,7 +276,7 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols,
     plan.text.append(value.AsText());
     item.length = static_cast<std::uint32_t>(value.AsText().size());
     Classify(plan, item, value.AsText(), symbols, locals);
-  } else if (IsNumeric(value) && !value.Is(Subtype::Boolean) && !value.Is(Subtype::Empty)) {
+  } else if (IsNumber(value)) {
     item.kind = ItemKind::Number;
     item.number = ToDouble(value);
   } else {

@@ -4,6 +4,7 @@
 
 #include "frame/ini_text.h"
 #include "frame/number_text.h"
+#include "frame/temporarily.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -18,8 +19,7 @@ constexpr std::string_view kResultKey = "Resultado=";
 constexpr std::string_view kLeftKey = "ElementosPila=";
 
 // The parts of the section: what is known before an evaluation, and its result.
-constexpr std::size_t kFormula = 0;
-constexpr std::size_t kParts = 2;
+enum Part : std::size_t { kFormula, kResult, kParts };
 
 std::vector<std::string> Keys() {
   std::vector<std::string> keys;
@@ -82,10 +82,10 @@ void Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
     lines_.clear();
     AddExpression(lines_, *expression);
     lines_.append(plan->trace_lines, plan->trace_lines.find('\n') + 1);
-    ShowLines(lines_);
+    Show(kFormula, lines_);
     shown_ = nullptr;
   } else {
-    ShowLines(plan->trace_lines);
+    Show(kFormula, plan->trace_lines);
     shown_ = plan;
     shown_edition_ = plan->trace_edition;
   }
@@ -110,10 +110,10 @@ void Trace::ShowResult(const Variant& result, std::size_t left) {
   if (left != shown_left_) left_line_ = std::string(kLeftKey) + std::to_string(left) + '\n';
   shown_bits_ = bits;
   shown_left_ = left;
-  if (!store_) return AddResult(section_.RewriteLast(), result);
+  if (!store_ && number) return AddResult(section_.RewriteLast(), result);
   lines_.clear();
   AddResult(lines_, result);
-  Save(lines_);
+  Show(kResult, lines_);
 }
 
 void Trace::AddResult(std::string& lines, const Variant& result) const {
@@ -130,11 +130,7 @@ void Trace::AddResult(std::string& lines, const Variant& result) const {
 // By value, since the store may lead to another evaluation.
 void Trace::Save(std::string lines) {
   if (is_saving_) return;
-  struct Saving {
-    explicit Saving(bool& flag) : flag(flag) { flag = true; }
-    ~Saving() { flag = false; }
-    bool& flag;
-  } saving(is_saving_);
+  const Temporarily saving(is_saving_, true);
   const Ref<SettingsStore> store = store_;
   try {
     std::size_t end = 0;
@@ -149,11 +145,11 @@ void Trace::Save(std::string lines) {
   }
 }
 
-void Trace::ShowLines(std::string_view formula_lines) {
+void Trace::Show(std::size_t part, std::string_view lines) {
   if (store_)
-    Save(std::string(formula_lines));
+    Save(std::string(lines));
   else
-    section_.Set(kFormula, formula_lines);
+    section_.Set(part, lines);
 }
 
 }  // namespace tovalin

@@ -32,7 +32,7 @@ class Trace {
  private:
   void ShowFormula(const Ref<Plan>& plan, const Text* expression);
   void ShowResult(const Variant& result, std::size_t left);
-  void ShowLines(std::string_view formula_lines);
+  void Show(std::size_t part, std::string_view lines);
   void AddResult(std::string& lines, const Variant& result) const;
   void Save(std::string lines);
   void MakeLines(Plan& plan);

@@ -38,8 +38,7 @@ class BoundControl : public Control {
 
   std::optional<Error> Call(const BoundCall& bound, std::span<Variant> arguments, Variant& result) {
     // A widget's function may drop the host's last Ref on this control.
-    const bool shared = references.Value() > 0;
-    const Ref<Object> alive = shared ? Ref<Object>::Share(this) : nullptr;
+    const Ref<Object> alive = Hold<Object>(*this);
     return Guarded([&] { result = bound.call(arguments); });
   }
 

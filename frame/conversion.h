@@ -14,6 +14,12 @@ std::optional<Currency> CurrencyOf(double value);
 /// Whether a Date can hold the day count: the years 100 to 9999.
 bool IsDateRange(double days);
 
+/// Whether a value is a number itself: no text, Boolean, date or Empty.
+bool IsNumber(const Variant& value);
+
+/// A number as a Double and any other value as it is: what a formula variable keeps.
+Variant NumberAsDouble(Variant value);
+
 /// Adds the ordinary text of `value` (see ToText) to the end of `text`.
 void AppendText(Text& text, const Variant& value);
 

@@ -82,8 +82,7 @@ const EventInfo* ClassInfo::FindEvent(TextView wanted) const {
 std::optional<Error> Invoke(Object& object, const MemberInfo& member, std::span<Variant> arguments,
                             Variant& result) {
   // A handler may drop the host's last Ref on the object while its member runs.
-  const bool shared = object.references.Value() > 0;
-  const Ref<Object> alive = shared ? Ref<Object>::Share(&object) : nullptr;
+  const Ref<Object> alive = Hold(object);
   return Guarded([&] {
     std::vector<Variant> complete = CompleteArguments(member, arguments);
     result = member.call(object, complete);

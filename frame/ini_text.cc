@@ -173,8 +173,7 @@ std::int32_t ReadCode(TextView text) {
   return code;
 }
 
-// Whether one of eight bytes is a control character or a backslash; for bytes of 128
-// and more it may say so of a byte beside a true one only.
+// Whether one of eight bytes is a control character or a backslash.
 bool AnySpecial(const char* bytes) {
   constexpr std::uint64_t kOnes = 0x0101010101010101;
   std::uint64_t word;
@@ -201,8 +200,6 @@ bool IsPlain(std::string_view utf8) {
 }  // namespace
 
 std::string EscapeIni(TextView text, IniPlace place) { return ToUtf8(Escape(text, place)); }
-
-std::string EscapeIni(std::string_view utf8, IniPlace place) { return Escape(utf8, place); }
 
 Text UnescapeIni(std::string_view written) {
   const Text text = FromUtf8(written);

@@ -44,7 +44,6 @@ std::string WithoutEntry(std::string_view file, TextView section, TextView key);
 enum class IniPlace { kSection, kKey, kText };
 
 std::string EscapeIni(TextView text, IniPlace place);
-std::string EscapeIni(std::string_view utf8, IniPlace place);
 Text UnescapeIni(std::string_view written);
 
 /// Escapes the text of an entry that stands at the end of `lines`, from `start` on.

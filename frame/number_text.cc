@@ -107,7 +107,7 @@ struct ExactDecimal {
 
 /// A magnitude from 0.001 to 1e15, as nearly all are, is mantissa x 10^places /
 /// 2^shift, a whole number of 128 bits, and is rounded exactly here, a half to even.
-/// False for others. It takes a fifth of the time of the general way.
+/// False for others. It takes a quarter of the steps of the general way.
 bool ToExactDecimal(double magnitude, int significant, ExactDecimal& decimal) {
   if (!(magnitude >= kPowers[0] && magnitude < kWholeLimit)) return false;
   constexpr std::uint64_t kMantissaBit = std::uint64_t{1} << 52;

@@ -1,24 +1,30 @@
+#include "frame/conversion.h"
 #include "frame/date_text.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
 
-bool IsNumeric(const Variant& value) {
+bool IsNumber(const Variant& value) {
   switch (value.Kind()) {
-    case Subtype::Empty:
     case Subtype::Integer:
     case Subtype::Long:
     case Subtype::Single:
     case Subtype::Double:
     case Subtype::Currency:
-    case Subtype::Boolean:
     case Subtype::Byte:
       return true;
-    case Subtype::String:
-      return ReadNumber(value.AsText()).has_value();
     default:
       return false;
   }
+}
+
+Variant NumberAsDouble(Variant value) {
+  return !value.IfDouble() && IsNumber(value) ? Variant(ToDouble(value)) : value;
+}
+
+bool IsNumeric(const Variant& value) {
+  if (value.Is(Subtype::String)) return ReadNumber(value.AsText()).has_value();
+  return IsNumber(value) || value.Is(Subtype::Boolean) || value.Is(Subtype::Empty);
 }
 
 bool IsDate(const Variant& value) {

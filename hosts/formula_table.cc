@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "frame/conversion.h"
 #include "hosts/command_line.h"
 #include "hosts/input.h"
-#include "tovalin/convert.h"
 
 namespace tovalin::tool {
 namespace {
@@ -13,19 +13,6 @@ namespace {
 std::string WithoutLineEnd(std::string text) {
   while (text.ends_with('\n') || text.ends_with('\r')) text.pop_back();
   return text;
-}
-
-bool IsNumber(const Variant& value) {
-  switch (value.Kind()) {
-    case Subtype::Integer:
-    case Subtype::Long:
-    case Subtype::Single:
-    case Subtype::Currency:
-    case Subtype::Byte:
-      return true;
-    default:
-      return false;
-  }
 }
 
 }  // namespace
@@ -176,8 +163,7 @@ void FormulaTable::ComputeStep(const Step& step) {
     for (std::size_t row = 0; row < failures_[used].size(); ++row)
       Fail(step.formula, row, failures_[used][row]);
   // A formula variable keeps numbers as Doubles.
-  for (Variant& value : values)
-    if (IsNumber(value)) value = ToDouble(value);
+  for (Variant& value : values) value = NumberAsDouble(std::move(value));
   if (IsConstant(step.formula))
     evaluator_->SetVariable(formulas_[step.formula].name, values.front());
   else

@@ -87,6 +87,13 @@ class Ref {
   T* target_ = nullptr;
 };
 
+/// One more Ref on a thing while code runs that may drop the host's last one; empty for
+/// a thing that no Ref holds.
+template <class T>
+Ref<T> Hold(T& thing) {
+  return thing.references.Value() > 0 ? Ref<T>::Share(&thing) : nullptr;
+}
+
 /// Makes a T and the first Ref on it.
 template <class T, class... Arguments>
 Ref<T> Make(Arguments&&... arguments) {
