@@ -1,7 +1,6 @@
 #include "evaluator/engine.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "evaluator/formula_chain.h"
@@ -11,9 +10,6 @@
 
 namespace tovalin {
 namespace {
-
-// The most values that a built-in function pops.
-constexpr std::size_t kMostPops = 4;
 
 // Whether a formula has to be changed before it is read. Without a branch for each
 // character, so that the compiler takes many at once.
@@ -198,7 +194,7 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
         stack.push_back(plan.ValueOf(item));
         break;
       case ItemKind::Builtin:
-        CallBuiltin(BuiltinAt(item.builtin), stack);
+        CallBuiltin(FunctionAt(item.builtin), stack);
         break;
       case ItemKind::HostFunction:
         Step(plan, i, locals, stack);
@@ -227,10 +223,9 @@ void Engine::Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, Valu
   ClassifyAgain(plan, index + 1, symbols_, locals.get());
 }
 
-void Engine::CallBuiltin(const Builtin& builtin, ValueStack& stack) {
-  std::array<Variant, kMostPops> arguments;
-  for (std::size_t i = builtin.pops; i > 0; --i) arguments[i - 1] = Pop(stack);
-  stack.push_back(builtin.call(std::span(arguments).first(builtin.pops), {clock_}));
+void Engine::CallBuiltin(const BuiltinFunction& function, ValueStack& stack) {
+  const std::size_t count = function.Parameters().size();
+  ReplaceTop(stack, count, function.Call(TopOperands(stack, count), {clock_}));
 }
 
 // The stack goes into a Collection for the handler and comes back as it left it,

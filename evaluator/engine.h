@@ -115,7 +115,7 @@ class Engine {
   void DropReports();
   Outcome Walk(Plan& plan, const Ref<Campos>& locals);
   void Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack);
-  void CallBuiltin(const Builtin& builtin, ValueStack& stack);
+  void CallBuiltin(const BuiltinFunction& builtin, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
   Ref<Plan> FormulaPlan(Campo& record, const Ref<Campos>& locals);
   bool NeedsComputing(const Campo& record) const;

@@ -69,11 +69,14 @@ class BoundVariables {
     for (std::size_t i : taken_) records_[i]->LetValue(ValueAt(columns_[i], row));
   }
 
-  std::vector<NumericColumns::Bound> Doubles() const {
+  std::vector<NumericColumns::Bound> Numbers() const {
     std::vector<NumericColumns::Bound> bound;
-    for (std::size_t i = 0; i < records_.size(); ++i)
-      if (const auto* values = std::get_if<std::span<const double>>(&columns_[i].values))
-        bound.push_back({&records_[i]->Value(), values->data()});
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+      const auto* doubles = std::get_if<std::span<const double>>(&columns_[i].values);
+      const auto* values = std::get_if<std::span<const Variant>>(&columns_[i].values);
+      bound.push_back({&records_[i]->Value(), doubles ? doubles->data() : nullptr,
+                       values ? values->data() : nullptr});
+    }
     return bound;
   }
 
@@ -82,16 +85,6 @@ class BoundVariables {
     for (std::size_t i = 0; i < records_.size(); ++i)
       bound.push_back({&records_[i]->Value(), &columns_[i]});
     return bound;
-  }
-
-  /// Whether a column of Variants stands for a value that `program` loads.
-  bool NeedsVariants(const NumericProgram& program) const {
-    return std::ranges::any_of(program.steps, [this](const NumericStep& step) {
-      if (step.operand != NumericOperand::Source) return false;
-      for (std::size_t i = 0; i < records_.size(); ++i)
-        if (step.source == &records_[i]->Value() && columns_[i].values.index() != 0) return true;
-      return false;
-    });
   }
 
  private:
@@ -117,8 +110,7 @@ class TableRun {
 
   std::vector<RowError> Run() {
     std::optional<NumericColumns> numbers;
-    if (plan_->numeric && !variables_.NeedsVariants(plan_->numeric))
-      numbers.emplace(plan_->numeric, variables_.Doubles());
+    if (plan_->numeric) numbers.emplace(plan_->numeric, variables_.Numbers());
     std::optional<ValueColumns> values;
     for (std::size_t first = 0; first < rows_; first += NumericColumns::kBlock) {
       const std::size_t count = std::min(NumericColumns::kBlock, rows_ - first);

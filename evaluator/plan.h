@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "evaluator/builtins.h"
+#include "evaluator/functions.h"
 #include "evaluator/numeric_program.h"
 #include "evaluator/operators.h"
 #include "evaluator/symbols.h"

@@ -37,11 +37,11 @@ bool BindConstant(HeldValue& held) {
   return !same;
 }
 
-void SetFunction(Plan& plan, Item& item, Campo& record, const Builtin* builtin) {
+void SetFunction(Plan& plan, Item& item, Campo& record, const BuiltinFunction* builtin) {
   item.record = &record;
   item.kind = builtin ? ItemKind::Builtin : ItemKind::HostFunction;
   if (builtin)
-    item.builtin = BuiltinRow(*builtin);
+    item.builtin = FunctionIndex(*builtin);
   else
     plan.calls_host = true;
 }
@@ -217,7 +217,7 @@ void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, con
   } else if ((record = symbols.constants->Find(text))) {
     SetConstant(plan, item, *record);
   } else if ((record = symbols.functions->Find(text))) {
-    SetFunction(plan, item, *record, BuiltinOf(text));
+    SetFunction(plan, item, *record, FunctionOf(text));
   } else if (text.size() > 1 && text.front() == u'"' && text.back() == u'"') {
     SetLiteral(plan, item, text.substr(1, text.size() - 2));
   }

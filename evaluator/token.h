@@ -10,7 +10,7 @@
 
 namespace tovalin {
 
-struct Builtin;
+struct BuiltinFunction;
 
 enum class TokenKind : std::uint8_t {
   Number,
@@ -34,9 +34,9 @@ struct Token {
   bool is_opener = false;     // of a Function: it ends in a bracket
   std::uint32_t start = 0;
   std::uint32_t length = 0;
-  std::optional<std::int32_t> priority;  // of an Operator, if its row has one
-  Campo* record = nullptr;               // valid while the tables do not change
-  const Builtin* builtin = nullptr;      // of a Function that is built in
+  std::optional<std::int32_t> priority;      // of an Operator, if its row has one
+  Campo* record = nullptr;                   // valid while the tables do not change
+  const BuiltinFunction* builtin = nullptr;  // of a Function that is built in
   double number = 0;
   Token* below = nullptr;  // the one that waits below it, when it waits for its place
 };
