@@ -24,3 +24,4 @@
 #include "tovalin/settings.h"
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
+#include "tovalin/version.h"
