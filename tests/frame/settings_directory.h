@@ -21,16 +21,21 @@ class SettingsDirectoryTest : public testing::Test {
     ASSERT_NE(mkdtemp(name.data()), nullptr);
     directory_ = name;
     setenv("XDG_CONFIG_HOME", name.c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", RuntimeDirectory().c_str(), 1);
   }
 
   void TearDown() override {
     unsetenv("XDG_CONFIG_HOME");
+    unsetenv("XDG_RUNTIME_DIR");
     std::filesystem::remove_all(directory_);
   }
 
   std::filesystem::path File(const std::string& name) const {
     return directory_ / "tovalin" / name;
   }
+
+  /// Where the live files of the trace are.
+  std::filesystem::path RuntimeDirectory() const { return directory_ / "run"; }
 
   void WriteFile(const std::string& name, const std::string& bytes) const {
     std::filesystem::create_directories(directory_ / "tovalin");
