@@ -69,7 +69,9 @@ TEST(NumberPatternTest, Placeholders) {
       {5.0, u"$ 0.00 kg", u"$ 5.00 kg"},
       {5.0, u"0 \\d\\e \"m #\"", u"5 de m #"},
       {5.0, u"0\"abierto", u"5abierto"},
-      {5.0, u"0\\", u"5\\"},
+      {5.0, u"0\\", u"5"},
+      {-5.0, u"\"solo texto\"", u"solo texto"},
+      {-5.0, u".", u"-5."},
       {5.0, u"\"solo texto\"", u"solo texto"},
   };
   ExpectFormats(cases);
@@ -239,9 +241,13 @@ TEST(DatePatternTest, ValuesOfOtherKinds) {
       {u"no es fecha", u"dd/mm/yyyy", u"no es fecha"},
       {kNull, u"dd/mm/yyyy", u""},
       {Variant(), u"dd/mm/yyyy", u"30/12/1899"},
+      {2958465.5, u"dd/mm/yyyy", u"31/12/9999"},
+      {2958466.0, u"dd/mm/yyyy", u"2958466"},
+      {std::int32_t{-657435}, u"yyyy", u"-657435"},
+      {u"3,000,000", u"dd/mm/yyyy", u"3,000,000"},
+      {std::numeric_limits<double>::infinity(), u"Short Date", u"INF"},
   };
   ExpectFormats(cases);
-  EXPECT_EQ(NumberRaised(1e10, u"dd/mm/yyyy"), 6);
   EXPECT_EQ(NumberRaised(Variant(Ref<Object>()), u"dd/mm/yyyy"), 13);
 }
 
