@@ -10,6 +10,7 @@
 #include <random>
 #include <thread>
 
+#include "frame/child_process.h"
 #include "frame/ini_text.h"
 #include "frame/live_file.h"
 #include "frame/settings_content.h"
