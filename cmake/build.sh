@@ -3,7 +3,7 @@
 # and how everything is configured.
 
 declare -A packages=(
-  [build]="g++ cmake ninja-build libcli11-dev libcsv-dev"
+  [build]="g++ cmake ninja-build libcli11-dev"
   [test]="libgtest-dev libgmock-dev pkgconf"
   [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix"
   [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"

@@ -33,6 +33,12 @@ std::vector<Variant> CompleteArguments(const MemberInfo& member, std::span<Varia
   return complete;
 }
 
+Error NoSuchMember(TextView name) {
+  Error error = PlatformError(Failure::NoSuchMember);
+  error.description.append(u": ").append(name);
+  return error;
+}
+
 }  // namespace
 
 Object::~Object() = default;
@@ -45,19 +51,19 @@ const ClassInfo& Object::Class() const {
 std::optional<Error> Object::Invoke(TextView name, MemberKind kind, std::span<Variant> arguments,
                                     Variant& result) {
   const MemberInfo* member = Class().Find(name, kind);
-  if (!member) return PlatformError(Failure::NoSuchMember);
+  if (!member) return NoSuchMember(name);
   return tovalin::Invoke(*this, *member, arguments, result);
 }
 
 int Object::Attach(TextView name, EventSink sink) {
   const EventInfo* event = Class().FindEvent(name);
-  if (!event) Raise(Failure::NoSuchMember);
+  if (!event) throw NoSuchMember(name);
   return event->attach(*this, std::move(sink));
 }
 
 void Object::Detach(TextView name, int attachment) {
   const EventInfo* event = Class().FindEvent(name);
-  if (!event) Raise(Failure::NoSuchMember);
+  if (!event) throw NoSuchMember(name);
   event->detach(*this, attachment);
 }
 

@@ -43,7 +43,9 @@ Ref<Object> CreateObject(TextView class_name) {
     name.remove_prefix(kLibraryPrefix.size());
   for (const Creatable& row : kCreatable)
     if (EqualFolded(row.name, name)) return row.make();
-  Raise(Failure::CannotCreateObject);
+  Error error = PlatformError(Failure::CannotCreateObject);
+  error.description.append(u": ").append(class_name);
+  throw error;
 }
 
 std::vector<const ClassInfo*> Classes() {
