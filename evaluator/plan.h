@@ -74,9 +74,9 @@ struct Plan {
   std::vector<HeldValue> held;
   Ref<Campos> locals;  // pins the address in the stamp
   Text text;           // the formula, without carriage returns
-  // What the trace shows of the formula: made when it is first shown, which gives it
-  // an edition other than 0, and again when a constant has changed the postfix text.
-  std::string trace_lines;
+  // The postfix text that the trace shows: made when it is first shown, which gives it
+  // an edition other than 0, and again when a constant has changed it.
+  Text trace_postfix;
   // Of the plan cache: the next plan with like hashes, and the neighbours in the
   // order of use.
   Ref<Plan> same_bucket;
@@ -99,8 +99,8 @@ void ConvertToPostfix(TokenList& list, Plan& plan);
 
 /// The items as one text, each followed by a blank.
 Text PostfixText(const Plan& plan);
-/// The same in UTF-8, at the end of `utf8`.
-void AppendPostfixText(std::string& utf8, const Plan& plan);
+/// The same at the end of `text`.
+void AppendPostfixText(Text& text, const Plan& plan);
 /// The items as a host sees them: texts, and records for constants.
 Ref<Collection> PostfixItems(const Plan& plan);
 

@@ -6,7 +6,6 @@
 #include "evaluator/number_token.h"
 #include "evaluator/plan.h"
 #include "frame/conversion.h"
-#include "frame/utf8.h"
 
 namespace tovalin {
 namespace {
@@ -229,28 +228,16 @@ void ConvertToPostfix(TokenList& list, Plan& plan) { Converter(list, plan).Run()
 
 Text PostfixText(const Plan& plan) {
   Text text;
-  text.reserve(plan.text.size() + plan.items.size());
+  AppendPostfixText(text, plan);
+  return text;
+}
+
+void AppendPostfixText(Text& text, const Plan& plan) {
+  text.reserve(text.size() + plan.text.size() + plan.items.size());
   for (const Item& item : plan.items) {
     PutItem(plan, item, [&text](TextView part) { text.append(part); });
     text.push_back(u' ');
   }
-  return text;
-}
-
-// Written through a pointer, into room that seldom has to grow.
-void AppendPostfixText(std::string& utf8, const Plan& plan) {
-  std::size_t end = utf8.size();
-  utf8.resize(end + kMostUtf8Bytes * plan.text.size() + plan.items.size());
-  const auto put = [&utf8, &end](TextView part) {
-    const std::size_t most = kMostUtf8Bytes * part.size();
-    if (utf8.size() - end <= most) utf8.resize(2 * (end + most) + 1);
-    end = static_cast<std::size_t>(WriteUtf8(utf8.data() + end, part) - utf8.data());
-  };
-  for (const Item& item : plan.items) {
-    PutItem(plan, item, put);
-    utf8[end++] = ' ';
-  }
-  utf8.resize(end);
 }
 
 Ref<Collection> PostfixItems(const Plan& plan) {

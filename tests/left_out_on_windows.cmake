@@ -2,7 +2,6 @@
 # _posix_test.cc are left out too: they need fork, signals, modes or /proc, and have a
 # counterpart that ends in _windows_test.cc where Windows has one of its own.
 set(sources_left_out
-    frame/live_section_test.cc  # forks writers and kills them
 )
 set(tests_left_out
     Failures.OfAFullDisk  # /dev/full, and a link to it

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "files/temporary_directory.h"
@@ -15,16 +13,12 @@ namespace tovalin {
 /// A test with a configuration directory of its own.
 class SettingsDirectoryTest : public testing::Test {
  protected:
-  void SetUp() override {
-    if (const char* before = std::getenv(kConfigurationVariable)) before_ = before;
-    SetEnvironment(kConfigurationVariable, directory_.string());
-  }
-
-  void TearDown() override { SetEnvironment(kConfigurationVariable, before_); }
-
   std::filesystem::path File(const std::string& name) const {
     return directory_ / "tovalin" / name;
   }
+
+  /// Where the live files of the trace are.
+  std::filesystem::path RuntimeDirectory() const { return directory_ / "run"; }
 
   void WriteFile(const std::string& name, const std::string& bytes) const {
     std::filesystem::create_directories(directory_ / "tovalin");
@@ -35,7 +29,10 @@ class SettingsDirectoryTest : public testing::Test {
 
   const TemporaryDirectory here_;
   const std::filesystem::path directory_ = here_ / "";
-  std::string before_;
+
+ private:
+  const EnvironmentChange configuration_{kConfigurationVariable, directory_.string()};
+  const EnvironmentChange runtime_{kRuntimeVariable, RuntimeDirectory().string()};
 };
 
 }  // namespace tovalin

@@ -9,6 +9,7 @@
 
 #include "frame/child_process.h"
 #include "frame/settings_directory.h"
+#include "frame/settings_file.h"
 #include "tovalin/error.h"
 #include "tovalin/settings.h"
 
@@ -26,14 +27,32 @@ std::int32_t SaveError(TextView application = u"Prueba") {
   }
 }
 
-TEST_F(SettingsTest, KeepsLinkAndRights) {
+TEST_F(SettingsTest, KeepsTheLinkAndNoRightsOfOthers) {
   WriteFile("real", "[a]\nb=1\n");
-  chmod(File("real").c_str(), 0640);
+  chmod(File("real").c_str(), 0644);
   std::filesystem::create_symlink("real", File("Uno.ini"));
   DefaultSettings()->Save(u"Uno", u"a", u"b", u"2");
   EXPECT_TRUE(std::filesystem::is_symlink(File("Uno.ini")));
   EXPECT_EQ(ReadFile("real"), "[a]\nb=2\n");
-  EXPECT_EQ(static_cast<int>(std::filesystem::status(File("real")).permissions()), 0640);
+  // What is written is for the user alone, whoever could read what stood there.
+  EXPECT_EQ(static_cast<int>(std::filesystem::status(File("real")).permissions()), 0600);
+}
+
+// What a process leaves that is killed while it saves goes with the next look at the file.
+TEST_F(SettingsTest, RemovesWhatKilledSavesLeft) {
+  const auto store = DefaultSettings();
+  store->Save(u"Uno", u"S", u"K", u"1");
+  const auto is_removed_by = [&](const std::function<void()>& look) {
+    WriteFile("Uno.ini.tmp", "[S]\nsueldo=");
+    chmod(File("Uno.ini.tmp").c_str(), 0644);
+    look();
+    return !std::filesystem::exists(File("Uno.ini.tmp"));
+  };
+  EXPECT_TRUE(is_removed_by([&] { EXPECT_EQ(store->Get(u"Uno", u"S", u"K", u""), u"1"); }));
+  EXPECT_TRUE(is_removed_by([&] { store->Save(u"Uno", u"S", u"K", u"2"); }));
+  EXPECT_EQ(static_cast<int>(std::filesystem::status(File("Uno.ini")).permissions()), 0600);
+  const FileLock saving(File("Uno.ini"));
+  EXPECT_FALSE(is_removed_by([&] { EXPECT_EQ(store->Get(u"Uno", u"S", u"K", u""), u"2"); }));
 }
 
 TEST_F(SettingsTest, TellsWhyItCannotBeWritten) {

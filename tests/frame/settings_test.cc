@@ -9,7 +9,10 @@
 
 #include "frame/ini_text.h"
 #include "frame/settings_directory.h"
+#include "frame/settings_file.h"
 #include "frame/settings_path.h"
+#include "frame/settings_store.h"
+#include "tovalin/error.h"
 
 namespace tovalin {
 namespace {
@@ -164,6 +167,17 @@ TEST_F(SettingsTest, KeepsTheLinesOfAPerson) {
   EXPECT_EQ(ReadFile("Uno.ini"),
             "# mis ajustes\r\n\r\n[Vista]\r\n; ancho en puntos\r\nAncho=20\nAlto=30\nalgo raro\r\n"
             "\r\n; la otra\r\n[Otra]\r\nx=1\ny=2\n");
+}
+
+TEST_F(SettingsTest, ALockThatIsNotReleasedIsAnError) {
+  const FileLock held(File("Prueba.ini"));
+  try {
+    MakeFileSettings(3)->Save(u"Prueba", u"Seccion", u"Clave", u"nuevo");
+    ADD_FAILURE() << "saved in spite of the lock";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number, 70);
+  }
+  EXPECT_FALSE(std::filesystem::exists(File("Prueba.ini")));
 }
 
 }  // namespace

@@ -15,5 +15,7 @@ if(NOT TOVALIN_SANITIZE)
                                           $<TARGET_FILE:tovalin_tool>)
   list(APPEND tool_tests tool.table_memory)
 endif()
-set_tests_properties(${tool_tests} PROPERTIES TIMEOUT 120 ENVIRONMENT
-                                              XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config)
+set_tests_properties(
+  ${tool_tests}
+  PROPERTIES TIMEOUT 120 ENVIRONMENT
+             "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config;XDG_RUNTIME_DIR=${PROJECT_BINARY_DIR}/run")
