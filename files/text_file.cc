@@ -16,15 +16,20 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{1} << 20;
 constexpr std::size_t kLongestText = std::numeric_limits<std::int32_t>::max();
 
+bool IsDirectory(TextView path) { return (FileAttributes(path).value_or(0) & kDirectory) != 0; }
+
 bool DirectoryOfExists(TextView path) {
   const std::size_t separator = path.find_last_of(u"\\/");
   if (separator == TextView::npos || separator == 0) return true;
-  return FileAttributes(path.substr(0, separator)).has_value();
+  return IsDirectory(path.substr(0, separator));
 }
 
 /// The failure that errno tells of.
 Failure FileFailure(TextView path) {
-  switch (errno) {
+  const int cause = errno;
+  // Not every system says that a directory is what cannot be read.
+  if (IsDirectory(path)) return Failure::PathAccess;
+  switch (cause) {
     case ENOENT:
       return DirectoryOfExists(path) ? Failure::FileNotFound : Failure::PathNotFound;
     case ENOTDIR:

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "hosts/system.h"
+
 namespace tovalin::tool {
 namespace {
 
@@ -45,7 +47,7 @@ std::string Left(const clsFileExport::FailureReport& failure, const std::string&
            (failure.broken_record ? ", con una parte del siguiente" : "");
   if (failure.layout == State::Incomplete) return left + "; " + layout + " quedó incompleto";
   std::error_code ignored;
-  const bool is_there = std::filesystem::exists(layout, ignored);
+  const bool is_there = std::filesystem::exists(PathOf(layout), ignored);
   return left + "; " + layout + (is_there ? " es de antes y no los describe" : " no se escribió");
 }
 

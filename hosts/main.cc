@@ -7,6 +7,7 @@
 #include "hosts/command_line.h"
 #include "hosts/encoding.h"
 #include "hosts/input.h"
+#include "hosts/system.h"
 
 // The command-line tool: a host of the library like any other.
 
@@ -74,6 +75,7 @@ class CommandLine {
  public:
   CommandLine() {
     app_.require_subcommand(1);
+    app_.allow_windows_style_options(false);  // "/" begins a path
     app_.footer(kExitCodes);
     app_.set_version_flag("--version", "tovalin " TOVALIN_VERSION);
     AddFormulaCommands();
@@ -178,7 +180,8 @@ class CommandLine {
 int main(int count, char** values) {
   using namespace tovalin;
   try {
-    const int code = tool::CommandLine().Run({values + 1, values + count});
+    tool::UseBytes();
+    const int code = tool::CommandLine().Run(tool::Arguments(count, values));
     if (!std::cout.flush()) Raise(Failure::DiskFull);
     return code;
   } catch (const Error& error) {

@@ -7,6 +7,7 @@
 
 #include "frame/write_failure.h"
 #include "hosts/input.h"
+#include "hosts/system.h"
 
 namespace tovalin::tool {
 namespace {
@@ -14,13 +15,13 @@ namespace {
 namespace fs = std::filesystem;
 
 // Nobody else's name in the directory of `path`, and none that somebody can foresee.
-std::string TemporaryName(const std::string& path) {
+fs::path TemporaryName(fs::path path) {
   constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz";
   std::random_device random;
   std::uniform_int_distribution<std::size_t> letter(0, sizeof kLetters - 2);
   std::string name = "tovalin-";
   for (int i = 0; i < 12; ++i) name.push_back(kLetters[letter(random)]);
-  return fs::path(path).replace_filename(name + ".tmp").string();
+  return path.replace_filename(name + ".tmp");
 }
 
 }  // namespace
@@ -34,19 +35,18 @@ ReplacedFile::ReplacedFile(std::string path) : path_(std::move(path)) {
 
 void ReplacedFile::Open() {
   std::error_code ignored;
-  const fs::path real = fs::canonical(path_, ignored);  // empty when nothing is there
-  target_ = real.empty() ? path_ : real.string();
+  target_ = fs::canonical(PathOf(path_), ignored);
+  if (target_.empty()) target_ = PathOf(path_);  // nothing is there
   const fs::file_status status = fs::status(target_, ignored);
   const bool exists = fs::is_regular_file(status);
   if (exists) {
     // A file that may not be written may not be replaced either.
-    const InputFile writable(std::fopen(target_.c_str(), "r+b"));
+    const InputFile writable(OpenStream(target_, "r+b"));
     if (!writable) RaiseUnwritable(errno);
   }
   if (exists || !fs::exists(fs::symlink_status(target_, ignored)))
     temporary_ = TemporaryName(target_);
-  const std::string& name = temporary_.empty() ? target_ : temporary_;
-  file_ = std::fopen(name.c_str(), "wb");
+  file_ = OpenStream(temporary_.empty() ? target_ : temporary_, "wb");
   if (!file_) RaiseUnwritable(errno);
   if (exists) fs::permissions(temporary_, status.permissions(), ignored);
 }
@@ -70,7 +70,7 @@ void ReplacedFile::Commit() {
   if (temporary_.empty()) return;
   std::error_code failed;
   fs::rename(temporary_, target_, failed);
-  if (failed) RaiseUnwritable(failed.value());
+  if (failed) RaiseUnwritable(failed.default_error_condition().value());
   temporary_.clear();
 }
 

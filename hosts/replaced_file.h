@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 
 namespace tovalin::tool {
@@ -28,9 +29,9 @@ class ReplacedFile {
   void Open();
   [[noreturn]] void RaiseUnwritable(int cause) const;
 
-  std::string path_;       // as the user wrote it
-  std::string target_;     // behind symbolic links
-  std::string temporary_;  // empty: written at once
+  std::string path_;                 // as the user wrote it
+  std::filesystem::path target_;     // behind symbolic links
+  std::filesystem::path temporary_;  // empty: written at once
   std::FILE* file_ = nullptr;
 };
 

@@ -1,10 +1,9 @@
-#include <signal.h>
-
 #include <iostream>
 #include <optional>
 
 #include "frame/live_trace.h"
 #include "hosts/command_line.h"
+#include "hosts/system.h"
 
 // tovalin trace.
 
@@ -29,29 +28,6 @@ std::optional<std::string> TryReadTrace() {
     return std::nullopt;
   }
 }
-
-// While one exists, the signals that ask a process to end wait to be noticed.
-class EndRequest {
- public:
-  EndRequest() {
-    sigemptyset(&signals_);
-    sigaddset(&signals_, SIGINT);
-    sigaddset(&signals_, SIGTERM);
-    sigprocmask(SIG_BLOCK, &signals_, &before_);
-  }
-  ~EndRequest() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-  EndRequest(const EndRequest&) = delete;
-  EndRequest& operator=(const EndRequest&) = delete;
-
-  bool CameWithin(long milliseconds) const {
-    const timespec time{0, milliseconds * 1'000'000};
-    return sigtimedwait(&signals_, nullptr, &time) > 0;
-  }
-
- private:
-  sigset_t signals_;
-  sigset_t before_;
-};
 
 void Follow() {
   const EndRequest end;

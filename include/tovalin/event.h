@@ -4,6 +4,8 @@
 #include <functional>
 #include <utility>
 
+#include "tovalin/api.h"
+
 namespace tovalin {
 
 /// An event of an object: raising it calls every attached handler, in the order

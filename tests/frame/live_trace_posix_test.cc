@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "frame/child_process.h"
 #include "frame/live_trace.h"
 #include "frame/settings_directory.h"
 #include "frame/settings_file.h"

@@ -131,6 +131,24 @@ TEST(PatternTest, ThreadsShareNothing) {
   other.join();
 }
 
+// Each thread leaves what it remembers behind it, and formats on while another ends.
+TEST(PatternTest, ThreadsEndOneAfterAnother) {
+  const auto work = [](int number) {
+    const Text digits(static_cast<std::size_t>(number % 7 + 1), u'0');
+    for (int i = 0; i < 100; ++i)
+      ASSERT_EQ(Format(0.0, digits + u'.' + Text(static_cast<std::size_t>(i), u'0')).size(),
+                digits.size() + 1 + static_cast<std::size_t>(i));
+  };
+  std::thread before(work, 0);
+  for (int number = 1; number < 50; ++number) {
+    std::thread next(work, number);
+    before.join();
+    before.swap(next);
+  }
+  before.join();
+  work(0);
+}
+
 TEST(PatternTest, LongPatternsAreReadOnce) {
   constexpr std::size_t kLength = 1 << 18;  // anything quadratic would take minutes
   const Variant values[] = {-1234.5, kAfternoon, u"texto", kNull};
