@@ -36,8 +36,6 @@ class Evaluador::Core {
   bool RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result);
   /// Walks a plan, with the formula's part of its trace.
   Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared);
-  /// The tokens of a formula text of a host.
-  TokenList FormulaTokens(const Text& formula);
 };
 
 }  // namespace tovalin

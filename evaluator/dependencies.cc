@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "evaluator/references.h"
+
 namespace tovalin {
 
 void DependencyIndex::Refresh() {
@@ -36,9 +38,7 @@ const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {
   const TokenList list = plans_.Tokens(record.Formula());
   for (const Token& token : list.tokens) {
     if (token.kind != TokenKind::Name) continue;
-    TextView name = list.Span(token);
-    if (name.starts_with(u'@')) name.remove_prefix(1);
-    mentions.names.emplace_back(name);
+    mentions.names.emplace_back(NameOf(list, token));
   }
   return mentions.names;
 }

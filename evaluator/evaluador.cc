@@ -5,6 +5,7 @@
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
 #include "evaluator/infix_check.h"
+#include "evaluator/references.h"
 #include "evaluator/tokenizer.h"
 #include "frame/clock.h"
 #include "tovalin/convert.h"
@@ -59,9 +60,7 @@ Ref<Collection> Evaluador::CheckInfijo(Text& rExpresion, Ref<Campos>* LocalVbles
   const Ref<Campos> locals = LocalsOf(LocalVbles);
   std::vector<FaultReport>& reports = core_->engine.Reports();
   reports.clear();
-  Text formula = rExpresion;
-  StripCarriageReturns(formula);
-  TokenList list = core_->plans.Tokens(std::move(formula));
+  TokenList list = core_->plans.Tokens(rExpresion);
   Text normalised = NormalisedExpression(list);
   CheckTokens(list, core_->symbols, locals.get());
   auto tokens = Make<Collection>();
@@ -79,11 +78,9 @@ Text Evaluador::Posfijo(const Ref<Collection>& vcolInfijo, Ref<Collection>& rPos
   TokenList list;
   if (vcolInfijo)
     for (const Variant& token : vcolInfijo->List().Items())
-      if (token.Is(Subtype::String))
-        AppendHostToken(list, token.AsText(), core_->plans.Elements(), core_->symbols);
+      AppendHostToken(list, token, core_->plans.Elements(), core_->symbols);
   for (Token& token : list.tokens)
-    if (token.kind == TokenKind::Name)
-      ResolveName(token, list.Span(token), core_->symbols, locals.get());
+    if (token.kind == TokenKind::Name) ResolveOperand(list, token, core_->symbols, locals.get());
   Plan plan;
   ConvertToPostfix(list, plan);
   plan.text = std::move(list.text);

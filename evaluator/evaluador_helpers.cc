@@ -1,5 +1,6 @@
 #include "evaluator/core.h"
 #include "evaluator/number_helpers.h"
+#include "evaluator/references.h"
 #include "evaluator/text_helpers.h"
 #include "formatting/dias360.h"
 #include "formatting/word_extraction.h"
@@ -17,7 +18,7 @@ Ref<Collection> NamesIn(const TokenList& list, const Campos& table) {
   auto names = Make<Collection>();
   for (const Token& token : list.tokens) {
     if (token.kind != TokenKind::Name) continue;
-    const Campo* record = table.Find(list.Span(token));
+    const Campo* record = table.Find(NameOf(list, token));
     if (!record || names->List().Find(record->Name()) != KeyedList<Variant>::kNotFound) continue;
     const Variant name(record->Name());
     names->Add(name, name);
@@ -32,17 +33,11 @@ Text Evaluador::ReplaceExpresion(const Text& vExpresion, Ref<Campos>* LocalVbles
 }
 
 Ref<Collection> Evaluador::VarExpresion(const Text& vExpresion) {
-  return NamesIn(core_->FormulaTokens(vExpresion), *core_->symbols.variables);
+  return NamesIn(core_->plans.Tokens(vExpresion), *core_->symbols.variables);
 }
 
 Ref<Collection> Evaluador::ConstExpresion(const Text& vExpresion) {
-  return NamesIn(core_->FormulaTokens(vExpresion), *core_->symbols.constants);
-}
-
-TokenList Evaluador::Core::FormulaTokens(const Text& formula) {
-  Text text = engine.ReplaceReferences(formula, nullptr);
-  StripCarriageReturns(text);
-  return plans.Tokens(std::move(text));
+  return NamesIn(core_->plans.Tokens(vExpresion), *core_->symbols.constants);
 }
 
 Text Evaluador::ReplaceWildCards(const Text& vCadena) const {

@@ -72,8 +72,9 @@ struct Plan {
   std::vector<Item> items;
   std::unique_ptr<std::vector<Fault>> faults;  // null without any; with any, there are no items
   std::vector<HeldValue> held;
-  Ref<Campos> locals;  // pins the address in the stamp
-  Text text;           // the formula, without carriage returns
+  std::vector<std::uint32_t> at_signs;  // as in the TokenList
+  Ref<Campos> locals;                   // pins the address in the stamp
+  Text text;                            // the formula, without carriage returns
   // What the trace shows of the formula: made when it is first shown, which gives it
   // an edition other than 0, and again when a constant has changed the postfix text.
   std::string trace_lines;

@@ -156,6 +156,9 @@ class Converter {
       case TokenKind::Literal:
         SetLiteral(plan_, item, list_.Span(token));
         break;
+      case TokenKind::Value:
+        SetHeld(plan_, item, ItemKind::Value, {token.value->Value()});
+        break;
       case TokenKind::Operator:
         SetOperator(item, *token.record, token.operator_code);
         break;
@@ -256,12 +259,13 @@ void AppendPostfixText(std::string& utf8, const Plan& plan) {
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
   for (const Item& item : plan.items) {
-    if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted) {
+    if (item.kind == ItemKind::Value)
+      items->List().Append(plan.ValueOf(item));
+    else if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted)
       // A copy, so that a later change of the constant is not seen.
       items->List().Append(plan.held[item.held].constant->Copy());
-      continue;
-    }
-    items->List().Append(ItemText(plan, item));
+    else
+      items->List().Append(ItemText(plan, item));
   }
   return items;
 }
