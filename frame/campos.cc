@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "frame/deep_release.h"
+#include "frame/keys.h"
 #include "frame/positions.h"
 #include "tovalin/dispatch.h"
+#include "tovalin/enumerador.h"
 
 namespace tovalin {
 namespace {
@@ -43,6 +45,8 @@ constexpr MemberInfo kCamposMembers[] = {
     Get<&Campos::Count>(5, u"Count", u"The number of records"),
     Get<&Campos::SystemList>(6, u"SystemList", u"The comma-joined names of the system"),
     Let<&Campos::LetSystemList>(6, u"SystemList"),
+    Get<&Campos::Claves>(7, u"Claves", u"Los nombres de los registros, en su orden"),
+    Hidden(Method<&Campos::NewEnum>(kNewEnumId, u"_NewEnum", {})),
 };
 
 constexpr ClassInfo kCampoClass{Campo::kClassName, kCampoMembers};
@@ -101,6 +105,10 @@ void Campos::Add(const Ref<Campo>& Campo, const Variant& Before, const Variant& 
 }
 
 Ref<Campo> Campos::Item(const Variant& Index) const { return list_[PositionOf(list_, Index)]; }
+
+Ref<Collection> Campos::Claves() const { return KeysOf(list_); }
+
+Ref<Enumerador> Campos::NewEnum() { return Make<Enumerador>(list_, Hold<Object>(*this)); }
 
 void Campos::Remove(const Variant& Index) {
   const std::size_t position = PositionOf(list_, Index);

@@ -10,6 +10,8 @@
 namespace tovalin {
 
 class Campos;
+class Collection;
+class Enumerador;
 
 /// The data type codes of a Campo.
 enum DataType : std::int32_t {
@@ -120,6 +122,11 @@ class TOVALIN_API Campos : public Object {
   Ref<Campo> Item(const Variant& Index) const;
   void Remove(const Variant& Index);
   std::int32_t Count() const { return static_cast<std::int32_t>(list_.Size()); }
+
+  /// The names under which the records stand, in their order.
+  Ref<Collection> Claves() const;
+  /// A walk over the records for late-bound hosts, which call it _NewEnum.
+  Ref<Enumerador> NewEnum();
 
   /// The comma-joined names that belong to the system.
   const Text& SystemList() const { return system_list_; }

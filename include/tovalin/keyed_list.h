@@ -54,6 +54,15 @@ class KeyedList {
     /// A copy of the item: it stays valid whatever happens to the list. Empty
     /// when the present item was removed.
     T operator*() const { return AtEnd() || state_.removed ? T() : list_->items_[state_.position]; }
+    /// The key of the item, empty without one.
+    TextView Key() const {
+      return AtEnd() || state_.removed ? TextView() : list_->Key(state_.position);
+    }
+    /// Back to the first item.
+    void Restart() {
+      state_.position = 0;
+      state_.removed = false;
+    }
     Cursor& operator++() {
       if (!state_.removed) ++state_.position;
       state_.removed = false;
