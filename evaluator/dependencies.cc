@@ -33,13 +33,14 @@ void DependencyIndex::Refresh() {
 const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {
   Mentions& mentions = mentions_[&record];
   if (mentions.formula == record.Formula()) return mentions.names;
-  mentions.formula = record.Formula();
+  mentions.formula.clear();
   mentions.names.clear();
   const TokenList list = plans_.Tokens(record.Formula());
   for (const Token& token : list.tokens) {
     if (token.kind != TokenKind::Name) continue;
     mentions.names.emplace_back(NameOf(list, token));
   }
+  mentions.formula = record.Formula();  // once the names are complete
   return mentions.names;
 }
 

@@ -48,6 +48,7 @@ Engine::Outcome BottomOf(ValueStack& stack) {
 struct Engine::Level {
   Level(Engine& engine, Plan& plan) : engine(engine), plan(plan) {
     if (engine.depth_ > kDeepest) Raise(Failure::OutOfStack);
+    CheckStack();
     if (engine.stacks_.size() == engine.walks_) engine.stacks_.emplace_back();
     stack = &engine.stacks_[engine.walks_++];
     ++engine.depth_;

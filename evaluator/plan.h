@@ -111,8 +111,8 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols, co
 /// Looks the names of `plan` up again from item `from` on, as the tables are now.
 void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals);
 
-/// Gives the constants of a plan the values that they have now. Whether the
-/// postfix text is another one then.
-bool BindConstants(Plan& plan);
+/// Gives the constants of a plan the values that they have now. Where the postfix text
+/// is another one then, what the trace shows has to be made again.
+void BindConstants(Plan& plan);
 
 }  // namespace tovalin

@@ -53,7 +53,7 @@ Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   Ref<Plan> plan = Ref<Plan>::Share(cache_.Find(formula, hash));
   if (plan && plan->MayRun(stamp)) {
     plan->came_again = true;
-    if (plan->has_constants && BindConstants(*plan)) plan->trace_edition = 0;
+    if (plan->has_constants) BindConstants(*plan);
     return plan;
   }
   // A plan that is being walked keeps the constants that it was converted with.

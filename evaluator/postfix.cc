@@ -26,14 +26,14 @@ Text TextOrEmpty(const Variant& value) {
 
 // Whether the item's text is another one than before.
 bool BindConstant(HeldValue& held) {
-  const bool was_quoted = std::exchange(held.is_quoted, IsTextConstant(*held.constant));
-  if (!held.is_quoted) {
+  if (!IsTextConstant(*held.constant)) {
     held.value = held.constant->Value();
-    return was_quoted;
+    return std::exchange(held.is_quoted, false);
   }
   Variant text = TextOrEmpty(held.constant->Value());
-  const bool same = was_quoted && held.value.AsText() == text.AsText();
+  const bool same = held.is_quoted && held.value.AsText() == text.AsText();
   if (!same) held.value = std::move(text);
+  held.is_quoted = true;
   return !same;
 }
 
@@ -296,11 +296,9 @@ void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const C
   }
 }
 
-bool BindConstants(Plan& plan) {
-  bool changed = false;
+void BindConstants(Plan& plan) {
   for (HeldValue& held : plan.held)
-    if (held.constant) changed |= BindConstant(held);
-  return changed;
+    if (held.constant && BindConstant(held)) plan.trace_edition = 0;
 }
 
 }  // namespace tovalin

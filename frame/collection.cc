@@ -1,6 +1,7 @@
 #include "tovalin/collection.h"
 
 #include "frame/deep_release.h"
+#include "frame/guarded.h"
 #include "frame/keys.h"
 #include "frame/positions.h"
 #include "tovalin/dispatch.h"
@@ -30,21 +31,27 @@ Collection::~Collection() { DeepRelease().TakeAll(list_.Items()); }
 
 void Collection::Add(const Variant& Item, const Variant& Key, const Variant& Before,
                      const Variant& After) {
-  const std::size_t position = InsertionPosition(list_, Before, After);
-  if (Key.IsMissing()) {
-    list_.Insert(position, Item.Value(), nullptr);
-    return;
-  }
-  if (!Key.Is(Subtype::String)) Raise(Failure::TypeMismatch);
-  const TextView key = Key.Value().AsText();
-  list_.Insert(position, Item.Value(), &key);
+  RaisingErrors([&] {
+    const std::size_t position = InsertionPosition(list_, Before, After);
+    if (Key.IsMissing()) {
+      list_.Insert(position, Item.Value(), nullptr);
+      return;
+    }
+    if (!Key.Is(Subtype::String)) Raise(Failure::TypeMismatch);
+    const TextView key = Key.Value().AsText();
+    list_.Insert(position, Item.Value(), &key);
+  });
 }
 
 Variant Collection::Item(const Variant& Index) const { return list_[PositionOf(list_, Index)]; }
 
-Ref<Collection> Collection::Claves() const { return KeysOf(list_); }
+Ref<Collection> Collection::Claves() const {
+  return RaisingErrors([&] { return KeysOf(list_); });
+}
 
-Ref<Enumerador> Collection::NewEnum() { return Make<Enumerador>(list_, Hold<Object>(*this)); }
+Ref<Enumerador> Collection::NewEnum() {
+  return RaisingErrors([&] { return Make<Enumerador>(list_, Hold<Object>(*this)); });
+}
 
 void Collection::Remove(const Variant& Index) { list_.Remove(PositionOf(list_, Index)); }
 

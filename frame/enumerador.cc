@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "frame/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {
@@ -44,8 +45,10 @@ bool Enumerador::Siguiente(Variant& rElemento) {
 }
 
 Text Enumerador::Clave() const {
-  if (place_ != Place::AtItem) return {};
-  return std::visit([](const auto& cursor) { return Text(cursor.Key()); }, cursor_);
+  return RaisingErrors([&] {
+    if (place_ != Place::AtItem) return Text();
+    return std::visit([](const auto& cursor) { return Text(cursor.Key()); }, cursor_);
+  });
 }
 
 void Enumerador::Reiniciar() { place_ = Place::BeforeFirst; }

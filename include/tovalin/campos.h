@@ -61,17 +61,17 @@ class TOVALIN_API Campo : public Object {
   const Variant& Value() const { return value_; }
   void LetValue(const Variant& Value);
   const Text& Description() const { return description_; }
-  void LetDescription(const Text& Description) { description_ = Description; }
+  void LetDescription(const Text& Description);
   /// The formula that gives a formula variable its value, empty for any other.
   const Text& Formula() const { return formula_; }
   void LetFormula(const Text& Formula);
   bool HasFormula() const { return has_formula_; }
   /// The bare word of a function.
   const Text& SourceName() const { return source_name_; }
-  void LetSourceName(const Text& SourceName) { source_name_ = SourceName; }
+  void LetSourceName(const Text& SourceName);
   /// The help syntax of a function.
   const Text& Sintax() const { return sintax_; }
-  void LetSintax(const Text& Sintax) { sintax_ = Sintax; }
+  void LetSintax(const Text& Sintax);
   const Variant& Direction() const { return direction_; }
   void LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
   std::int32_t Status() const { return status_; }
@@ -130,7 +130,7 @@ class TOVALIN_API Campos : public Object {
 
   /// The comma-joined names that belong to the system.
   const Text& SystemList() const { return system_list_; }
-  void LetSystemList(const Text& SystemList) { system_list_ = SystemList; }
+  void LetSystemList(const Text& SystemList);
 
   bool IsSystem(TextView name) const;
 
