@@ -74,7 +74,7 @@ Text LibGeneral::LetTag(TextView vstrTag, std::uint8_t vbytIndice, TextView vstr
 }
 
 Variant LibGeneral::Separador() const {
-  return RaisingErrors([&] { return Text(1, separator_); });
+  return RaisingErrors([&] { return Variant(Text(1, separator_)); });
 }
 
 void LibGeneral::LetSeparador(const Variant& NewValue) {
