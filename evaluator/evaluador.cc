@@ -145,8 +145,8 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
     if (!recent && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
     Engine::Calculation calculation(core_->engine, locals);
     Engine::Outcome outcome = core_->Walk(calculation, prepared);
+    core_->trace.End(prepared.plan, prepared.Expression(), outcome.value.Value(), outcome.left);
     Result.Assign(std::move(outcome.value));
-    core_->trace.End(prepared.plan, prepared.Expression(), Result.Value(), outcome.left);
     return true;
   });
 }

@@ -141,10 +141,12 @@ void Evaluador::RemoveVble(const Text& Index) {
 
 // Deliberately one name and no list, unlike RemoveVble.
 void Evaluador::RemoveConts(const Text& Index) {
-  const Campos& constants = *core_->symbols.constants;
-  if (constants.Find(Index) && constants.IsSystem(Index))
-    RaiseOwn(u"Evaluador", u"No se puede eliminar una constante del sistema");
-  core_->symbols.constants->Remove(Index);
+  RaisingErrors([&] {
+    const Campos& constants = *core_->symbols.constants;
+    if (constants.Find(Index) && constants.IsSystem(Index))
+      RaiseOwn(u"Evaluador", u"No se puede eliminar una constante del sistema");
+    core_->symbols.constants->Remove(Index);
+  });
 }
 
 void Evaluador::ClearVbles() {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -8,6 +9,7 @@
 
 #include "tests/evaluator/formula_host.h"
 #include "tovalin/cls_file_export.h"
+#include "tovalin/dispatch.h"
 #include "tovalin/enumerador.h"
 #include "tovalin/factory.h"
 #include "tovalin/lib_fecha.h"
@@ -99,7 +101,8 @@ struct Fixture {
     list->Add(u"uno", u"Clave uno, que es larga");
     list->Add(u"dos");
     for (const char16_t* token : {u"A", u"&", u"'"}) tokens->Add(token);
-    formula = host.evaluator->Preparar(u"A * 2 & X & ComodinLike");
+    Text faulty = u"@Quien + * 'abc";
+    host.evaluator->CheckInfijo(faulty);
   }
 
   // Everything that the rows may change, as text.
@@ -128,7 +131,7 @@ struct Fixture {
   }
 
   FormulaHost host;
-  Ref<Formula> formula;
+  Ref<Formula> formula = host.evaluator->Preparar(u"@A * 2 & X & ComodinLike");
   Ref<Campo> record = Make<Campo>(u"Otro");
   Ref<Collection> list = Make<Collection>();
   Ref<Collection> tokens = Make<Collection>();
@@ -212,8 +215,9 @@ const Row kRows[] = {
     {"EvaluatePosfijo that raises",
      [](Fixture& f) { f.host.evaluator->EvaluatePosfijo(V(u"A * X + B"), f.result); }},
     {"EvaluatePosfijo with a fault",
+     [](Fixture& f) { f.host.evaluator->EvaluatePosfijo(V(u"@Quien + * 'abc"), f.result); }},
+    {"LastError",
      [](Fixture& f) {
-       f.host.evaluator->EvaluatePosfijo(V(u"@Quien + * 'abc"), f.result);
        f.host.evaluator->LastError();
        f.host.evaluator->Errores();
      }},
@@ -227,8 +231,8 @@ const Row kRows[] = {
        formula->Posfijo();
        formula->Variables();
        formula->Errores();
-       formula->Evaluar(f.result);
      }},
+    {"Formula.Evaluar", [](Fixture& f) { f.formula->Evaluar(f.result); }},
     {"Names",
      [](Fixture& f) {
        f.host.evaluator->ReplaceExpresion(T(u"@Salario Base * 2 + @A + 'texto'"));
@@ -336,6 +340,122 @@ TEST(OutOfMemory, IsErrorSevenAndChangesNothing) {
     const std::string expected = model.State();
     for (const bool all_behind : {false, true}) FailEachAllocation(row, all_behind, done, expected);
   }
+}
+
+// Rows that were computed are kept, whatever becomes of the others.
+TEST(OutOfMemory, KeepsTheRowsOfATable) {
+  constexpr std::size_t kRowCount = 150;
+  std::vector<Variant> names(kRowCount);
+  for (std::size_t i = 0; i < kRowCount; ++i)
+    names[i] = u"un nombre largo, el número " + FromUtf8(std::to_string(i));
+  for (const TextView text : {u"X & '-' & LEN( X ) & FORMAT( A , '0.00' )", u"SUMA( A , X ) & X"}) {
+    Fixture fixture;
+    const Ref<Formula> formula = fixture.host.evaluator->Preparar(Text(text));
+    const std::array<Formula::Column, 1> columns{{{u"X", std::span<const Variant>(names)}}};
+    std::vector<Variant> expected(kRowCount);
+    ASSERT_TRUE(formula->EvaluarTabla(columns, kRowCount, std::span(expected)).empty());
+    std::size_t failures = 0;
+    for (std::size_t n = 1;; n += 1 + n / 16) {
+      std::vector<Variant> results(kRowCount);
+      std::vector<Formula::RowError> errors;
+      const Attempt attempt = RunFailing(n, false, [&] {
+        errors = formula->EvaluarTabla(columns, kRowCount, std::span(results));
+      });
+      if (!attempt.failed) break;
+      EXPECT_LE(errors.size(), 1u) << n;
+      for (const Formula::RowError& error : errors) {
+        EXPECT_EQ(error.error.number, 7);
+        EXPECT_TRUE(results[error.row].Is(Subtype::Empty));
+        results[error.row] = expected[error.row];
+      }
+      failures += errors.size();
+      if (attempt.outcome == "done")
+        for (std::size_t i = 0; i < kRowCount; ++i)
+          ASSERT_EQ(ToText(results[i]), ToText(expected[i])) << n << ' ' << i;
+      else
+        ASSERT_EQ(attempt.outcome, "Error 7") << n;
+      ASSERT_EQ(fixture.host.Evaluate(u"X"), "String Contabilidad") << n;
+    }
+    EXPECT_GT(failures, 20u);
+  }
+}
+
+TEST(OutOfMemory, KeepsTheFormulasOfABatch) {
+  const std::vector<Text> formulas{u"A * 2 + B", u"X & '-' & Codigo & ' y una cola larga'",
+                                   u"Cuadruple & 1", u"@Quien + 1",
+                                   u"FORMAT( A , '#,##0.00' ) & X"};
+  const auto show = [](const Evaluador::Outcome& outcome) {
+    return outcome.error ? "Error " + std::to_string(outcome.error->number)
+                         : FormulaHost::Show(outcome.value) + ToUtf8(outcome.faults);
+  };
+  Fixture model;
+  std::vector<Evaluador::Outcome> expected(formulas.size());
+  model.host.evaluator->EvaluateBatch(formulas, expected);
+  for (std::size_t n = 1;; ++n) {
+    Fixture fixture;
+    std::vector<Evaluador::Outcome> outcomes(formulas.size());
+    const Attempt attempt =
+        RunFailing(n, false, [&] { fixture.host.evaluator->EvaluateBatch(formulas, outcomes); });
+    ASSERT_EQ(attempt.outcome, "done") << n;
+    std::size_t failures = 0;
+    for (std::size_t i = 0; i < formulas.size(); ++i) {
+      const std::string shown = show(outcomes[i]);
+      if (shown != show(expected[i])) {
+        EXPECT_EQ(shown, "Error 7") << n << ' ' << i;
+        ++failures;
+      }
+    }
+    EXPECT_LE(failures, 1u) << n;
+    if (!attempt.failed) break;
+  }
+}
+
+Variant ArgumentFor(const ParameterInfo& parameter) {
+  switch (parameter.type.subtype) {
+    case Subtype::String:
+      return V(u"un texto que no cabe en sí mismo");
+    case Subtype::Object:
+      if (parameter.type.class_name == u"Campo") return Make<Campo>(u"Un registro");
+      if (parameter.type.class_name == u"Campos") return Make<Campos>();
+      if (parameter.type.class_name == u"Collection") return Make<Collection>();
+      return Ref<Object>();
+    case Subtype::Variant:
+      return V(u"12");
+    default:
+      return std::int32_t{1};
+  }
+}
+
+// A late-bound call throws nothing at all.
+TEST(OutOfMemory, IsAnsweredByEveryLateBoundCall) {
+  for (const ClassInfo* info : Classes())
+    for (const MemberInfo& member : info->members) {
+      const std::string where = ToUtf8(info->name) + "." + ToUtf8(member.name);
+      if (where == "LibFile.Ejecutar" || where == "clsFileExport.GenerarArchivoPlanoDesdeBD")
+        continue;
+      const Ref<Object> object = CreateObject(info->name);
+      if (const auto evaluator = object.As<Evaluador>()) evaluator->UseSettings(Make<NoSettings>());
+      std::vector<Variant> given;
+      for (const ParameterInfo& parameter : member.Parameters())
+        given.push_back(ArgumentFor(parameter));
+      const auto call = [&](std::size_t n, bool all_behind) {
+        std::vector<Variant> arguments = given;
+        std::int32_t number = 0;
+        Variant result;
+        Attempt attempt = RunFailing(n, all_behind, [&] {
+          const auto error = Invoke(*object, member, arguments, result);
+          number = error ? error->number : 0;
+        });
+        if (number != 0) attempt.outcome += " " + std::to_string(number);
+        return attempt;
+      };
+      for (const bool all_behind : {false, true})
+        for (std::size_t n = 1; n < 2000; ++n) {
+          const Attempt attempt = call(n, all_behind);
+          if (!attempt.failed) break;
+          EXPECT_TRUE(attempt.outcome.starts_with("done")) << where << ' ' << attempt.outcome;
+        }
+    }
 }
 
 }  // namespace
