@@ -376,7 +376,8 @@ TEST(OutOfMemory, KeepsTheRowsOfATable) {
         ASSERT_EQ(attempt.outcome, "Error 7") << n;
       ASSERT_EQ(fixture.host.Evaluate(u"X"), "String Contabilidad") << n;
     }
-    EXPECT_GT(failures, 20u);
+    // By columns, rows whose memory ran out are computed once more, one by one.
+    EXPECT_EQ(failures > 0, text.starts_with(u"SUMA"));
   }
 }
 
