@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "evaluator/formula_chain.h"
+#include "evaluator/references.h"
 #include "frame/clock.h"
 #include "frame/temporarily.h"
 #include "tovalin/convert.h"
@@ -15,7 +16,7 @@ namespace {
 // The most values that a built-in function pops.
 constexpr std::size_t kMostPops = 4;
 
-// Whether a formula has to be changed before it is read. Without a branch for each
+// Whether a formula is not what the trace shows or the plan holds. Without a branch for each
 // character, so that the compiler takes many at once.
 bool HasSpecial(const Text& formula) {
   unsigned special = 0;
@@ -47,6 +48,7 @@ Engine::Outcome BottomOf(ValueStack& stack) {
 struct Engine::Level {
   Level(Engine& engine, Plan& plan) : engine(engine), plan(plan) {
     if (engine.depth_ > kDeepest) Raise(Failure::OutOfStack);
+    CheckStack();
     if (engine.stacks_.size() == engine.walks_) engine.stacks_.emplace_back();
     stack = &engine.stacks_[engine.walks_++];
     ++engine.depth_;
@@ -150,10 +152,10 @@ Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals)
   if (!HasSpecial(formula)) {
     prepared.plan = plans_.Get(formula, locals);
   } else {
-    Text replaced = ReplaceReferences(formula, locals.get());
-    prepared.expression = replaced;
-    StripCarriageReturns(replaced);
-    prepared.plan = plans_.Get(replaced, locals);
+    Text text = formula;
+    StripCarriageReturns(text);
+    prepared.plan = plans_.Get(text, locals);
+    prepared.expression = WithoutAtSigns(formula, prepared.plan->at_signs);
   }
   const Plan& plan = *prepared.plan;
   if (plan.faults) reports_.push_back({formula, plan.text, plan.Faults()});
@@ -161,9 +163,16 @@ Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals)
 }
 
 Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
-  Text replaced = ReplaceReferences(formula, locals.get());
-  StripCarriageReturns(replaced);
-  return plans_.Make(replaced, locals);
+  Text text = formula;
+  StripCarriageReturns(text);
+  return plans_.Make(text, locals);
+}
+
+Text Engine::ReplaceReferences(const Text& formula, const Campos* locals) {
+  TokenList list = plans_.Tokens(formula);
+  for (Token& token : list.tokens)
+    if (token.kind == TokenKind::Name) ResolveOperand(list, token, symbols_, locals);
+  return WithoutAtSigns(formula, list.at_signs);
 }
 
 void Engine::DropReports() { reports_.clear(); }

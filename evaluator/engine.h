@@ -91,7 +91,7 @@ class Engine {
   /// no formula variable and calls no handler, and so needs no Calculation.
   static std::optional<Outcome> RunNumeric(const Plan& plan);
 
-  /// Looks up or makes the plan of a formula text, "@Name" replaced.
+  /// Looks up or makes the plan of a formula text.
   Prepared Prepare(const Text& formula, const Ref<Campos>& locals);
   /// The same for a text that a host may hand in again and again.
   Prepared Prepare(SharedText& formula, const Ref<Campos>& locals);
@@ -100,7 +100,7 @@ class Engine {
   const Ref<Plan>* Recent(const SharedText& formula, const Campos* locals) const;
   /// The same for a plan of its own, which the plan store does not keep.
   Ref<Plan> PrepareApart(const Text& formula, const Ref<Campos>& locals);
-  Text ReplaceReferences(const Text& formula, const Campos* locals) const;
+  Text ReplaceReferences(const Text& formula, const Campos* locals);
 
   std::vector<FaultReport>& Reports() { return reports_; }
   void ForgetReports() {

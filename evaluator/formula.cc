@@ -4,6 +4,7 @@
 
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
+#include "frame/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {
@@ -52,40 +53,50 @@ Engine::Outcome Formula::Core::Walk() {
 
 void Formula::Core::WalkInto(Variant& result) { result.Assign(Walk().value); }
 
-Text Formula::Texto() const { return core_->FormulaText(); }
+Text Formula::Texto() const {
+  return RaisingErrors([&] { return core_->FormulaText(); });
+}
 
-Text Formula::Posfijo() const { return PostfixText(*core_->Current()); }
+Text Formula::Posfijo() const {
+  return RaisingErrors([&] { return PostfixText(*core_->Current()); });
+}
 
 Ref<Collection> Formula::Variables() const {
-  const Ref<Plan> plan = core_->Current();
-  auto names = Make<Collection>();
-  for (const Item& item : plan->items) {
-    if (item.kind != ItemKind::Variable) continue;
-    const Variant name(item.record->Name());
-    if (names->List().Find(item.record->Name()) == KeyedList<Variant>::kNotFound)
-      names->Add(name, name);
-  }
-  return names;
+  return RaisingErrors([&] {
+    const Ref<Plan> plan = core_->Current();
+    auto names = Make<Collection>();
+    for (const Item& item : plan->items) {
+      if (item.kind != ItemKind::Variable) continue;
+      const Variant name(item.record->Name());
+      if (names->List().Find(item.record->Name()) == KeyedList<Variant>::kNotFound)
+        names->Add(name, name);
+    }
+    return names;
+  });
 }
 
 Ref<Collection> Formula::Errores() const {
-  const Ref<Plan> plan = core_->Current();
-  auto records = Make<Collection>();
-  AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->Faults()});
-  return records;
+  return RaisingErrors([&] {
+    const Ref<Plan> plan = core_->Current();
+    auto records = Make<Collection>();
+    AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->Faults()});
+    return records;
+  });
 }
 
 // Nothing but the number moves on the road of most formulas.
 bool Formula::Evaluar(Variant& Result) {
-  const NumericProgram& numeric = core_->Current()->numeric;
-  const double number = numeric.Run();
-  if (std::isnan(number)) {
-    core_->WalkInto(Result);
-  } else {
-    core_->Host().engine.ForgetReports();
-    Result.Assign(numeric.ResultOf(number));
-  }
-  return true;
+  return RaisingErrors([&] {
+    const NumericProgram& numeric = core_->Current()->numeric;
+    const double number = numeric.Run();
+    if (std::isnan(number)) {
+      core_->WalkInto(Result);
+    } else {
+      core_->Host().engine.ForgetReports();
+      Result.Assign(numeric.ResultOf(number));
+    }
+    return true;
+  });
 }
 
 }  // namespace tovalin

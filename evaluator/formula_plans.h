@@ -36,9 +36,16 @@ class FormulaPlans {
     return record.plan_place_ < entries_.size() && entries_[record.plan_place_].record == &record;
   }
   void Place(Campo& record) {
-    const auto next = static_cast<std::uint32_t>(entries_.size());
-    record.plan_place_ = places_.try_emplace(&record, next).first->second;
-    if (record.plan_place_ == next) entries_.push_back({&record, nullptr});
+    const auto found = places_.find(&record);
+    if (found != places_.end()) {
+      record.plan_place_ = found->second;
+      return;
+    }
+    // The entry first: a place without one would be taken for that of another record.
+    entries_.push_back({&record, nullptr});
+    const auto place = static_cast<std::uint32_t>(entries_.size() - 1);
+    places_.emplace(&record, place);
+    record.plan_place_ = place;
   }
 
   std::vector<Entry> entries_;

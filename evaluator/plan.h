@@ -72,8 +72,9 @@ struct Plan {
   std::vector<Item> items;
   std::unique_ptr<std::vector<Fault>> faults;  // null without any; with any, there are no items
   std::vector<HeldValue> held;
-  Ref<Campos> locals;  // pins the address in the stamp
-  Text text;           // the formula, without carriage returns
+  std::vector<std::uint32_t> at_signs;  // as in the TokenList
+  Ref<Campos> locals;                   // pins the address in the stamp
+  Text text;                            // the formula, without carriage returns
   // The postfix text that the trace shows: made when it is first shown, which gives it
   // an edition other than 0, and again when a constant has changed it.
   Text trace_postfix;
@@ -110,8 +111,8 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols, co
 /// Looks the names of `plan` up again from item `from` on, as the tables are now.
 void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals);
 
-/// Gives the constants of a plan the values that they have now. Whether the
-/// postfix text is another one then.
-bool BindConstants(Plan& plan);
+/// Gives the constants of a plan the values that they have now. Where the postfix text
+/// is another one then, what the trace shows has to be made again.
+void BindConstants(Plan& plan);
 
 }  // namespace tovalin

@@ -25,14 +25,14 @@ Text TextOrEmpty(const Variant& value) {
 
 // Whether the item's text is another one than before.
 bool BindConstant(HeldValue& held) {
-  const bool was_quoted = std::exchange(held.is_quoted, IsTextConstant(*held.constant));
-  if (!held.is_quoted) {
+  if (!IsTextConstant(*held.constant)) {
     held.value = held.constant->Value();
-    return was_quoted;
+    return std::exchange(held.is_quoted, false);
   }
   Variant text = TextOrEmpty(held.constant->Value());
-  const bool same = was_quoted && held.value.AsText() == text.AsText();
+  const bool same = held.is_quoted && held.value.AsText() == text.AsText();
   if (!same) held.value = std::move(text);
+  held.is_quoted = true;
   return !same;
 }
 
@@ -155,6 +155,9 @@ class Converter {
       case TokenKind::Literal:
         SetLiteral(plan_, item, list_.Span(token));
         break;
+      case TokenKind::Value:
+        SetHeld(plan_, item, ItemKind::Value, {token.value->Value()});
+        break;
       case TokenKind::Operator:
         SetOperator(item, *token.record, token.operator_code);
         break;
@@ -243,12 +246,13 @@ void AppendPostfixText(Text& text, const Plan& plan) {
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
   for (const Item& item : plan.items) {
-    if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted) {
+    if (item.kind == ItemKind::Value)
+      items->List().Append(plan.ValueOf(item));
+    else if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted)
       // A copy, so that a later change of the constant is not seen.
       items->List().Append(plan.held[item.held].constant->Copy());
-      continue;
-    }
-    items->List().Append(ItemText(plan, item));
+    else
+      items->List().Append(ItemText(plan, item));
   }
   return items;
 }
@@ -279,11 +283,9 @@ void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const C
   }
 }
 
-bool BindConstants(Plan& plan) {
-  bool changed = false;
+void BindConstants(Plan& plan) {
   for (HeldValue& held : plan.held)
-    if (held.constant) changed |= BindConstant(held);
-  return changed;
+    if (held.constant && BindConstant(held)) plan.trace_edition = 0;
 }
 
 }  // namespace tovalin

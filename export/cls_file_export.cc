@@ -54,14 +54,17 @@ void clsFileExport::LetPrecision(const Variant& vPrecision, std::uint8_t) const 
 }
 
 void clsFileExport::LetOrdenFechas(const Text& NewValue) {
-  const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
-  const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
-  date_order_ = order.code;
-  date_pattern_.clear();
-  for (const TextView part : order.parts) {
-    if (!date_pattern_.empty()) date_pattern_ += date_separator_;
-    date_pattern_ += part == kYear ? year_ : part;
-  }
+  RaisingErrors([&] {
+    const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
+    const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
+    Text pattern;
+    for (const TextView part : order.parts) {
+      if (!pattern.empty()) pattern += date_separator_;
+      pattern += part == kYear ? year_ : part;
+    }
+    date_order_ = order.code;
+    date_pattern_ = std::move(pattern);
+  });
 }
 
 // The host's clock may change or drop everything that the host gave, this object too.

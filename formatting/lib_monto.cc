@@ -1,6 +1,7 @@
 #include "tovalin/lib_monto.h"
 
 #include "formatting/words.h"
+#include "frame/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {
@@ -17,6 +18,8 @@ constexpr ClassInfo kClass{LibMonto::kClassName, kMembers};
 
 const ClassInfo& LibMonto::Class() const { return kClass; }
 
-Text LibMonto::MontoEscrito(double pdblValor) const { return tovalin::MontoEscrito(pdblValor); }
+Text LibMonto::MontoEscrito(double pdblValor) const {
+  return RaisingErrors([&] { return tovalin::MontoEscrito(pdblValor); });
+}
 
 }  // namespace tovalin

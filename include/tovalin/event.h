@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tovalin/api.h"
+#include "tovalin/error.h"
 
 namespace tovalin {
 
@@ -14,7 +15,7 @@ namespace tovalin {
 /// A handler may attach and detach handlers, itself included: one attached while
 /// the event is raised is first called the next time, one detached is not called
 /// any more. An error thrown by a handler leaves the others uncalled and reaches
-/// the raiser.
+/// the raiser. Raising raises 28 where little is left of the stack.
 template <class... Arguments>
 class Event {
  public:
@@ -36,6 +37,7 @@ class Event {
   bool HasHandlers() const { return !handlers_.empty(); }
 
   void Raise(Arguments... arguments) {
+    CheckStack();
     Raising raising(*this);
     // A deque keeps its entries in place while handlers attach others.
     const std::size_t count = handlers_.size();

@@ -129,7 +129,7 @@ class TOVALIN_API LibGeneral : public Object {
 
   /// The application under which layouts are kept; empty at first.
   const Text& Aplicacion() const { return application_; }
-  void LetAplicacion(const Text& NewValue) { application_ = NewValue; }
+  void LetAplicacion(const Text& NewValue);
 
   /// Saves the layout of a control under `Section` and `Key`. A form is saved in
   /// its normal state only. Does nothing when `gbolCUI` is false. Raises nothing.

@@ -8,6 +8,7 @@
 #include "tovalin/control.h"
 #include "tovalin/convert.h"
 #include "tovalin/dispatch.h"
+#include "tovalin/enumerador.h"
 #include "tovalin/error.h"
 #include "tovalin/evaluador.h"
 #include "tovalin/event.h"

@@ -196,5 +196,41 @@ TEST_F(FormulaVariables, AreNamedByTheirReaders) {
             "A+@Quien & '@A' & \"@B\" & neto");
 }
 
+// One place reads "@": every member sees the same names.
+TEST_F(FormulaVariables, AreNamedBehindAtSignsToo) {
+  struct Row {
+    const char16_t* formula;
+    const char* replaced;
+    const char* names;
+  };
+  const Row rows[] = {
+      {u"@Salario Base * 2", "Salario Base * 2", "Salario Base"},
+      {u"(@salario base)+@A", "(salario base)+A", "Salario Base,A"},
+      {u"B@A + A", "B@A + A", "A"},
+      {u"@A\r\n + @Salario\r Base\r\n", "A\r\n + Salario\r Base\r\n", "A,Salario Base"},
+      {u"'@A' & \"@A\" & @A", "'@A' & \"@A\" & A", "A"},
+      {u"@A B + @@A", "@A B + @@A", ""},
+      {u"'@A", "'@A", "A"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(ToUtf8(host.evaluator->ReplaceExpresion(row.formula)), row.replaced);
+    EXPECT_EQ(FormulaHost::Joined(host.evaluator->VarExpresion(row.formula), ","), row.names);
+    host.Evaluate(row.formula);
+    EXPECT_EQ(host.settings->values["Evaluador/Posfijo/Expresion"], row.replaced);
+  }
+  host.evaluator->AddConstant(u"Tasa Fija", 3.0, u"", kNumeric);
+  EXPECT_EQ(FormulaHost::Joined(host.evaluator->ConstExpresion(u"@Tasa Fija+@A"), ","),
+            "Tasa Fija");
+  auto locals = Make<Campos>();
+  locals->Add(Make<Campo>(u"Mi Local"));
+  EXPECT_EQ(ToUtf8(host.evaluator->ReplaceExpresion(u"@Mi Local+1", &locals)), "Mi Local+1");
+}
+
+TEST_F(FormulaVariables, DependOnNamesBehindAtSignsAndAcrossLines) {
+  AddFormula(u"Doble", u"@Salario Base\r\n * 2");
+  host.evaluator->CalcularDependencias(u"Salario Base");
+  EXPECT_EQ(FormulaHost::Show(host.evaluator->GetVariable(u"Doble", 0.0)), "Double 3000");
+}
+
 }  // namespace
 }  // namespace tovalin

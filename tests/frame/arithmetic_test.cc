@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <new>
 #include <string>
 
 #include "frame/value_notation.h"
@@ -232,6 +233,25 @@ TEST(Arithmetic, Concatenate) {
               {"null", "i:300", "s:300"},
               {"s:", "null", "s:"},
               {"null", "null", "null"}});
+}
+
+// A text of a gigabyte beside itself: what would be too long is not made at all.
+TEST(Arithmetic, ConcatenateRaisesBeyondTheLongestText) {
+  Text text;
+  try {
+    text.reserve(kLongestText / 2 + 1);
+  } catch (const std::bad_alloc&) {
+    GTEST_SKIP() << "too little memory";
+  }
+  text = u"xx";
+  while (text.size() < kLongestText / 2) text.append(text);
+  text.pop_back();
+  text.append(u"yz");
+  Variant half = std::move(text);
+  EXPECT_EQ(half.AsText().size(), kLongestText / 2 + 1);
+  const Variant& again = half;
+  EXPECT_EQ(Outcome([&] { return Concatenate(half, again); }), "!7");
+  EXPECT_EQ(Outcome([&] { return Concatenate(std::move(half), again); }), "!7");
 }
 
 TEST(Arithmetic, NegateAndAbs) {
