@@ -141,11 +141,13 @@ Variant EvaluateItems(FormulaHost& host, const Text& formula) {
   return result;
 }
 
-// The variables as columns of a table with one row.
+// The variables as columns of a table with one row. A column of a local variable's
+// name would be that local one's.
 Variant EvaluateRow(FormulaHost& host, const Text& formula) {
   std::vector<Formula::Column> columns;
   for (const NamedValue& variable : host.variables)
-    columns.push_back({variable.name, std::span(&variable.value, 1)});
+    if (!host.locals->Exists(variable.name))
+      columns.push_back({variable.name, std::span(&variable.value, 1)});
   Variant result;
   const Ref<Formula> prepared = host.evaluator->Preparar(formula, &host.locals);
   const auto failed = prepared->EvaluarTabla(columns, 1, std::span(&result, 1));
@@ -158,7 +160,7 @@ Variant EvaluateNumbers(FormulaHost& host, const Text& formula) {
   std::vector<Formula::Column> columns;
   for (const NamedValue& variable : host.variables) {
     const double* number = variable.value.IfDouble();
-    if (!number) return EvaluateRow(host, formula);
+    if (!number || host.locals->Exists(variable.name)) return EvaluateRow(host, formula);
     columns.push_back({variable.name, std::span(number, 1)});
   }
   const Variant expected = EvaluateRow(host, formula);

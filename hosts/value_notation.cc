@@ -42,11 +42,12 @@ T NumberOf(TextView notation) {
 template <class T>
 Text DigitsOf(T value) {
   char buffer[400];
+  if (value == 0) value = 0;  // the two zeros count as one
   return FromUtf8({buffer, std::to_chars(buffer, std::end(buffer), value).ptr});
 }
 
 // A Double shows its shortest digits, positional as long as a person reads them.
-// The two zeros count as one, and so does whatever is no number.
+// Whatever is no number counts as one.
 Text DoubleDigits(double value) {
   if (std::isnan(value)) return u"nan";
   if (value == 0) return u"0";
