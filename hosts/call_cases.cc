@@ -17,7 +17,7 @@ namespace {
 
 std::function<Date()> ClockOf(const Section& section) {
   for (const TableLine* line : Directives(section, u"!clock"))
-    return [now = ReadNotation(line->cells.at(1)).AsDate()] { return now; };
+    return [now = ToDate(ReadNotation(line->At(1)))] { return now; };
   return {};
 }
 
@@ -61,20 +61,34 @@ Ref<Object> ObjectIn(const Variant& value) {
   return value.AsObject();
 }
 
-// Follows a path such as "Functions(5).SourceName" up to its last member.
+bool TakesArguments(const Object& object, TextView member) {
+  for (MemberKind kind : {MemberKind::Get, MemberKind::Method})
+    if (const MemberInfo* info = object.Class().Find(member, kind))
+      return info->parameter_count > 0;
+  return false;
+}
+
+// Follows a path such as "Functions(5).SourceName" or "Preparar("A + 1").Posfijo" up
+// to its last member.
 TextView LastOfPath(TextView path, Ref<Object>& object) {
   while (true) {
     const std::size_t end = path.find_first_of(u".(");
     if (end == TextView::npos) return path;
-    object = ObjectIn(CallMember(*object, path.substr(0, end), {}));
+    const TextView member = path.substr(0, end);
     if (path[end] == u'.') {
+      object = ObjectIn(CallMember(*object, member, {}));
       path.remove_prefix(end + 1);
       continue;
     }
     const std::size_t closing = path.find(u").", end);
     if (closing == TextView::npos) throw TableFault{"a path ends with a member"};
     Variant index[] = {ReadNotation(path.substr(end + 1, closing - end - 1))};
-    object = ObjectIn(CallMember(*object, u"Item", index));
+    if (TakesArguments(*object, member)) {
+      object = ObjectIn(CallMember(*object, member, index));
+    } else {
+      object = ObjectIn(CallMember(*object, member, {}));
+      object = ObjectIn(CallMember(*object, u"Item", index));
+    }
     path.remove_prefix(closing + 2);
   }
 }
@@ -115,10 +129,10 @@ class TemporaryDirectory {
 Ref<Campos> FieldsOf(const Section& section) {
   auto fields = Make<Campos>();
   for (const TableLine* line : Directives(section, u"!field")) {
-    auto field = Make<Campo>(line->cells.at(1));
-    field->LetDataType(ToLong(ReadNotation(line->cells.at(2))));
-    field->LetSize(ToLong(ReadNotation(line->cells.at(3))));
-    field->LetPosition(ToInteger(ReadNotation(line->cells.at(4))));
+    auto field = Make<Campo>(line->At(1));
+    field->LetDataType(ToLong(ReadNotation(line->At(2))));
+    field->LetSize(ToLong(ReadNotation(line->At(3))));
+    field->LetPosition(ToInteger(ReadNotation(line->At(4))));
     fields->Add(field);
   }
   return fields;

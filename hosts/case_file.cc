@@ -95,6 +95,11 @@ void TakeLine(const std::string& file, TableLine line, std::vector<Section>& sec
 
 }  // namespace
 
+const Text& TableLine::At(std::size_t cell) const {
+  if (cell >= cells.size()) throw TableFault{"a directive wants more cells: " + raw};
+  return cells[cell];
+}
+
 TextView Section::Cell(const TableLine& line, TextView column) const {
   for (const auto& [name, text] : fixed)
     if (name == column) return text;

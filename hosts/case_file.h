@@ -22,6 +22,9 @@ struct TableLine {
   int number = 0;
   std::string raw;  // as it stands in the file
   std::vector<Text> cells;
+
+  /// A cell of a directive. Throws TableFault when there is none.
+  const Text& At(std::size_t cell) const;
 };
 
 struct Section {

@@ -46,8 +46,7 @@ void RequireKnown(const std::vector<TextView>& known, TextView name) {
 // Whether a directive names the locale, of which there is one.
 bool IsLocale(const TableLine& directive) {
   if (directive.cells[0] != u"!locale") return false;
-  if (directive.cells.at(1) != u"fijo")
-    throw TableFault{"no such locale: " + ToUtf8(directive.cells[1])};
+  if (directive.At(1) != u"fijo") throw TableFault{"no such locale: " + ToUtf8(directive.At(1))};
   return true;
 }
 
@@ -98,9 +97,9 @@ std::vector<const TableLine*> Directives(const Section& section, TextView name) 
 
 void AssignProperties(const Section& section, Object& object) {
   for (const TableLine* line : Directives(section, u"!property")) {
-    Variant value[] = {ReadNotation(line->cells.at(2))};
+    Variant value[] = {ReadNotation(line->At(2))};
     Variant none;
-    if (auto error = object.Invoke(line->cells[1], MemberKind::Let, value, none)) throw *error;
+    if (auto error = object.Invoke(line->At(1), MemberKind::Let, value, none)) throw *error;
   }
 }
 

@@ -24,7 +24,7 @@ struct NamedValue {
 std::vector<NamedValue> SymbolsOf(const Case& running, const Text& word) {
   std::vector<NamedValue> symbols;
   for (const TableLine* line : Directives(running.section, u"!" + word))
-    symbols.push_back({line->cells.at(1), ReadNotation(line->cells.at(2))});
+    symbols.push_back({line->At(1), ReadNotation(line->At(2))});
   for (const Text& name : NamesOf(running, word + u" "))
     symbols.push_back({name, ReadNotation(running.Cell(word + u" " + name))});
   return symbols;
@@ -38,7 +38,7 @@ class FormulaHost {
     AddFunctions(running.section);
     AddSymbols(running);
     for (const TableLine* line : Directives(running.section, u"!clock"))
-      evaluator->UseClock([now = ReadNotation(line->cells.at(1)).AsDate()] { return now; });
+      evaluator->UseClock([now = ToDate(ReadNotation(line->At(1)))] { return now; });
     AssignProperties(running.section, *evaluator);
   }
 
@@ -61,7 +61,7 @@ class FormulaHost {
       locals->Add(record);
     }
     for (const TableLine* line : Directives(running.section, u"!formula"))
-      evaluator->AddVble(line->cells.at(1), Variant(), u"", kNumeric, line->cells.at(2));
+      evaluator->AddVble(line->At(1), Variant(), u"", kNumeric, line->At(2));
     for (const Text& name : NamesOf(running, u"formula "))
       evaluator->AddVble(name, Variant(), u"", kNumeric, Text(running.Cell(u"formula " + name)));
   }
@@ -69,7 +69,7 @@ class FormulaHost {
   void AddFunctions(const Section& section) {
     std::vector<HostFunction> answered{{u"ISNULL(", 1}};
     for (const TableLine* line : Directives(section, u"!function")) {
-      const Text& word = line->cells.at(1);
+      const Text& word = line->At(1);
       evaluator->AddFunction(word + u"(", word, u"", u"");
       if (line->cells.size() > 2)
         answered.push_back({word + u"(", ToLong(ReadNotation(line->cells[2]))});

@@ -34,8 +34,6 @@ void RunCase(const CaseKind& kind, Case& running) {
     running.differences.push_back({"the table", "a case", fault.text});
   } catch (const Error& error) {
     running.differences.push_back({"the case", "no error outside of its call", ShowError(error)});
-  } catch (const std::out_of_range&) {
-    running.differences.push_back({"the table", "more cells in a directive", "too few"});
   }
 }
 
@@ -55,15 +53,21 @@ void RunSection(const Section& section, Tally& tally) {
 }
 
 void RunFile(const std::string& path, Tally& tally) {
-  for (const Section& section : ReadSections(path)) {
+  const auto refuse = [&tally](const std::string& what) {
+    ++tally.failed;
+    std::cout << what << '\n';
+  };
+  std::vector<Section> sections;
+  try {
+    sections = ReadSections(path);
+  } catch (const TableFault& fault) {
+    refuse(fault.text);
+  }
+  for (const Section& section : sections) {
     try {
       RunSection(section, tally);
     } catch (const TableFault& fault) {
-      ++tally.failed;
-      std::cout << path << ':' << section.head.number << ": " << fault.text << '\n';
-    } catch (const std::out_of_range&) {
-      ++tally.failed;
-      std::cout << path << ':' << section.head.number << ": a directive wants more cells\n";
+      refuse(path + ":" + std::to_string(section.head.number) + ": " + fault.text);
     }
   }
 }
@@ -93,15 +97,11 @@ std::vector<std::string> FilesOf(const std::string& path) {
 int RunSelftest(std::vector<std::string> paths) {
   if (paths.empty()) paths.push_back(DefaultDirectory());
   Tally tally;
-  for (const std::string& path : paths)
-    for (const std::string& file : FilesOf(path)) {
-      try {
-        RunFile(file, tally);
-      } catch (const TableFault& fault) {
-        ++tally.failed;
-        std::cout << fault.text << '\n';
-      }
-    }
+  for (const std::string& path : paths) {
+    const std::vector<std::string> files = FilesOf(path);
+    if (files.empty()) RaiseAbout(Failure::FileNotFound, path + "/*.tsv");
+    for (const std::string& file : files) RunFile(file, tally);
+  }
   std::cout << tally.passed << " passed, " << tally.failed << " failed\n";
   return tally.failed == 0 ? kDone : kFaults;
 }
