@@ -9,9 +9,9 @@ endforeach()
 add_test(NAME tool.follow_trace COMMAND ${CMAKE_CURRENT_LIST_DIR}/follow_trace.sh
                                         $<TARGET_FILE:tovalin_tool>)
 list(APPEND tool_tests tool.follow_trace)
-add_test(NAME tool.selftest COMMAND $<TARGET_FILE:tovalin_tool> selftest
+add_test(NAME tool.conformance COMMAND $<TARGET_FILE:tovalin_tool> selftest
                                     ${PROJECT_SOURCE_DIR}/tests/conformance)
-list(APPEND tool_tests tool.selftest)
+list(APPEND tool_tests tool.conformance)
 # The sanitizers keep freed memory, so their figures say nothing.
 if(NOT TOVALIN_SANITIZE)
   add_test(NAME tool.table_memory COMMAND ${CMAKE_CURRENT_LIST_DIR}/table_memory.sh
