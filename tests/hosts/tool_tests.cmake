@@ -20,3 +20,6 @@ if(NOT TOVALIN_SANITIZE)
 endif()
 set_tests_properties(${tool_tests} PROPERTIES TIMEOUT 120 ENVIRONMENT
                                               XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config)
+# Each of some thousand formulas is computed in six ways: minutes, under sanitizers
+# on a busy machine.
+set_tests_properties(tool.conformance PROPERTIES TIMEOUT 600)
