@@ -74,8 +74,9 @@ void Campo::LetName(const Text& Name) {
   for (Campos* table : tables_) ++table->version_;
 }
 
+// What is replaced goes last: its destructor may lead back here, and let go of the record.
 void Campo::LetValue(const Variant& Value) {
-  value_ = Value.Value();
+  const Variant former = std::exchange(value_, Value.Value());
   for (Campos* table : tables_) ++table->values_version_;
 }
 
@@ -85,7 +86,9 @@ void Campo::LetFormula(const Text& Formula) {
   for (Campos* table : tables_) ++table->version_;
 }
 
-Campo::~Campo() { DeepRelease().Take(value_); }
+void Campo::LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
+
+Campo::~Campo() { DeepRelease().TakeValues(*this); }
 
 Campos::~Campos() {
   for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
@@ -104,8 +107,9 @@ Ref<Campo> Campos::Item(const Variant& Index) const { return list_[PositionOf(li
 
 void Campos::Remove(const Variant& Index) {
   const std::size_t position = PositionOf(list_, Index);
+  const Ref<Campo> record = list_[position];  // goes last, and perhaps the table with it
   // A record may stand in the table twice, under an old and a new name.
-  auto& tables = list_[position]->tables_;
+  auto& tables = record->tables_;
   tables.erase(std::find(tables.begin(), tables.end(), this));
   list_.Remove(position);
   ++version_;
