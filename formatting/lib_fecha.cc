@@ -7,7 +7,6 @@
 #include "formatting/dias360.h"
 #include "formatting/duration.h"
 #include "frame/calendar.h"
-#include "frame/clock.h"
 #include "frame/number_text.h"
 #include "frame/patterns.h"
 #include "tovalin/convert.h"
@@ -46,6 +45,7 @@ constexpr Date kMonday{2};
 
 /// Adds the names under "K1", "K2" ... to a collection that has no items.
 void FillOnce(Collection& collection, std::span<const Text> names) {
+  if (collection.Count() > 0) return;  // a host's clock may have asked for it
   for (std::size_t i = 0; i < names.size(); ++i) {
     Text key = u"K";
     AppendNumber(key, static_cast<std::int64_t>(i + 1));
@@ -96,11 +96,14 @@ Ref<Collection> LibFecha::DiasSemana() {
 
 Ref<Collection> LibFecha::MesesDelAno() {
   if (months_->Count() == 0) {
-    const int year = DateOf(clock_ ? clock_() : SystemNow()).year;
+    const Ref<LibFecha> alive = Hold(*this);
+    const Ref<Collection> months = months_;
+    const int year = DateOf(clock_.Now()).year;
     std::array<Text, 12> names;
     for (std::size_t i = 0; i < names.size(); ++i)
       names[i] = Format(DateSerial(year, static_cast<int>(i + 1), 1), u"mmmm");
-    FillOnce(*months_, names);
+    FillOnce(*months, names);
+    return months;
   }
   return months_;
 }

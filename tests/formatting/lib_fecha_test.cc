@@ -150,6 +150,20 @@ TEST(LibFecha, ClockOutsideTheCalendarLeavesNoNames) {
   EXPECT_EQ(fecha.MesesDelAno()->Count(), 12);
 }
 
+TEST(LibFecha, SurvivesAClockThatDropsIt) {
+  auto fecha = Make<LibFecha>();
+  fecha->UseClock([&fecha, moment = DayCount(2024, 2, 29)] {
+    const Date now = moment;
+    fecha->UseClock(nullptr);
+    EXPECT_EQ(fecha->MesesDelAno()->Count(), 12);
+    fecha = nullptr;
+    return now;
+  });
+  LibFecha& target = *fecha;
+  EXPECT_EQ(target.MesesDelAno()->Count(), 12);
+  EXPECT_FALSE(fecha);
+}
+
 TEST(LibFecha, DateTextsOfValues) {
   const LibFecha fecha;
   EXPECT_EQ(ToUtf8(fecha.DateDiffStr(u"15/01/2022", DayCount(2023, 3, 18))),
