@@ -36,6 +36,7 @@ Text LibGeneral::AddNumber(TextView vData, std::int32_t KeyAscii) const {
 void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
                           Ref<Object> rctr) const {
   if (!rctr) return;
+  const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     if (!ostrTextoBarra.empty()) return MsgBar(rctr, ostrTextoBarra);
     if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, separator_));
@@ -43,15 +44,15 @@ void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
 }
 
 Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) const {
+  const Ref<const LibGeneral> alive = Hold(*this);
   const Ref<Object> control = RequireObject(rctrControl);
-  // The services are copied: what they call may put others in their place.
-  CheckAndMark(*control, separator_, HostServices(host_));
+  CheckAndMark(*control, separator_, *Services());
   MsgBar(rctr, {});
   return {};
 }
 
 void LibGeneral::SelectText(Ref<Object> oControl) const {
-  const Ref<Object> control = oControl ? oControl : ActiveControl(HostServices(host_));
+  const Ref<Object> control = oControl ? oControl : ActiveControl(*Services());
   if (control) SelectContents(*control);
 }
 
@@ -103,6 +104,7 @@ bool LibGeneral::Check(const Variant& vvarDato, std::int16_t vintType) const {
 
 void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
   if (!uses_layouts_ || !ctrl) return;
+  const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     const Text layout = LayoutText(*ctrl);
     if (!layout.empty()) Settings()->Save(Text(application_), Section, Key, layout);
@@ -120,8 +122,14 @@ void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object
   if (!layout.empty()) ApplyLayout(*ctrl, layout);
 }
 
+// The former services go last: what they hold may let go of this object.
+void LibGeneral::UseHost(HostServices services) {
+  auto kept = std::make_shared<const HostServices>(std::move(services));
+  host_.swap(kept);
+}
+
 void LibGeneral::MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa) const {
-  ShowOnStatusBar(HostServices(host_), rctr, vstrTexto, vbolPausa);
+  ShowOnStatusBar(*Services(), rctr, vstrTexto, vbolPausa);
 }
 
 }  // namespace tovalin
