@@ -35,7 +35,8 @@ class Evaluador::Core {
   /// plan's text, or null.
   bool RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result);
   /// Walks a plan, with the formula's part of its trace.
-  Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared);
+  Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared,
+                       const Ref<Campos>& locals);
   /// The tokens of a formula text of a host.
   TokenList FormulaTokens(const Text& formula);
 };

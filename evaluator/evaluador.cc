@@ -6,7 +6,6 @@
 #include "evaluator/formula_core.h"
 #include "evaluator/infix_check.h"
 #include "evaluator/tokenizer.h"
-#include "frame/clock.h"
 #include "tovalin/convert.h"
 
 // The members of Evaluador that check, convert and evaluate formulas.
@@ -23,10 +22,7 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
 
 }  // namespace
 
-Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) {
-  core_->link->core = core_.get();
-  UseClock(SystemNow);
-}
+Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) { core_->link->core = core_.get(); }
 
 Evaluador::~Evaluador() { *core_->link = {}; }
 
@@ -105,6 +101,7 @@ std::int32_t Evaluador::PlanesGuardados() const {
 }
 void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
   if (NewValue < 0) Raise(Failure::InvalidArgument);
+  const Ref<Evaluador> alive = Hold(*this);  // a plan that goes may hold an object
   core_->plans.LetCapacity(static_cast<std::size_t>(NewValue));
 }
 
@@ -119,23 +116,30 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 : nullptr;
   if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
   const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
-  if (!recent && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
+  // Where a former plan went, an object in it may have changed the tables.
+  const bool may_run = !recent && core_->engine.IsCurrent(*prepared.plan, locals.get());
+  if (may_run && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
   Engine::Calculation calculation(core_->engine, locals);
-  Engine::Outcome outcome = core_->Walk(calculation, prepared);
+  Engine::Outcome outcome = core_->Walk(calculation, prepared, locals);
+  core_->trace.End(prepared.plan, prepared.Expression(), outcome.value, outcome.left);
   Result.Assign(std::move(outcome.value));
-  core_->trace.End(prepared.plan, prepared.Expression(), Result.Value(), outcome.left);
   return true;
 }
 
 // Where the host's code may run, the formula is in the trace before, in case the host
 // does not survive it; otherwise it can wait for the result, or the error.
 Engine::Outcome Evaluador::Core::Walk(Engine::Calculation& calculation,
-                                      const Engine::Prepared& prepared) {
-  const bool calls_host = prepared.plan->calls_host;
+                                      const Engine::Prepared& prepared, const Ref<Campos>& locals) {
+  Plan& plan = *prepared.plan;
+  const bool calls_host = plan.calls_host;
+  engine.KeepCurrent(plan, locals.get());
   if (calls_host) trace.Begin(prepared.plan, prepared.Expression());
   try {
-    return calculation.Walk(prepared.plan);
+    Engine::Outcome outcome = calculation.Walk(prepared.plan);
+    engine.KeepCurrent(plan, locals.get());
+    return outcome;
   } catch (...) {
+    engine.KeepCurrent(plan, locals.get());
     if (!calls_host) trace.Begin(prepared.plan, prepared.Expression());
     throw;
   }
@@ -167,6 +171,7 @@ Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<C
   const Ref<Collection> items = expression.AsObject().As<Collection>();
   if (!items) Raise(Failure::TypeMismatch);
   auto plan = Make<Plan>();
+  plan->stamp = StampNames(symbols, locals.get());
   for (const Variant& item : items->List().Items())
     AppendHostItem(*plan, item, symbols, locals.get());
   return {plan, Text()};
@@ -179,13 +184,16 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
   std::vector<FaultReport>& reports = core_->engine.Reports();
   reports.clear();
   for (std::size_t i = 0; i < formulas.size(); ++i) {
-    const std::size_t reported = reports.size();
     outcomes[i] = {};
+    const std::size_t reported = reports.size();
     try {
       const Engine::Prepared prepared = core_->engine.Prepare(formulas[i], nullptr);
       const Text* expression = prepared.Expression();
-      std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
-      Engine::Outcome outcome = numeric ? std::move(*numeric) : core_->Walk(calculation, prepared);
+      std::optional<Engine::Outcome> numeric;
+      if (core_->engine.IsCurrent(*prepared.plan, nullptr))
+        numeric = Engine::RunNumeric(*prepared.plan);
+      Engine::Outcome outcome =
+          numeric ? std::move(*numeric) : core_->Walk(calculation, prepared, nullptr);
       core_->trace.End(prepared.plan, expression, outcome.value, outcome.left);
       outcomes[i].value = std::move(outcome.value);
     } catch (const Error& error) {
@@ -212,7 +220,7 @@ void Evaluador::CalcularDependencias(const Text& Name) {
   Engine::Calculation(core_->engine, nullptr).Touch(Ref<Campo>::Share(root));
 }
 
-void Evaluador::UseClock(std::function<Date()> clock) { core_->engine.UseClock(std::move(clock)); }
+void Evaluador::UseClock(HostClock::Function clock) { core_->engine.UseClock(std::move(clock)); }
 
 void Evaluador::UseSettings(Ref<SettingsStore> settings) {
   core_->trace.UseStore(std::move(settings));

@@ -1,6 +1,7 @@
 #include "evaluator/trace.h"
 
 #include <bit>
+#include <utility>
 
 #include "frame/ini_text.h"
 #include "frame/number_text.h"
@@ -54,41 +55,42 @@ void AppendResult(std::string& utf8, const Variant& result) {
 
 Trace::Trace() : section_(kApplication, kSection, kParts, Keys()) {}
 
+// What is replaced goes last: it may be the host's last hold on the evaluator.
 void Trace::UseStore(Ref<SettingsStore> store) {
-  store_ = std::move(store);
-  shown_ = nullptr;
+  const Ref<Plan> former = std::exchange(shown_, nullptr);
   shown_bits_.reset();
+  std::swap(store_, store);
 }
 
 void Trace::Begin(const Ref<Plan>& plan, const Text* expression) {
-  ShowFormula(plan, expression);
+  const Ref<Plan> former = ShowFormula(plan, expression);
   if (!store_) section_.Put();
 }
 
 void Trace::End(const Ref<Plan>& plan, const Text* expression, const Variant& result,
                 std::size_t left) {
-  ShowFormula(plan, expression);
+  const Ref<Plan> former = ShowFormula(plan, expression);
   ShowResult(result, left);
   if (!store_) section_.Put();
 }
 
 // Nothing to do when the formula stands there: unless the text has no plan to itself,
-// or a handler evaluated another one.
-void Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
+// or a handler evaluated another one. Answers the plan that stood there, which goes last:
+// an object that it holds may let go of the evaluator.
+Ref<Plan> Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
   const bool is_shown = shown_ == plan && shown_edition_ == plan->trace_edition;
-  if (is_shown && !expression) return;
+  if (is_shown && !expression) return nullptr;
   MakeLines(*plan);
   if (expression) {
     lines_.clear();
     AddExpression(lines_, *expression);
     lines_.append(plan->trace_lines, plan->trace_lines.find('\n') + 1);
     Show(kFormula, lines_);
-    shown_ = nullptr;
-  } else {
-    Show(kFormula, plan->trace_lines);
-    shown_ = plan;
-    shown_edition_ = plan->trace_edition;
+    return std::exchange(shown_, nullptr);
   }
+  Show(kFormula, plan->trace_lines);
+  shown_edition_ = plan->trace_edition;
+  return std::exchange(shown_, plan);
 }
 
 // The plan keeps its lines without room to spare.

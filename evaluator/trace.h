@@ -30,7 +30,7 @@ class Trace {
   bool UsesStore() const { return static_cast<bool>(store_); }
 
  private:
-  void ShowFormula(const Ref<Plan>& plan, const Text* expression);
+  [[nodiscard]] Ref<Plan> ShowFormula(const Ref<Plan>& plan, const Text* expression);
   void ShowResult(const Variant& result, std::size_t left);
   void Show(std::size_t part, std::string_view lines);
   void AddResult(std::string& lines, const Variant& result) const;
