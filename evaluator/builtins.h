@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <span>
 
+#include "tovalin/clock.h"
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
 
@@ -11,7 +11,7 @@ namespace tovalin {
 
 /// What a built-in function may ask of its surroundings.
 struct BuiltinContext {
-  const std::function<Date()>& clock;  // the current date and time
+  const HostClock& clock;
 };
 
 /// Computes a function of as many arguments as its row pops, in the order

@@ -32,10 +32,10 @@ Variant ShortMonthName(Arguments arguments, const BuiltinContext&) {
 }
 
 Variant Today(Arguments, const BuiltinContext& context) {
-  return MakeDate(DateOf(context.clock()));
+  return MakeDate(DateOf(context.clock.Now()));
 }
 
-Variant Now(Arguments, const BuiltinContext& context) { return context.clock(); }
+Variant Now(Arguments, const BuiltinContext& context) { return context.clock.Now(); }
 
 Variant Year(Arguments arguments, const BuiltinContext&) {
   return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).year);

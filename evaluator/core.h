@@ -37,7 +37,8 @@ class Evaluador::Core {
   /// Evaluates one formula of a batch, with its trace.
   Variant EvaluateInBatch(Engine::Calculation& calculation, const Text& formula);
   /// Walks a plan, with the formula's part of its trace.
-  Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared);
+  Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared,
+                        const Ref<Campos>& locals);
 };
 
 }  // namespace tovalin

@@ -7,7 +7,6 @@
 #include "evaluator/infix_check.h"
 #include "evaluator/references.h"
 #include "evaluator/tokenizer.h"
-#include "frame/clock.h"
 #include "frame/guarded.h"
 #include "tovalin/convert.h"
 
@@ -25,10 +24,7 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
 
 }  // namespace
 
-Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) {
-  core_->link->core = core_.get();
-  UseClock(SystemNow);
-}
+Evaluador::Evaluador() : core_(std::make_unique<Core>(*this)) { core_->link->core = core_.get(); }
 
 Evaluador::~Evaluador() { *core_->link = {}; }
 
@@ -127,6 +123,7 @@ std::int32_t Evaluador::PlanesGuardados() const {
 }
 void Evaluador::LetPlanesGuardados(std::int32_t NewValue) {
   if (NewValue < 0) Raise(Failure::InvalidArgument);
+  const Ref<Evaluador> alive = Hold(*this);  // a plan that goes may hold an object
   core_->plans.LetCapacity(static_cast<std::size_t>(NewValue));
 }
 
@@ -142,9 +139,11 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                   : nullptr;
     if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
     const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
-    if (!recent && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
+    // Where a former plan went, an object in it may have changed the tables.
+    const bool may_run = !recent && core_->engine.IsCurrent(*prepared.plan, locals.get());
+    if (may_run && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
     Engine::Calculation calculation(core_->engine, locals);
-    Engine::Outcome outcome = core_->Walk(calculation, prepared);
+    Engine::Outcome outcome = core_->Walk(calculation, prepared, locals);
     core_->trace.End(prepared.plan, prepared.Expression(), outcome.value.Value(), outcome.left);
     Result.Assign(std::move(outcome.value));
     return true;
@@ -154,12 +153,17 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
 // Where the host's code may run, the formula is in the trace before, in case the host
 // does not survive it; otherwise it can wait for the result, or the error.
 Engine::Outcome Evaluador::Core::Walk(Engine::Calculation& calculation,
-                                      const Engine::Prepared& prepared) {
-  const bool calls_host = prepared.plan->calls_host;
+                                      const Engine::Prepared& prepared, const Ref<Campos>& locals) {
+  Plan& plan = *prepared.plan;
+  const bool calls_host = plan.calls_host;
+  engine.KeepCurrent(plan, locals.get());
   if (calls_host) trace.Begin(prepared.plan, prepared.Expression());
   try {
-    return calculation.Walk(prepared.plan);
+    Engine::Outcome outcome = calculation.Walk(prepared.plan);
+    engine.KeepCurrent(plan, locals.get());
+    return outcome;
   } catch (...) {
+    engine.KeepCurrent(plan, locals.get());
     if (!calls_host) trace.Begin(prepared.plan, prepared.Expression());
     throw;
   }
@@ -191,6 +195,7 @@ Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<C
   const Ref<Collection> items = expression.AsObject().As<Collection>();
   if (!items) Raise(Failure::TypeMismatch);
   auto plan = Make<Plan>();
+  plan->stamp = StampNames(symbols, locals.get());
   for (const Variant& item : items->List().Items())
     AppendHostItem(*plan, item, symbols, locals.get());
   return {plan, Text()};
@@ -224,8 +229,9 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
 
 Variant Evaluador::Core::EvaluateInBatch(Engine::Calculation& calculation, const Text& formula) {
   const Engine::Prepared prepared = engine.Prepare(formula, nullptr);
-  std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*prepared.plan);
-  Engine::Outcome outcome = numeric ? std::move(*numeric) : Walk(calculation, prepared);
+  std::optional<Engine::Outcome> numeric;
+  if (engine.IsCurrent(*prepared.plan, nullptr)) numeric = Engine::RunNumeric(*prepared.plan);
+  Engine::Outcome outcome = numeric ? std::move(*numeric) : Walk(calculation, prepared, nullptr);
   trace.End(prepared.plan, prepared.Expression(), outcome.value, outcome.left);
   return std::move(outcome.value);
 }
@@ -249,7 +255,7 @@ void Evaluador::CalcularDependencias(const Text& Name) {
   });
 }
 
-void Evaluador::UseClock(std::function<Date()> clock) { core_->engine.UseClock(std::move(clock)); }
+void Evaluador::UseClock(HostClock::Function clock) { core_->engine.UseClock(std::move(clock)); }
 
 void Evaluador::UseSettings(Ref<SettingsStore> settings) {
   core_->trace.UseStore(std::move(settings));

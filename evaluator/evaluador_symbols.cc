@@ -80,8 +80,11 @@ void Evaluador::ChangeVble(double vValue, const Text& Name) {
 }
 
 void Evaluador::Direction(const Variant& vDirection) {
-  for (const Campos* table : {core_->symbols.variables.get(), core_->symbols.constants.get()})
-    for (const Ref<Campo>& record : table->List().Items()) record->LetDirection(vDirection);
+  // An object that was a direction may change the tables when it goes.
+  const Variant direction = vDirection.Value();
+  for (const Ref<Campos>& table : {core_->symbols.variables, core_->symbols.constants})
+    for (const Ref<Campo>& record : *table)
+      if (record) record->LetDirection(direction);
 }
 
 void Evaluador::NewVble(const Text& Name, const Variant& Value, const Text& Description,
@@ -132,7 +135,9 @@ void Evaluador::AppendsVble(const Ref<tovalin::Campos>& Campos, const Variant& B
 
 void Evaluador::RemoveVble(const Text& Index) {
   RaisingErrors([&] {
-    for (TextView rest = Index; !rest.empty();) {
+    const Ref<Evaluador> alive = Hold(*this);  // an object that goes may drop the last other one
+    const Text names = Index;
+    for (TextView rest = names; !rest.empty();) {
       const Text name = evaluator::CSVNextChar(rest, u",");
       if (!name.empty()) core_->symbols.variables->Remove(name);
     }

@@ -35,18 +35,23 @@ void Formula::Core::RaiseGone() {
   RaiseOwn(u"Formula", u"El Evaluador de la fórmula ya no existe");
 }
 
-void Formula::Core::PrepareAgain() { plan_ = Host().engine.PrepareApart(text_, locals_); }
+// A former plan goes before another one is made: a value in it may run code of the host,
+// which may ask for the plan again.
+void Formula::Core::PrepareAgain() {
+  while (plan_ && !IsCurrent()) plan_ = nullptr;
+  if (!plan_) plan_ = Host().engine.PrepareApart(text_, locals_);
+}
 
 Engine::Outcome Formula::Core::Evaluate() {
-  Host().engine.ForgetReports();
   std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*Current());
+  Host().engine.ForgetReports();
   return numeric ? std::move(*numeric) : Walk();
 }
 
 Engine::Outcome Formula::Core::Walk() {
+  const Ref<Plan> plan = Current();
   Evaluador::Core& host = Host();
   host.engine.ForgetReports();
-  const Ref<Plan> plan = Current();
   if (plan->faults) host.engine.Reports().push_back({text_, plan->text, plan->Faults()});
   return Engine::Calculation(host.engine, locals_).Walk(plan);
 }
@@ -58,11 +63,15 @@ Text Formula::Texto() const {
 }
 
 Text Formula::Posfijo() const {
-  return RaisingErrors([&] { return PostfixText(*core_->Current()); });
+  return RaisingErrors([&] {
+    const Ref<const Formula> alive = Hold(*this);
+    return PostfixText(*core_->Current());
+  });
 }
 
 Ref<Collection> Formula::Variables() const {
   return RaisingErrors([&] {
+    const Ref<const Formula> alive = Hold(*this);
     const Ref<Plan> plan = core_->Current();
     auto names = Make<Collection>();
     for (const Item& item : plan->items) {
@@ -77,6 +86,7 @@ Ref<Collection> Formula::Variables() const {
 
 Ref<Collection> Formula::Errores() const {
   return RaisingErrors([&] {
+    const Ref<const Formula> alive = Hold(*this);
     const Ref<Plan> plan = core_->Current();
     auto records = Make<Collection>();
     AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->Faults()});
@@ -87,6 +97,7 @@ Ref<Collection> Formula::Errores() const {
 // Nothing but the number moves on the road of most formulas.
 bool Formula::Evaluar(Variant& Result) {
   return RaisingErrors([&] {
+    const Ref<Formula> alive = core_->IsCurrent() ? nullptr : Hold(*this);
     const NumericProgram& numeric = core_->Current()->numeric;
     const double number = numeric.Run();
     if (std::isnan(number)) {

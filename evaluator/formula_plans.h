@@ -1,6 +1,7 @@
 #pragma once
 
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "evaluator/plan.h"
@@ -19,10 +20,11 @@ class FormulaPlans {
     return entries_[record.plan_place_].plan;
   }
 
-  /// Forgets all when most are of records that are gone.
+  /// Forgets all when most are of records that are gone. The plans go last: a value in
+  /// one may run code of the host, which may ask for another.
   void Tidy(std::size_t records) {
     if (entries_.size() <= 2 * records + 64) return;
-    entries_.clear();
+    const std::vector<Entry> gone = std::exchange(entries_, {});
     places_.clear();
   }
 

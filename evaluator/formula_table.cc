@@ -124,6 +124,11 @@ class TableRun {
     std::optional<ValueColumns> values;
     for (std::size_t first = 0; first < rows_; first += NumericColumns::kBlock) {
       const std::size_t count = std::min(NumericColumns::kBlock, rows_ - first);
+      // What a result replaces may be an object, which changes the tables as it goes.
+      if (!formula_.IsCurrent() || formula_.Current() != plan_) {
+        RunRows(first, first + count);
+        continue;
+      }
       if (numbers && numbers->IsReady() && RunBlock(*numbers, first, count)) continue;
       if (!values) values.emplace(*plan_, variables_.All());
       if (values->IsReady())

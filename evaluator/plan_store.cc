@@ -53,8 +53,9 @@ Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   Ref<Plan> plan = Ref<Plan>::Share(cache_.Find(formula, hash));
   if (plan && plan->MayRun(stamp)) {
     plan->came_again = true;
-    if (plan->has_constants) BindConstants(*plan);
-    return plan;
+    if (!plan->has_constants) return plan;
+    BindConstants(*plan);
+    return plan->stamp == StampNames(symbols_, locals.get()) ? plan : Make(formula, locals);
   }
   // A plan that is being walked keeps the constants that it was converted with.
   if (plan && plan->walks > 0) return Make(formula, locals);

@@ -24,7 +24,8 @@ Text TextOrEmpty(const Variant& value) {
 }
 
 // Whether the item's text is another one than before.
-bool BindConstant(HeldValue& held) {
+bool BindConstant(HeldValue& held, std::vector<Variant>& former) {
+  if (RunsHostCode(held.value)) former.push_back(std::move(held.value));
   if (!IsTextConstant(*held.constant)) {
     held.value = held.constant->Value();
     return std::exchange(held.is_quoted, false);
@@ -65,7 +66,8 @@ void SetHeld(Plan& plan, Item& item, ItemKind kind, HeldValue held) {
 
 void SetConstant(Plan& plan, Item& item, Campo& record) {
   HeldValue held{{}, &record};
-  BindConstant(held);
+  std::vector<Variant> none;
+  BindConstant(held, none);
   SetHeld(plan, item, ItemKind::Constant, std::move(held));
   plan.has_constants = true;
 }
@@ -193,6 +195,8 @@ void PutItem(const Plan& plan, const Item& item, PutText put) {
     put(u"\"");
   } else if (held.constant) {
     put(Trim(held.constant->Name()));
+  } else if (item.kind == ItemKind::Constant) {
+    put(plan.Span(item));
   } else {
     put(TextOrEmpty(held.value));
   }
@@ -275,17 +279,19 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols,
   }
 }
 
-void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals) {
-  for (std::size_t i = from; i < plan.items.size(); ++i) {
-    Item& item = plan.items[i];
+void LookUpAgain(Plan& plan, const Symbols& symbols, const Campos* locals) {
+  plan.stamp = NamesStamp{};
+  for (HeldValue& held : plan.held) held.constant = nullptr;
+  for (Item& item : plan.items) {
     if (item.kind == ItemKind::Number || item.HoldsValue()) continue;
     Classify(plan, item, plan.Span(item), symbols, locals);
   }
 }
 
 void BindConstants(Plan& plan) {
+  std::vector<Variant> former;
   for (HeldValue& held : plan.held)
-    if (held.constant && BindConstant(held)) plan.trace_edition = 0;
+    if (held.constant && BindConstant(held, former)) plan.trace_edition = 0;
 }
 
 }  // namespace tovalin

@@ -5,7 +5,6 @@
 
 #include "export/export_run.h"
 #include "export/numeric_widths.h"
-#include "frame/clock.h"
 #include "frame/guarded.h"
 #include "tovalin/convert.h"
 
@@ -78,8 +77,7 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
   try {
     error = Guarded([&] {
       run.emplace(ExportInput{rvarDatos.Value(), vcolCampos, vlngRows, vstrArchivoSalida,
-                              date_pattern_, text_qualifier_, format_ != TEXTO_DELIMITADO,
-                              clock_ ? clock_ : SystemNow});
+                              date_pattern_, text_qualifier_, format_ != TEXTO_DELIMITADO, clock_});
       run->Write();
     });
   } catch (...) {  // what the host's clock may throw

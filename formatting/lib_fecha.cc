@@ -7,7 +7,6 @@
 #include "formatting/dias360.h"
 #include "formatting/duration.h"
 #include "frame/calendar.h"
-#include "frame/clock.h"
 #include "frame/guarded.h"
 #include "frame/number_text.h"
 #include "frame/patterns.h"
@@ -47,6 +46,7 @@ constexpr Date kMonday{2};
 
 /// Adds the names under "K1", "K2" ... to a collection that has no items; all or none.
 void FillOnce(Ref<Collection>& collection, std::span<const Text> names) {
+  if (collection->Count() > 0) return;  // a host's clock may have asked for it
   auto filled = Make<Collection>();
   for (std::size_t i = 0; i < names.size(); ++i) {
     Text key = u"K";
@@ -106,13 +106,13 @@ Ref<Collection> LibFecha::DiasSemana() {
 
 Ref<Collection> LibFecha::MesesDelAno() {
   return RaisingErrors([&] {
-    if (months_->Count() == 0) {
-      const int year = DateOf(clock_ ? clock_() : SystemNow()).year;
-      std::array<Text, 12> names;
-      for (std::size_t i = 0; i < names.size(); ++i)
-        names[i] = Format(DateSerial(year, static_cast<int>(i + 1), 1), u"mmmm");
-      FillOnce(months_, names);
-    }
+    if (months_->Count() > 0) return months_;
+    const Ref<LibFecha> alive = Hold(*this);
+    const int year = DateOf(clock_.Now()).year;
+    std::array<Text, 12> names;
+    for (std::size_t i = 0; i < names.size(); ++i)
+      names[i] = Format(DateSerial(year, static_cast<int>(i + 1), 1), u"mmmm");
+    FillOnce(months_, names);
     return months_;
   });
 }

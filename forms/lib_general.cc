@@ -37,6 +37,7 @@ Text LibGeneral::AddNumber(TextView vData, std::int32_t KeyAscii) const {
 void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
                           Ref<Object> rctr) const {
   if (!rctr) return;
+  const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     if (!ostrTextoBarra.empty()) return MsgBar(rctr, ostrTextoBarra);
     if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, separator_));
@@ -45,9 +46,9 @@ void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
 
 Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) const {
   return RaisingErrors([&] {
+    const Ref<const LibGeneral> alive = Hold(*this);
     const Ref<Object> control = RequireObject(rctrControl);
-    // The services are copied: what they call may put others in their place.
-    CheckAndMark(*control, separator_, HostServices(host_));
+    CheckAndMark(*control, separator_, *Services());
     MsgBar(rctr, {});
     return Variant();
   });
@@ -55,7 +56,7 @@ Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) cons
 
 void LibGeneral::SelectText(Ref<Object> oControl) const {
   RaisingErrors([&] {
-    const Ref<Object> control = oControl ? oControl : ActiveControl(HostServices(host_));
+    const Ref<Object> control = oControl ? oControl : ActiveControl(*Services());
     if (control) SelectContents(*control);
   });
 }
@@ -119,6 +120,7 @@ void LibGeneral::LetAplicacion(const Text& NewValue) {
 
 void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
   if (!uses_layouts_ || !ctrl) return;
+  const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     const Text layout = LayoutText(*ctrl);
     if (!layout.empty()) Settings()->Save(Text(application_), Section, Key, layout);
@@ -138,8 +140,14 @@ void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object
   });
 }
 
+// The former services go last: what they hold may let go of this object.
+void LibGeneral::UseHost(HostServices services) {
+  auto kept = std::make_shared<const HostServices>(std::move(services));
+  host_.swap(kept);
+}
+
 void LibGeneral::MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa) const {
-  RaisingErrors([&] { ShowOnStatusBar(HostServices(host_), rctr, vstrTexto, vbolPausa); });
+  RaisingErrors([&] { ShowOnStatusBar(*Services(), rctr, vstrTexto, vbolPausa); });
 }
 
 }  // namespace tovalin

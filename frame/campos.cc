@@ -83,8 +83,9 @@ void Campo::LetName(const Text& Name) {
   });
 }
 
+// What is replaced goes last: its destructor may lead back here, and let go of the record.
 void Campo::LetValue(const Variant& Value) {
-  value_ = Value.Value();
+  const Variant former = std::exchange(value_, Value.Value());
   for (Campos* table : tables_) ++table->values_version_;
 }
 
@@ -106,7 +107,9 @@ void Campo::LetSintax(const Text& Sintax) {
   RaisingErrors([&] { sintax_ = Sintax; });
 }
 
-Campo::~Campo() { DeepRelease().Take(value_); }
+void Campo::LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
+
+Campo::~Campo() { DeepRelease().TakeValues(*this); }
 
 Campos::~Campos() {
   for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
@@ -145,8 +148,9 @@ Ref<Enumerador> Campos::NewEnum() {
 
 void Campos::Remove(const Variant& Index) {
   const std::size_t position = PositionOf(list_, Index);
+  const Ref<Campo> record = list_[position];  // goes last, and perhaps the table with it
   // A record may stand in the table twice, under an old and a new name.
-  auto& tables = list_[position]->tables_;
+  auto& tables = record->tables_;
   tables.erase(std::find(tables.begin(), tables.end(), this));
   list_.Remove(position);
   ++version_;

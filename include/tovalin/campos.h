@@ -73,7 +73,7 @@ class TOVALIN_API Campo : public Object {
   const Text& Sintax() const { return sintax_; }
   void LetSintax(const Text& Sintax);
   const Variant& Direction() const { return direction_; }
-  void LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
+  void LetDirection(const Variant& Direction);
   std::int32_t Status() const { return status_; }
   void LetStatus(std::int32_t Status) { status_ = Status; }
 

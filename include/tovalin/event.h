@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <utility>
+#include <vector>
 
 #include "tovalin/api.h"
 #include "tovalin/error.h"
@@ -29,8 +30,11 @@ class Event {
 
   /// Does nothing for a number that is not attached.
   void Detach(int attachment) {
-    for (Entry& entry : handlers_)
-      if (entry.attachment == attachment) entry.attachment = kDetached;
+    for (Entry& entry : handlers_) {
+      if (entry.attachment != attachment) continue;
+      entry.attachment = kDetached;
+      has_detached_ = true;
+    }
     Sweep();
   }
 
@@ -62,15 +66,21 @@ class Event {
     Event& event;
   };
 
-  // A detached handler may be running: it is dropped when no raise is under way.
+  // A detached handler may be running: it is dropped when no raise is under way. It
+  // goes last, since what it holds may lead back here, or be the owner of the event.
   void Sweep() {
-    if (depth_ == 0)
-      std::erase_if(handlers_, [](const Entry& entry) { return entry.attachment == kDetached; });
+    if (depth_ > 0 || !has_detached_) return;
+    has_detached_ = false;
+    std::vector<Handler> gone;
+    for (Entry& entry : handlers_)
+      if (entry.attachment == kDetached) gone.push_back(std::move(entry.handler));
+    std::erase_if(handlers_, [](const Entry& entry) { return entry.attachment == kDetached; });
   }
 
   std::deque<Entry> handlers_;
   int last_ = 0;
   int depth_ = 0;
+  bool has_detached_ = false;
 };
 
 }  // namespace tovalin

@@ -3,6 +3,7 @@
 // The whole library for a host. Start with evaluador.h.
 
 #include "tovalin/campos.h"
+#include "tovalin/clock.h"
 #include "tovalin/cls_file_export.h"
 #include "tovalin/collection.h"
 #include "tovalin/control.h"

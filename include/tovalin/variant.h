@@ -106,8 +106,10 @@ class TOVALIN_API Variant {
   Variant& operator=(Variant&& other) noexcept {
     // A value that refers to itself is the value that it is.
     if (this == &other || (other.by_reference_ && other.target_ == this)) return *this;
-    if (HoldsReference()) DropReference();
-    StealFrom(other);
+    if (HoldsReference())
+      Replace(other);
+    else
+      StealFrom(other);
     return *this;
   }
   ~Variant() {
@@ -171,6 +173,7 @@ class TOVALIN_API Variant {
   void CopyFrom(const Variant& other);
   void StealFrom(Variant& other) noexcept;
   void DropReference();
+  void Replace(Variant& other) noexcept;
 
   // The subtype says which member of the union lives. A by-reference Variant
   // keeps Empty as its own subtype and its target in target_.

@@ -58,7 +58,7 @@ TEST(BuiltinsTest, EveryFunctionSurvivesEveryValue) {
       Arguments arguments;
       for (std::size_t rest = n; arguments.size() < builtin.pops; rest /= values.size())
         arguments.push_back(values[rest % values.size()]);
-      static const std::function<Date()> clock = [] { return kNow; };
+      static const HostClock clock([] { return kNow; });
       try {
         builtin.call(arguments, {clock});
       } catch (const Error& error) {

@@ -76,6 +76,20 @@ TEST(LibFecha, ClockOutsideTheCalendarLeavesNoNames) {
   EXPECT_EQ(fecha.MesesDelAno()->Count(), 12);
 }
 
+TEST(LibFecha, SurvivesAClockThatDropsIt) {
+  auto fecha = Make<LibFecha>();
+  fecha->UseClock([&fecha, moment = DayCount(2024, 2, 29)] {
+    const Date now = moment;
+    fecha->UseClock(nullptr);
+    EXPECT_EQ(fecha->MesesDelAno()->Count(), 12);
+    fecha = nullptr;
+    return now;
+  });
+  LibFecha& target = *fecha;
+  EXPECT_EQ(target.MesesDelAno()->Count(), 12);
+  EXPECT_FALSE(fecha);
+}
+
 TEST(LibFecha, AnswersLateBound) {
   const auto fecha = Make<LibFecha>();
   Variant date(u"29/02/2024");
