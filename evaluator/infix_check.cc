@@ -78,11 +78,13 @@ bool CheckReading(TokenList& list, const Token& token, TextView name, const Symb
 }
 
 bool CheckName(TokenList& list, Token& token, const Symbols& symbols, const Campos* locals) {
-  const Token as_written = token;
-  const TextView name = NameOf(list, token);
-  ResolveOperand(list, token, symbols, locals);
-  const bool is_reference = name.size() != as_written.length;
-  if (token.scope != Scope::None && !is_reference) return false;
+  const std::uint32_t start = token.start;
+  const std::uint32_t length = token.length;
+  const TextView name = ResolveOperand(list, token, symbols, locals);
+  if (token.scope != Scope::None && name.size() == length) return false;
+  Token as_written = token;
+  as_written.start = start;
+  as_written.length = length;
   return CheckReading(list, as_written, name, symbols, locals);
 }
 

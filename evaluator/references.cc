@@ -31,13 +31,15 @@ TextView NameOf(const TokenList& list, const Token& operand) {
   return behind_at.empty() ? list.Span(operand) : behind_at;
 }
 
-void ResolveOperand(TokenList& list, Token& operand, const Symbols& symbols, const Campos* locals) {
+TextView ResolveOperand(TokenList& list, Token& operand, const Symbols& symbols,
+                        const Campos* locals) {
   const TextView name = NameOf(list, operand);
   LookUp(operand, name, symbols, locals);
-  if (operand.scope == Scope::None || name.size() == operand.length) return;
+  if (operand.scope == Scope::None || name.size() == operand.length) return name;
   if (list.text[operand.start] == u'@') list.at_signs.push_back(operand.start);
   operand.start = static_cast<std::uint32_t>(name.data() - list.text.data());
   operand.length = static_cast<std::uint32_t>(name.size());
+  return name;
 }
 
 Text WithoutAtSigns(TextView formula, const std::vector<std::uint32_t>& at_signs) {

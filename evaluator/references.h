@@ -15,8 +15,10 @@ TextView NameBehindAt(const TokenList& list, const Token& token);
 TextView NameOf(const TokenList& list, const Token& operand);
 
 /// Looks up the name that an operand stands for: a local variable, else a variable,
-/// else a constant. Where one is found the span becomes that of the name.
-void ResolveOperand(TokenList& list, Token& operand, const Symbols& symbols, const Campos* locals);
+/// else a constant. Where one is found the span becomes that of the name. Answers the
+/// name, found or not.
+TextView ResolveOperand(TokenList& list, Token& operand, const Symbols& symbols,
+                        const Campos* locals);
 
 /// A formula as its host gave it, without each "@" in front of a name. `at_signs` are
 /// their places in the formula without carriage returns.
