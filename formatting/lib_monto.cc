@@ -45,16 +45,20 @@ Text LibMonto::MontoEscrito(double pdblValor) const {
 Text LibMonto::MontoCheque(const Variant& Valor, const Text& Moneda, std::int32_t Genero,
                            std::int32_t Estilo, std::int32_t oAncho, const Text& oRelleno,
                            bool oMayusculas) const {
-  if (oAncho < 0 || oAncho > kMostWidth)
-    RaiseInvalidArgument(u"LibMonto.MontoCheque", u"El ancho va de 0 a 32767");
-  if (!IsFiller(oRelleno))
-    RaiseInvalidArgument(u"LibMonto.MontoCheque",
-                         u"El relleno " + Quoted(oRelleno) + u" se podría leer como letras");
-  Text words = ChequeWords(CentsOf(Valor), ReadCurrencyNouns(Moneda), Genero, Estilo);
-  if (oMayusculas) words = ToUpper(words);
-  return oAncho == 0 ? words : FilledLines(words, static_cast<std::size_t>(oAncho), oRelleno);
+  return RaisingErrors([&] {
+    if (oAncho < 0 || oAncho > kMostWidth)
+      RaiseInvalidArgument(u"LibMonto.MontoCheque", u"El ancho va de 0 a 32767");
+    if (!IsFiller(oRelleno))
+      RaiseInvalidArgument(u"LibMonto.MontoCheque",
+                           u"El relleno " + Quoted(oRelleno) + u" se podría leer como letras");
+    Text words = ChequeWords(CentsOf(Valor), ReadCurrencyNouns(Moneda), Genero, Estilo);
+    if (oMayusculas) words = ToUpper(words);
+    return oAncho == 0 ? words : FilledLines(words, static_cast<std::size_t>(oAncho), oRelleno);
+  });
 }
 
-Currency LibMonto::LeerMonto(const Text& Texto) const { return {ReadAmount(Texto) * 100}; }
+Currency LibMonto::LeerMonto(const Text& Texto) const {
+  return RaisingErrors([&] { return Currency{ReadAmount(Texto) * 100}; });
+}
 
 }  // namespace tovalin
