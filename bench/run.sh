@@ -10,4 +10,4 @@ configure build -DCMAKE_BUILD_TYPE=Release -DTOVALIN_BUILD_BENCH=ON >&2
 cmake --build build --target tovalin_bench >&2
 
 # Evaluations leave their trace in the user's settings: not in this user's.
-XDG_CONFIG_HOME=$PWD/build/config build/tovalin_bench "$@"
+XDG_CONFIG_HOME=$PWD/build/config XDG_RUNTIME_DIR=$PWD/build/run build/tovalin_bench "$@"

@@ -3,8 +3,8 @@
 # and how everything is configured.
 
 declare -A packages=(
-  [build]="g++ cmake ninja-build libcli11-dev libcsv-dev"
-  [test]="libgtest-dev libgmock-dev pkgconf"
+  [build]="g++ cmake ninja-build libcli11-dev"
+  [test]="libgtest-dev libgmock-dev pkgconf libicu-dev libnumbertext-dev"
   [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix"
   [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"
   [bench]="libbenchmark-dev libmuparser-dev liblua5.4-dev pkgconf"

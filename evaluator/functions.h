@@ -2,11 +2,11 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <initializer_list>
 #include <span>
 
 #include "evaluator/operators.h"
+#include "tovalin/clock.h"
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
 
@@ -14,7 +14,7 @@ namespace tovalin {
 
 /// What a built-in function may ask of its surroundings.
 struct FunctionContext {
-  const std::function<Date()>& clock;  // the current date and time
+  const HostClock& clock;
 };
 
 /// Computes a function of as many arguments as its row has parameters, in the order

@@ -9,6 +9,12 @@
 namespace tovalin::functions {
 namespace {
 
+/// A number beyond the calendar is not one that is too large for a date (6), but
+/// outside of what the function accepts (5).
+Date DateArgument(const Variant& value) {
+  return value.Is(Subtype::String) ? ToDate(value) : Date{ToDouble(value)};
+}
+
 Variant DaysOf360(Arguments arguments, const FunctionContext&) {
   return Dias360(ToDate(arguments[0]), ToDate(arguments[1]));
 }
@@ -22,21 +28,21 @@ Variant ShortMonthName(Arguments arguments, const FunctionContext&) {
 }
 
 Variant Today(Arguments, const FunctionContext& context) {
-  return MakeDate(DateOf(context.clock()));
+  return MakeDate(DateOf(context.clock.Now()));
 }
 
-Variant Now(Arguments, const FunctionContext& context) { return context.clock(); }
+Variant Now(Arguments, const FunctionContext& context) { return context.clock.Now(); }
 
 Variant Year(Arguments arguments, const FunctionContext&) {
-  return static_cast<std::int16_t>(DateOf(ToDate(arguments[0])).year);
+  return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).year);
 }
 
 Variant Month(Arguments arguments, const FunctionContext&) {
-  return static_cast<std::int16_t>(DateOf(ToDate(arguments[0])).month);
+  return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).month);
 }
 
 Variant Day(Arguments arguments, const FunctionContext&) {
-  return static_cast<std::int16_t>(DateOf(ToDate(arguments[0])).day);
+  return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).day);
 }
 
 Variant DateFromParts(Arguments arguments, const FunctionContext&) {
@@ -44,7 +50,7 @@ Variant DateFromParts(Arguments arguments, const FunctionContext&) {
 }
 
 Variant MoveDate(Arguments arguments, const FunctionContext&) {
-  return DateAdd(TextArgument(arguments[0]), ToDouble(arguments[1]), ToDate(arguments[2]));
+  return DateAdd(TextArgument(arguments[0]), ToDouble(arguments[1]), DateArgument(arguments[2]));
 }
 
 Variant IsDateValue(Arguments arguments, const FunctionContext&) { return IsDate(arguments[0]); }

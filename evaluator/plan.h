@@ -52,9 +52,14 @@ struct Item {
 /// A value that stands in the plan itself.
 struct HeldValue {
   Variant value;
-  Campo* constant = nullptr;  // of a Constant
+  Campo* constant = nullptr;  // of a Constant, while the plan's stamp holds
   bool is_quoted = false;     // it is text, and stands as a literal
 };
+
+/// Whether code of the host may run when a value goes: the destructor of an object.
+inline bool RunsHostCode(const Variant& value) {
+  return value.Is(Subtype::Object) || value.Is(Subtype::Array);
+}
 
 /// A formula converted for walking: made once, walked many times, and made anew
 /// when its names may stand for something else.
@@ -72,11 +77,12 @@ struct Plan {
   std::vector<Item> items;
   std::unique_ptr<std::vector<Fault>> faults;  // null without any; with any, there are no items
   std::vector<HeldValue> held;
-  Ref<Campos> locals;  // pins the address in the stamp
-  Text text;           // the formula, without carriage returns
-  // What the trace shows of the formula: made when it is first shown, which gives it
-  // an edition other than 0, and again when a constant has changed the postfix text.
-  std::string trace_lines;
+  std::vector<std::uint32_t> at_signs;  // as in the TokenList
+  Ref<Campos> locals;                   // pins the address in the stamp
+  Text text;                            // the formula, without carriage returns
+  // The postfix text that the trace shows: made when it is first shown, which gives it
+  // an edition other than 0, and again when a constant has changed it.
+  Text trace_postfix;
   // Of the plan cache: the next plan with like hashes, and the neighbours in the
   // order of use.
   Ref<Plan> same_bucket;
@@ -99,19 +105,21 @@ void ConvertToPostfix(TokenList& list, Plan& plan);
 
 /// The items as one text, each followed by a blank.
 Text PostfixText(const Plan& plan);
-/// The same in UTF-8, at the end of `utf8`.
-void AppendPostfixText(std::string& utf8, const Plan& plan);
+/// The same at the end of `text`.
+void AppendPostfixText(Text& text, const Plan& plan);
 /// The items as a host sees them: texts, and records for constants.
 Ref<Collection> PostfixItems(const Plan& plan);
 
 /// Adds the item that a postfix Collection of a host holds.
 void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols, const Campos* locals);
 
-/// Looks the names of `plan` up again from item `from` on, as the tables are now.
-void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals);
+/// Looks the names of `plan` up again, as the tables are now: what a walk has passed
+/// too, so that the plan can be shown. It will not be taken for a plan of these tables.
+void LookUpAgain(Plan& plan, const Symbols& symbols, const Campos* locals);
 
-/// Gives the constants of a plan the values that they have now. Whether the
-/// postfix text is another one then.
-bool BindConstants(Plan& plan);
+/// Gives the constants of a plan the values that they have now. Where the postfix text
+/// is another one then, what the trace shows has to be made again. The former values go
+/// last; an object among them may change the tables.
+void BindConstants(Plan& plan);
 
 }  // namespace tovalin

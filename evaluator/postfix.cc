@@ -6,7 +6,6 @@
 #include "evaluator/number_token.h"
 #include "evaluator/plan.h"
 #include "frame/conversion.h"
-#include "frame/utf8.h"
 
 namespace tovalin {
 namespace {
@@ -25,15 +24,16 @@ Text TextOrEmpty(const Variant& value) {
 }
 
 // Whether the item's text is another one than before.
-bool BindConstant(HeldValue& held) {
-  const bool was_quoted = std::exchange(held.is_quoted, IsTextConstant(*held.constant));
-  if (!held.is_quoted) {
+bool BindConstant(HeldValue& held, std::vector<Variant>& former) {
+  if (RunsHostCode(held.value)) former.push_back(std::move(held.value));
+  if (!IsTextConstant(*held.constant)) {
     held.value = held.constant->Value();
-    return was_quoted;
+    return std::exchange(held.is_quoted, false);
   }
   Variant text = TextOrEmpty(held.constant->Value());
-  const bool same = was_quoted && held.value.AsText() == text.AsText();
+  const bool same = held.is_quoted && held.value.AsText() == text.AsText();
   if (!same) held.value = std::move(text);
+  held.is_quoted = true;
   return !same;
 }
 
@@ -66,7 +66,8 @@ void SetHeld(Plan& plan, Item& item, ItemKind kind, HeldValue held) {
 
 void SetConstant(Plan& plan, Item& item, Campo& record) {
   HeldValue held{{}, &record};
-  BindConstant(held);
+  std::vector<Variant> none;
+  BindConstant(held, none);
   SetHeld(plan, item, ItemKind::Constant, std::move(held));
   plan.has_constants = true;
 }
@@ -156,6 +157,9 @@ class Converter {
       case TokenKind::Literal:
         SetLiteral(plan_, item, list_.Span(token));
         break;
+      case TokenKind::Value:
+        SetHeld(plan_, item, ItemKind::Value, {token.value->Value()});
+        break;
       case TokenKind::Operator:
         SetOperator(item, *token.record, token.operator_code);
         break;
@@ -191,6 +195,8 @@ void PutItem(const Plan& plan, const Item& item, PutText put) {
     put(u"\"");
   } else if (held.constant) {
     put(Trim(held.constant->Name()));
+  } else if (item.kind == ItemKind::Constant) {
+    put(plan.Span(item));
   } else {
     put(TextOrEmpty(held.value));
   }
@@ -229,39 +235,28 @@ void ConvertToPostfix(TokenList& list, Plan& plan) { Converter(list, plan).Run()
 
 Text PostfixText(const Plan& plan) {
   Text text;
-  text.reserve(plan.text.size() + plan.items.size());
+  AppendPostfixText(text, plan);
+  return text;
+}
+
+void AppendPostfixText(Text& text, const Plan& plan) {
+  text.reserve(text.size() + plan.text.size() + plan.items.size());
   for (const Item& item : plan.items) {
     PutItem(plan, item, [&text](TextView part) { text.append(part); });
     text.push_back(u' ');
   }
-  return text;
-}
-
-// Written through a pointer, into room that seldom has to grow.
-void AppendPostfixText(std::string& utf8, const Plan& plan) {
-  std::size_t end = utf8.size();
-  utf8.resize(end + kMostUtf8Bytes * plan.text.size() + plan.items.size());
-  const auto put = [&utf8, &end](TextView part) {
-    const std::size_t most = kMostUtf8Bytes * part.size();
-    if (utf8.size() - end <= most) utf8.resize(2 * (end + most) + 1);
-    end = static_cast<std::size_t>(WriteUtf8(utf8.data() + end, part) - utf8.data());
-  };
-  for (const Item& item : plan.items) {
-    PutItem(plan, item, put);
-    utf8[end++] = ' ';
-  }
-  utf8.resize(end);
 }
 
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
   for (const Item& item : plan.items) {
-    if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted) {
+    if (item.kind == ItemKind::Value)
+      items->List().Append(plan.ValueOf(item));
+    else if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted)
       // A copy, so that a later change of the constant is not seen.
       items->List().Append(plan.held[item.held].constant->Copy());
-      continue;
-    }
-    items->List().Append(ItemText(plan, item));
+    else
+      items->List().Append(ItemText(plan, item));
   }
   return items;
 }
@@ -284,19 +279,19 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols,
   }
 }
 
-void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals) {
-  for (std::size_t i = from; i < plan.items.size(); ++i) {
-    Item& item = plan.items[i];
+void LookUpAgain(Plan& plan, const Symbols& symbols, const Campos* locals) {
+  plan.stamp = NamesStamp{};
+  for (HeldValue& held : plan.held) held.constant = nullptr;
+  for (Item& item : plan.items) {
     if (item.kind == ItemKind::Number || item.HoldsValue()) continue;
     Classify(plan, item, plan.Span(item), symbols, locals);
   }
 }
 
-bool BindConstants(Plan& plan) {
-  bool changed = false;
+void BindConstants(Plan& plan) {
+  std::vector<Variant> former;
   for (HeldValue& held : plan.held)
-    if (held.constant) changed |= BindConstant(held);
-  return changed;
+    if (held.constant && BindConstant(held, former)) plan.trace_edition = 0;
 }
 
 }  // namespace tovalin

@@ -1,7 +1,6 @@
 #include "evaluator/value_columns.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "evaluator/operators.h"
 
@@ -166,8 +165,8 @@ void ValueColumns::ForEachRow(std::span<Slot> operands, Compute compute) {
 }
 
 void ValueColumns::Call(const BuiltinFunction& builtin, std::span<Slot> operands) {
-  const std::function<Date()> no_clock;
-  const FunctionContext context{no_clock};
+  const HostClock clock;  // no function of a column asks it
+  const FunctionContext context{clock};
   std::vector<Variant> arguments(operands.size());
   for (std::size_t i = 0; i < operands.size(); ++i)
     if (operands[i].stride == 0) arguments[i] = operands[i].At(0);

@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
-#include "export/layout_description.h"
+#include "export/export_run.h"
 #include "export/numeric_widths.h"
-#include "export/output_file.h"
-#include "export/record_writer.h"
-#include "frame/clock.h"
-#include "frame/code_page.h"
+#include "frame/guarded.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -56,49 +53,40 @@ void clsFileExport::LetPrecision(const Variant& vPrecision, std::uint8_t) const 
 }
 
 void clsFileExport::LetOrdenFechas(const Text& NewValue) {
-  const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
-  const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
-  date_order_ = order.code;
-  date_pattern_.clear();
-  for (const TextView part : order.parts) {
-    if (!date_pattern_.empty()) date_pattern_ += date_separator_;
-    date_pattern_ += part == kYear ? year_ : part;
-  }
+  RaisingErrors([&] {
+    const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
+    const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
+    Text pattern;
+    for (const TextView part : order.parts) {
+      if (!pattern.empty()) pattern += date_separator_;
+      pattern += part == kYear ? year_ : part;
+    }
+    date_order_ = order.code;
+    date_pattern_ = std::move(pattern);
+  });
 }
 
+// The host's clock may change or drop everything that the host gave, this object too.
 bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Campos>& vcolCampos,
                                                std::int32_t vlngRows, const Text& vstrArchivoSalida,
-                                               const Text&) const {
+                                               const Text&) {
+  const Ref<clsFileExport> alive = Hold(*this);
+  last_failure_.reset();
+  std::optional<ExportRun> run;
+  std::optional<Error> error;
   try {
-    Export(rvarDatos, vcolCampos.get(), vlngRows, vstrArchivoSalida);
-    return true;
-  } catch (...) {  // whatever it was, also in the host's clock
-    return false;
+    error = Guarded([&] {
+      run.emplace(ExportInput{rvarDatos.Value(), vcolCampos, vlngRows, vstrArchivoSalida,
+                              date_pattern_, text_qualifier_, format_ != TEXTO_DELIMITADO, clock_});
+      run->Write();
+    });
+  } catch (...) {  // what the host's clock may throw
+    error = Error{kObjectError, Text(kClassName), u"Excepción desconocida"};
   }
-}
-
-void clsFileExport::Export(const Variant& data, const Campos* fields, std::int32_t last_row,
-                           const Text& path) const {
-  const bool fixed_width = format_ != TEXTO_DELIMITADO;
-  OutputFile data_file(path + u".txt");
-  LayoutDescription layout(path, clock_ ? clock_() : SystemNow(), fixed_width);
-  RecordWriter records(date_pattern_, text_qualifier_, fixed_width);
-  std::vector<Field> resolved;
-  for (std::int64_t row = 0; row <= last_row; ++row) {
-    if (row == 0) resolved = ResolveFields(fields);
-    records.Start();
-    for (const Field& field : resolved) {
-      const std::size_t length = records.Add(field, data, static_cast<std::size_t>(row));
-      if (row == 0) layout.AddField(field.name, length);
-    }
-    data_file.Write(records.Finish());
-  }
-  std::string description;
-  AppendToCodePage(description, layout.Finish(last_row));
-  data_file.Close();
-  OutputFile layout_file(path + u".ref");
-  layout_file.Write(description += "\r\n");
-  layout_file.Close();
+  if (!error) return true;
+  last_failure_.emplace().error = std::move(*error);
+  if (run) Guarded([&] { run->Describe(*last_failure_); });
+  return false;
 }
 
 }  // namespace tovalin

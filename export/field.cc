@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "export/failure_reason.h"
 #include "export/numeric_widths.h"
 
 namespace tovalin {
@@ -38,7 +39,7 @@ Field Resolve(const Campo& campo) {
 }  // namespace
 
 std::vector<Field> ResolveFields(const Campos* fields) {
-  if (!fields) Raise(Failure::ObjectNotSet);
+  if (!fields) RaiseBecause(Failure::ObjectNotSet, "no se dieron los campos");
   std::vector<Field> resolved;
   for (const Ref<Campo>& campo : fields->List().Items()) resolved.push_back(Resolve(*campo));
   return resolved;

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "export/failure_reason.h"
 #include "frame/number_text.h"
 #include "tovalin/convert.h"
-#include "tovalin/error.h"
 
 namespace tovalin {
 namespace {
@@ -37,7 +37,10 @@ void LayoutDescription::AddLine(TextView line) {
 void LayoutDescription::AddField(TextView name, std::size_t length) {
   text_ += name;
   if (fixed_width_) {
-    if (name.size() > kNameWidth) Raise(Failure::InvalidArgument);
+    if (name.size() > kNameWidth)
+      RaiseBecause(Failure::InvalidArgument, "el nombre tiene " + std::to_string(name.size()) +
+                                                 " caracteres y caben " +
+                                                 std::to_string(kNameWidth));
     text_.append(kNameWidth - name.size(), u' ');
     text_ += u'\t';
     AppendNumber(text_, static_cast<std::int64_t>(offset_));

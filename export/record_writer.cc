@@ -1,7 +1,7 @@
 #include "export/record_writer.h"
 
+#include "export/failure_reason.h"
 #include "frame/code_page.h"
-#include "tovalin/error.h"
 
 namespace tovalin {
 namespace {
@@ -9,20 +9,32 @@ namespace {
 // A Size may ask for gigabytes of blanks; no flat file has such records.
 constexpr std::size_t kLongestRecord = std::size_t{1} << 28;
 
-/// Raises 9 for a negative column, as for any that is not there.
-const Variant& Cell(const Variant& data, std::int16_t column, std::size_t row) {
-  if (!data.Is(Subtype::Array)) Raise(Failure::TypeMismatch);
-  if (column < 0) Raise(Failure::SubscriptOutOfRange);
-  return data.AsArray().At(static_cast<std::size_t>(column), row);
+[[noreturn]] void RaiseNoSuch(std::string_view what, std::int64_t number, std::size_t count) {
+  RaiseBecause(Failure::SubscriptOutOfRange, "el arreglo no tiene la " + std::string(what) + ' ' +
+                                                 std::to_string(number) + ": tiene " +
+                                                 std::to_string(count) + ", contadas desde 0");
 }
 
 std::size_t PadCount(const FieldType& type, std::size_t length) {
   const auto width = static_cast<std::size_t>(type.width);
-  if (type.width < 0 || length > width) Raise(Failure::InvalidArgument);
+  if (type.width < 0 || length > width)
+    RaiseBecause(Failure::InvalidArgument, "ocupa " + std::to_string(length) +
+                                               " caracteres y el campo es de " +
+                                               std::to_string(type.width));
   return width - length;
 }
 
 }  // namespace
+
+const Variant& CellOf(const Variant& data, std::int16_t column, std::size_t row) {
+  if (!data.Is(Subtype::Array))
+    RaiseBecause(Failure::TypeMismatch, "los datos no son un arreglo de dos dimensiones");
+  const VariantArray& array = data.AsArray();
+  const auto place = static_cast<std::size_t>(column);
+  if (column < 0 || place >= array.Columns()) RaiseNoSuch("columna", column, array.Columns());
+  if (row >= array.Rows()) RaiseNoSuch("fila", static_cast<std::int64_t>(row), array.Rows());
+  return array.At(place, row);
+}
 
 RecordWriter::RecordWriter(TextView date_pattern, char16_t text_qualifier, bool fixed_width)
     : value_text_(date_pattern),
@@ -32,7 +44,7 @@ RecordWriter::RecordWriter(TextView date_pattern, char16_t text_qualifier, bool 
 std::size_t RecordWriter::Add(const Field& field, const Variant& data, std::size_t row) {
   const std::size_t start = record_.size();
   if (fixed_width_)
-    AppendFixed(field, Cell(data, field.column, row));
+    AppendFixed(field, CellOf(data, field.column, row));
   else
     AppendDelimited(field, data, row);
   const std::size_t length = record_.size() - start;
@@ -56,7 +68,7 @@ void RecordWriter::AppendFixed(const Field& field, const Variant& value) {
 void RecordWriter::AppendDelimited(const Field& field, const Variant& data, std::size_t row) {
   if (field.type.is_text) {
     quoted_.assign(1, text_qualifier_);
-    AppendToCodePage(quoted_, value_text_.Plain(Cell(data, field.column, row)));
+    AppendToCodePage(quoted_, value_text_.Plain(CellOf(data, field.column, row)));
     quoted_ += text_qualifier_;
   }
   RequireRoom(quoted_.size());
@@ -66,12 +78,13 @@ void RecordWriter::AppendDelimited(const Field& field, const Variant& data, std:
 void RecordWriter::RequireRoom(std::size_t length) const {
   // The delimiter behind the field may have filled the record by one more.
   if (record_.size() > kLongestRecord || length > kLongestRecord - record_.size())
-    Raise(Failure::OutOfMemory);
+    RaiseBecause(Failure::OutOfMemory,
+                 "el registro pasa de " + std::to_string(kLongestRecord) + " caracteres");
 }
 
 const std::string& RecordWriter::Finish() {
   if (!fixed_width_) {
-    if (record_.empty()) Raise(Failure::InvalidArgument);
+    if (record_.empty()) RaiseBecause(Failure::InvalidArgument, "no hay campos");
     record_.pop_back();
   }
   return record_ += "\r\n";

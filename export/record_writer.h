@@ -10,6 +10,9 @@ namespace tovalin {
 /// The character after each field.
 inline constexpr char kFieldDelimiter = ';';
 
+/// A cell of an array. Raises 13 for what is no array and 9 for a cell that is not there.
+const Variant& CellOf(const Variant& data, std::int16_t column, std::size_t row);
+
 /// Builds the records of a data file, one after the other, as the bytes of the
 /// file. A character of a text is a byte, so that lengths agree.
 class RecordWriter {

@@ -1,11 +1,10 @@
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "files/command_line.h"
@@ -38,58 +37,68 @@ class Command {
   std::vector<char*> arguments_;
 };
 
-constexpr std::string_view kDefaultPath = "/usr/local/bin:/usr/bin:/bin";
-
-/// Where a program may be: under its own path, or in the directories of PATH.
-std::vector<std::string> Candidates(const std::string& program) {
-  if (program.empty() || program.find('/') != std::string::npos) return {program};
-  const char* path = std::getenv("PATH");
-  std::string_view rest = path ? std::string_view(path) : kDefaultPath;
-  std::vector<std::string> candidates;
-  for (bool more = true; more;) {
-    const std::size_t end = rest.find(':');
-    std::string directory(rest.substr(0, end));
-    candidates.push_back(directory.empty() ? program : directory + "/" + program);
-    more = end != std::string_view::npos;
-    if (more) rest.remove_prefix(end + 1);
-  }
-  return candidates;
-}
-
 /// A signal does not end the wait. ECHILD does: the host collected the process.
 void WaitFor(pid_t process) {
   while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
 
+/// The process that runs the command, or -1. It starts with the signals blocked that
+/// `blocked` names, or with those of this thread.
+pid_t Spawn(const Command& command, const sigset_t* blocked = nullptr) {
+  posix_spawnattr_t attributes;
+  if (posix_spawnattr_init(&attributes) != 0) return -1;
+  if (blocked) {
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setsigmask(&attributes, blocked);
+  }
+  pid_t process = -1;
+  const int error = posix_spawnp(&process, command.Program().c_str(), nullptr, &attributes,
+                                 command.Arguments(), environ);
+  posix_spawnattr_destroy(&attributes);
+  return error == 0 ? process : -1;
+}
+
+/// No signal arrives while one exists.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsBlocked(const SignalsBlocked&) = delete;
+  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  const sigset_t& Before() const { return before_; }
+
+ private:
+  sigset_t before_;
+};
+
 }  // namespace
 
 void RunAndWait(TextView command_line) {
   const Command command(command_line);
-  pid_t process = 0;
-  if (!command || posix_spawnp(&process, command.Program().c_str(), nullptr, nullptr,
-                               command.Arguments(), environ) != 0)
-    return;
-  WaitFor(process);
+  if (!command) return;
+  if (const pid_t process = Spawn(command); process > 0) WaitFor(process);
 }
 
 // The process is the child of a short-lived one, so that it belongs to the system
 // when that one ends, and of a session of its own, so that a closing terminal
-// leaves it alone. Between fork and execve only calls that are safe there: another
-// thread of the host may hold any lock.
+// leaves it alone. The short-lived one uses the memory of this one, whose thread stands
+// still meanwhile: a copy would take long in a large host.
 void Launch(TextView command_line) {
   const Command command(command_line);
   if (!command) return;
-  const std::vector<std::string> candidates = Candidates(command.Program());
-  const pid_t middle = fork();
+  const SignalsBlocked signals;  // a handler of the host would run in both
+  const pid_t middle = vfork();
+  if (middle == 0) {
+    setsid();
+    Spawn(command, &signals.Before());
+    _exit(0);
+  }
   if (middle > 0) WaitFor(middle);
-  if (middle != 0) return;
-
-  setsid();
-  if (fork() == 0)
-    for (const std::string& candidate : candidates)
-      execve(candidate.c_str(), command.Arguments(), environ);
-  _exit(0);
 }
 
 }  // namespace tovalin

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 namespace tovalin {
 
 /// An open file, closed at the end of the scope.
@@ -16,6 +18,8 @@ class Descriptor {
 
   int number() const { return number_; }
   bool IsOpen() const { return number_ >= 0; }
+  /// Leaves the file open, to be closed by the caller.
+  int Release() { return std::exchange(number_, -1); }
 
  private:
   int number_;

@@ -33,6 +33,8 @@ std::vector<Variant> CompleteArguments(const MemberInfo& member, std::span<Varia
   return complete;
 }
 
+Error NoSuchMember(TextView name) { return ErrorAbout(Failure::NoSuchMember, name); }
+
 }  // namespace
 
 Object::~Object() = default;
@@ -45,19 +47,19 @@ const ClassInfo& Object::Class() const {
 std::optional<Error> Object::Invoke(TextView name, MemberKind kind, std::span<Variant> arguments,
                                     Variant& result) {
   const MemberInfo* member = Class().Find(name, kind);
-  if (!member) return PlatformError(Failure::NoSuchMember);
+  if (!member) return NoSuchMember(name);
   return tovalin::Invoke(*this, *member, arguments, result);
 }
 
 int Object::Attach(TextView name, EventSink sink) {
   const EventInfo* event = Class().FindEvent(name);
-  if (!event) Raise(Failure::NoSuchMember);
-  return event->attach(*this, std::move(sink));
+  if (!event) throw NoSuchMember(name);
+  return RaisingErrors([&] { return event->attach(*this, std::move(sink)); });
 }
 
 void Object::Detach(TextView name, int attachment) {
   const EventInfo* event = Class().FindEvent(name);
-  if (!event) Raise(Failure::NoSuchMember);
+  if (!event) throw NoSuchMember(name);
   event->detach(*this, attachment);
 }
 
@@ -84,6 +86,7 @@ std::optional<Error> Invoke(Object& object, const MemberInfo& member, std::span<
   // A handler may drop the host's last Ref on the object while its member runs.
   const Ref<Object> alive = Hold(object);
   return Guarded([&] {
+    CheckStack();
     std::vector<Variant> complete = CompleteArguments(member, arguments);
     result = member.call(object, complete);
   });

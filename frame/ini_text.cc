@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
-#include <type_traits>
 #include <utility>
 
 namespace tovalin {
@@ -40,6 +38,109 @@ std::size_t FindUnescaped(std::string_view text, char mark) {
     if (text[i] == '\\') ++i;
   }
   return kNowhere;
+}
+
+// Where an escaped text stands, which decides what must be escaped in it.
+enum class IniPlace { kSection, kKey, kText };
+
+bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c < 0xDC00; }
+bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c < 0xE000; }
+
+bool IsHalfPair(TextView text, std::size_t i) {
+  if (IsHighSurrogate(text[i])) return i + 1 == text.size() || !IsLowSurrogate(text[i + 1]);
+  return IsLowSurrogate(text[i]) && (i == 0 || !IsHighSurrogate(text[i - 1]));
+}
+
+// Whether a character must be written as a backslash and a letter in `place`.
+bool NeedsLetter(TextView text, std::size_t i, IniPlace place) {
+  const bool first = i == 0;
+  switch (text[i]) {
+    case u'\\':
+    case u'\n':
+    case u'\r':
+    case u'\t':
+      return true;
+    case u' ':
+      return first || i + 1 == text.size();
+    case u'=':
+      return place == IniPlace::kKey;
+    case u']':
+      return place == IniPlace::kSection;
+    case u'[':
+    case u';':
+    case u'#':
+      return place == IniPlace::kKey && first;
+    default:
+      return false;
+  }
+}
+
+void AppendCode(Text& out, char16_t c) {
+  constexpr TextView kDigits = u"0123456789ABCDEF";
+  out += u"\\u";
+  for (int shift = 12; shift >= 0; shift -= 4) {
+    out += kDigits[static_cast<std::size_t>(c >> shift & 15)];
+  }
+}
+
+std::string Escape(TextView text, IniPlace place) {
+  Text out;
+  out.reserve(text.size() + 8);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char16_t c = text[i];
+    if (NeedsLetter(text, i, place)) {
+      const auto escape =
+          std::find_if(kEscapes.begin(), kEscapes.end(), [c](auto& e) { return e.second == c; });
+      out += {u'\\', escape->first};
+    } else if (c < 0x20 || IsHalfPair(text, i)) {
+      AppendCode(out, c);
+    } else {
+      out += c;
+    }
+  }
+  return ToUtf8(out);
+}
+
+int HexDigit(char16_t c) {
+  if (c >= u'0' && c <= u'9') return c - u'0';
+  const char16_t lower = c | 0x20;
+  return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
+}
+
+// The character of the code \uHHHH whose digits `text` starts with, or -1.
+std::int32_t ReadCode(TextView text) {
+  if (text.size() < 4) return -1;
+  std::int32_t code = 0;
+  for (std::size_t i = 0; i < 4; ++i) {
+    const int digit = HexDigit(text[i]);
+    if (digit < 0) return -1;
+    code = code * 16 + digit;
+  }
+  return code;
+}
+
+Text Unescape(std::string_view written) {
+  const Text text = FromUtf8(written);
+  if (text.find(u'\\') == Text::npos) return text;
+  Text out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    out += text[i];
+    if (text[i] != u'\\' || i + 1 == text.size()) continue;
+    const char16_t letter = text[i + 1];
+    const auto escape = std::find_if(kEscapes.begin(), kEscapes.end(),
+                                     [letter](auto& e) { return e.first == letter; });
+    if (escape != kEscapes.end()) {
+      out.back() = escape->second;
+      i += 1;
+    } else if (letter == u'u') {
+      const std::int32_t code = ReadCode(TextView(text).substr(i + 2));
+      if (code < 0) continue;
+      out.back() = static_cast<char16_t>(code);
+      i += 5;
+    }
+  }
+  return out;
 }
 
 struct Line {
@@ -80,8 +181,8 @@ Search FindLine(std::string_view file, TextView section, TextView key) {
     const Line line = ReadLine(file.substr(begin, end - begin));
     if (line.kind == Line::Kind::kOther) continue;
     if (line.kind == Line::Kind::kHeading) {
-      in_section = EqualFolded(UnescapeIni(line.name), section);
-    } else if (in_section && EqualFolded(UnescapeIni(line.name), key)) {
+      in_section = EqualFolded(Unescape(line.name), section);
+    } else if (in_section && EqualFolded(Unescape(line.name), key)) {
       return {begin, end, line.text, end};
     }
     if (in_section) search.section_end = end;
@@ -91,187 +192,41 @@ Search FindLine(std::string_view file, TextView section, TextView key) {
 
 bool EndsInsideLine(std::string_view file) { return !file.empty() && file.back() != '\n'; }
 
-bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c < 0xDC00; }
-bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c < 0xE000; }
-
-// UTF-8 has no pairs.
-bool IsHalfPair(std::string_view, std::size_t) { return false; }
-
-bool IsHalfPair(TextView text, std::size_t i) {
-  if (IsHighSurrogate(text[i])) return i + 1 == text.size() || !IsLowSurrogate(text[i + 1]);
-  return IsLowSurrogate(text[i]) && (i == 0 || !IsHighSurrogate(text[i - 1]));
-}
-
-// Whether a character must be written as a backslash and a letter in `place`.
-template <class Char>
-bool NeedsLetter(std::basic_string_view<Char> text, std::size_t i, IniPlace place) {
-  const bool first = i == 0;
-  switch (text[i]) {
-    case u'\\':
-    case u'\n':
-    case u'\r':
-    case u'\t':
-      return true;
-    case u' ':
-      return first || i + 1 == text.size();
-    case u'=':
-      return place == IniPlace::kKey;
-    case u']':
-      return place == IniPlace::kSection;
-    case u'[':
-    case u';':
-    case u'#':
-      return place == IniPlace::kKey && first;
-    default:
-      return false;
-  }
-}
-
-template <class Char>
-void AppendCode(std::basic_string<Char>& out, char16_t c) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  out += {'\\', 'u'};
-  for (int shift = 12; shift >= 0; shift -= 4) {
-    out += static_cast<Char>(kDigits[static_cast<std::size_t>(c >> shift & 15)]);
-  }
-}
-
-template <class Char>
-std::basic_string<Char> Escape(std::basic_string_view<Char> text, IniPlace place) {
-  std::basic_string<Char> out;
-  out.reserve(text.size() + 8);
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Char>>(text[i]));
-    if (NeedsLetter(text, i, place)) {
-      const auto escape =
-          std::find_if(kEscapes.begin(), kEscapes.end(), [c](auto& e) { return e.second == c; });
-      out += {'\\', static_cast<Char>(escape->first)};
-    } else if (c < 0x20 || IsHalfPair(text, i)) {
-      AppendCode(out, c);
-    } else {
-      out += text[i];
-    }
-  }
-  return out;
-}
-
-int HexDigit(char16_t c) {
-  if (c >= u'0' && c <= u'9') return c - u'0';
-  const char16_t lower = c | 0x20;
-  return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
-}
-
-// The character of the code \uHHHH whose digits `text` starts with, or -1.
-std::int32_t ReadCode(TextView text) {
-  if (text.size() < 4) return -1;
-  std::int32_t code = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    const int digit = HexDigit(text[i]);
-    if (digit < 0) return -1;
-    code = code * 16 + digit;
-  }
-  return code;
-}
-
-// Whether one of eight bytes is a control character or a backslash.
-bool AnySpecial(const char* bytes) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  std::uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  const std::uint64_t not_backslash = word ^ '\\' * kOnes;
-  const std::uint64_t below_blank = (word - ' ' * kOnes) & ~word;
-  const std::uint64_t backslash = (not_backslash - kOnes) & ~not_backslash;
-  return ((below_blank | backslash) & 0x80 * kOnes) != 0;
-}
-
-bool IsSpecial(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\\'; }
-
-// Whether no more than the blanks at its ends may need an escape. Eight bytes at a
-// time, the last ones twice: this stands in the way of every evaluation's trace.
-bool IsPlain(std::string_view utf8) {
-  if (utf8.size() < 8) return std::none_of(utf8.begin(), utf8.end(), IsSpecial);
-  for (; utf8.size() > 8; utf8.remove_prefix(8)) {
-    if (AnySpecial(utf8.data())) return false;
-    if (utf8.size() < 16) return !AnySpecial(utf8.data() + utf8.size() - 8);
-  }
-  return !AnySpecial(utf8.data());
-}
-
 }  // namespace
-
-std::string EscapeIni(TextView text, IniPlace place) { return ToUtf8(Escape(text, place)); }
-
-Text UnescapeIni(std::string_view written) {
-  const Text text = FromUtf8(written);
-  if (text.find(u'\\') == Text::npos) return text;
-  Text out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    out += text[i];
-    if (text[i] != u'\\' || i + 1 == text.size()) continue;
-    const char16_t letter = text[i + 1];
-    const auto escape = std::find_if(kEscapes.begin(), kEscapes.end(),
-                                     [letter](auto& e) { return e.first == letter; });
-    if (escape != kEscapes.end()) {
-      out.back() = escape->second;
-      i += 1;
-    } else if (letter == u'u') {
-      const std::int32_t code = ReadCode(TextView(text).substr(i + 2));
-      if (code < 0) continue;
-      out.back() = static_cast<char16_t>(code);
-      i += 5;
-    }
-  }
-  return out;
-}
-
-// Looks before it copies: this stands in the way of every evaluation's trace.
-void EscapeIniTextFrom(std::size_t start, std::string& lines) {
-  const std::string_view text = std::string_view(lines).substr(start);
-  if (text.empty()) return;
-  if (!IsPlain(text) || text.front() == ' ') {
-    lines.replace(start, text.size(), Escape(text, IniPlace::kText));
-  } else if (text.back() == ' ') {
-    lines.back() = '\\';
-    lines += 's';
-  }
-}
 
 std::optional<Text> FindEntry(std::string_view file, TextView section, TextView key) {
   const Search search = FindLine(file, section, key);
   if (!search.Found()) return std::nullopt;
-  return UnescapeIni(search.text);
+  return Unescape(search.text);
 }
 
-std::string WithEntry(std::string_view file, TextView section, TextView key, TextView text) {
+std::string WithEntry(std::string file, TextView section, TextView key, TextView text) {
   const Search search = FindLine(file, section, key);
-  std::string out(file);
-  std::string line = EscapeIni(key, IniPlace::kKey);
+  std::string line = Escape(key, IniPlace::kKey);
   line += '=';
-  line += EscapeIni(text, IniPlace::kText);
+  line += Escape(text, IniPlace::kText);
   line += '\n';
   if (search.Found()) {
-    return out.replace(search.begin, search.end - search.begin, line);
+    return std::move(file.replace(search.begin, search.end - search.begin, line));
   }
   const bool at_end = search.section_end == kNowhere || search.section_end == file.size();
-  if (at_end && EndsInsideLine(file)) out += '\n';
+  if (at_end && EndsInsideLine(file)) file += '\n';
   if (search.section_end != kNowhere) {
-    return out.insert(at_end ? out.size() : search.section_end, line);
+    return std::move(file.insert(at_end ? file.size() : search.section_end, line));
   }
-  if (!file.empty()) out += '\n';
-  out += '[';
-  out += EscapeIni(section, IniPlace::kSection);
-  out += "]\n";
-  out += line;
-  return out;
+  if (!file.empty()) file += '\n';
+  file += '[';
+  file += Escape(section, IniPlace::kSection);
+  file += "]\n";
+  file += line;
+  return file;
 }
 
-std::string WithoutEntry(std::string_view file, TextView section, TextView key) {
-  std::string out(file);
+std::string WithoutEntry(std::string file, TextView section, TextView key) {
   for (;;) {
-    const Search search = FindLine(out, section, key);
-    if (!search.Found()) return out;
-    out.erase(search.begin, search.end - search.begin);
+    const Search search = FindLine(file, section, key);
+    if (!search.Found()) return file;
+    file.erase(search.begin, search.end - search.begin);
   }
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,18 +34,9 @@ std::optional<Text> FindEntry(std::string_view file, TextView section, TextView 
 
 /// `file` with the entry set to `text`: in its place when it stands there, else
 /// as the last of its section, which is added at the end when need be.
-std::string WithEntry(std::string_view file, TextView section, TextView key, TextView text);
+std::string WithEntry(std::string file, TextView section, TextView key, TextView text);
 
 /// `file` without any entry of that name.
-std::string WithoutEntry(std::string_view file, TextView section, TextView key);
-
-/// Where an escaped text stands, which decides what must be escaped in it.
-enum class IniPlace { kSection, kKey, kText };
-
-std::string EscapeIni(TextView text, IniPlace place);
-Text UnescapeIni(std::string_view written);
-
-/// Escapes the text of an entry that stands at the end of `lines`, from `start` on.
-void EscapeIniTextFrom(std::size_t start, std::string& lines);
+std::string WithoutEntry(std::string file, TextView section, TextView key);
 
 }  // namespace tovalin

@@ -2,312 +2,155 @@
 
 #include <algorithm>
 #include <atomic>
-#include <bit>
 #include <chrono>
+#include <string>
 #include <thread>
 #include <utility>
+
+#include "frame/settings_file.h"
+#include "tovalin/error.h"
 
 namespace tovalin {
 namespace {
 
-using std::chrono::microseconds;
-using std::chrono::steady_clock;
+using Word = std::uint64_t;
 
-constexpr std::size_t kHeadSize = 128;
-constexpr std::size_t kSlotSizePlace = 24;
-constexpr std::array<std::size_t, 2> kUsedPlace = {40, 56};
-constexpr std::size_t kNameSizePlace = 72;
-constexpr std::array<std::string_view, 5> kLabels = {"; vivo: ", ", cupo: ", ", usos: ", " y      ",
-                                                     ", tema: "};
-constexpr std::string_view kExplanation = "\n; Tovalin escribe en vivo lo que sigue.";
-constexpr std::string_view kFormerSuffix = " anterior";
-constexpr std::string_view kSlotEnd = "       \n";
-constexpr std::size_t kSmallestSlot = 1984;  // head and slots then fill one page
-constexpr std::size_t kSlotStep = 2048;
-constexpr std::uint32_t kBeingWritten = 1;
-constexpr int kMostTurns = 100'000;  // only a file that refuses every change needs so many
+constexpr std::size_t kStatePlace = 0;
+constexpr std::size_t kTimePlace = 8;
+constexpr std::size_t kBuffersPlace = 64;
 
-using Digits = std::array<char, 8>;
+// In a buffer.
+constexpr std::size_t SlotPlace(std::size_t slot) {
+  std::size_t place = 8 * kLiveTexts;  // the heads
+  for (std::size_t i = 0; i < slot; ++i) place += 2 * LiveFile::kLongest[i];
+  return place;
+}
+constexpr std::size_t kBufferSize = SlotPlace(kLiveTexts);
+constexpr std::size_t kFileSize = kBuffersPlace + 2 * kBufferSize;
 
-// `word` with its bytes, or those of its number, the other way round.
-constexpr std::uint64_t Reversed(std::uint64_t word) {
-  if constexpr (std::endian::native == std::endian::big) return word;
-  word = word << 32 | word >> 32;
-  word = (word & 0x0000FFFF0000FFFF) << 16 | (word >> 16 & 0x0000FFFF0000FFFF);
-  return (word & 0x00FF00FF00FF00FF) << 8 | (word >> 8 & 0x00FF00FF00FF00FF);
+constexpr Word kStandsHere = 1 << 16;
+
+constexpr std::size_t kLatestPlace = 0;
+constexpr std::size_t kLongTextsPlace = 8;
+constexpr std::size_t kLatestSize = 16;
+
+std::size_t CurrentBuffer(Word state) { return kBuffersPlace + (state >> 1 & 1) * kBufferSize; }
+
+std::filesystem::path LatestPath(std::filesystem::path stem) { return stem += ".latest"; }
+std::filesystem::path FilePath(std::filesystem::path stem, Word number) {
+  return stem += "." + std::to_string(number);
 }
 
-// Eight digits at once, since they are most of the work of a short Write.
-constexpr std::uint64_t ToWord(std::uint32_t number) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  std::uint64_t digits = number;
-  digits = (digits << 16 | digits) & 0x0000FFFF0000FFFF;
-  digits = (digits << 8 | digits) & 0x00FF00FF00FF00FF;
-  digits = (digits << 4 | digits) & 0x0F0F0F0F0F0F0F0F;
-  const std::uint64_t letters = (digits + 6 * kOnes) >> 4 & kOnes;
-  return Reversed(digits + '0' * kOnes + letters * ('A' - '9' - 1));
-}
-
-constexpr std::optional<std::uint32_t> FromWord(std::uint64_t word) {
-  std::uint64_t digits = Reversed(word);
-  digits = (digits & 0x0F0F0F0F0F0F0F0F) + 9 * (digits >> 6 & 0x0101010101010101);
-  digits = (digits | digits >> 4) & 0x00FF00FF00FF00FF;
-  digits = (digits | digits >> 8) & 0x0000FFFF0000FFFF;
-  const auto number = static_cast<std::uint32_t>(digits | digits >> 16);
-  if (ToWord(number) != word) return std::nullopt;
-  return number;
-}
-
-constexpr char kMovedMark = '-';
-
-std::uint64_t WithFirstDigit(std::uint64_t word, char digit) {
-  auto digits = std::bit_cast<Digits>(word);
-  digits[0] = digit;
-  return std::bit_cast<std::uint64_t>(digits);
-}
-
-bool IsMarked(std::uint64_t word) { return std::bit_cast<Digits>(word)[0] == kMovedMark; }
-
-// The number of an edition, marked as moved or not.
-std::optional<std::uint32_t> EditionOf(std::uint64_t word) {
-  return FromWord(IsMarked(word) ? WithFirstDigit(word, '0') : word);
-}
-
-std::size_t CurrentSlot(std::uint32_t edition) { return edition >> 1 & 1; }
-
-std::size_t RoundUp(std::size_t size, std::size_t step) { return (size + step - 1) / step * step; }
-
-std::size_t HeadingSize(std::size_t name_size) {
-  return RoundUp(name_size + kFormerSuffix.size() + 3, 8);
-}
-
-std::string Heading(std::string_view section, std::string_view suffix) {
-  std::string line(1, '[');
-  line.append(section).append(suffix) += ']';
-  line.resize(HeadingSize(section.size()), ' ');
-  line.back() = '\n';
-  return line;
-}
-
-std::string Head(const std::array<std::size_t, kLabels.size()>& numbers) {
-  std::string head;
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    const auto digits = std::bit_cast<Digits>(ToWord(static_cast<std::uint32_t>(numbers[i])));
-    head += kLabels[i];
-    head.append(digits.data(), digits.size());
+// Makes the state odd and answers the one before. Nothing when another's write does not
+// end: its process was forked and killed.
+std::optional<Word> BeginWrite(Mapping& file) {
+  constexpr int kTurns = 2000;
+  constexpr int kBriskTurns = 200;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    const Word state = file.Load(kStatePlace);
+    if ((state & 1) == 0 && file.CompareExchange(kStatePlace, state, state + 1)) return state;
+    if (turn > kBriskTurns) std::this_thread::sleep_for(std::chrono::microseconds(20));
   }
-  head += kExplanation;
-  head.resize(kHeadSize, ' ');
-  head.back() = '\n';
-  return head;
-}
-
-// Tells a writer at work from a dead one by the time an edition stays the same.
-class Patience {
- public:
-  // A slow disk or a busy machine writes 50 MB in a second at least.
-  explicit Patience(std::size_t slot_size)
-      : limit_(microseconds(100'000) + microseconds(slot_size / 50)) {}
-
-  // Waits a moment; false when `edition` has been the same for too long.
-  bool Wait(std::uint32_t edition) {
-    if (edition != edition_ || turns_ == 0) {
-      edition_ = edition;
-      turns_ = 0;
-      start_ = steady_clock::now();
-    }
-    if (++turns_ < kBriskTurns) return true;
-    if (steady_clock::now() - start_ > limit_) return false;
-    std::this_thread::sleep_for(microseconds(20));
-    return true;
-  }
-
- private:
-  static constexpr int kBriskTurns = 200;
-
-  steady_clock::duration limit_;
-  steady_clock::time_point start_;
-  std::uint32_t edition_ = 0;
-  int turns_ = 0;
-};
-
-}  // namespace
-
-bool LiveFile::HasHead(std::string_view bytes) {
-  return bytes.size() >= kHeadSize && bytes.starts_with(kLabels[0]);
-}
-
-std::optional<LiveFile> LiveFile::Open(const std::filesystem::path& path, Mapping::Access access) {
-  std::optional<Mapping> mapping = Mapping::Open(path, access);
-  if (!mapping || mapping->size() < kHeadSize) return std::nullopt;
-  for (std::size_t i = 0; i < kLabels.size(); ++i) {
-    Digits label;
-    mapping->Read(16 * i, label.data(), label.size());
-    if (std::string_view(label.data(), label.size()) != kLabels[i]) return std::nullopt;
-  }
-  const std::size_t slot_size = FromWord(mapping->Load(kSlotSizePlace)).value_or(0);
-  const std::size_t room = mapping->size() - kHeadSize;
-  if (slot_size == 0 || slot_size % 8 != 0 || room < 2 * slot_size) return std::nullopt;
-  LiveFile file(std::move(*mapping), slot_size);
-  if (!file.ReadSection()) return std::nullopt;
-  return file;
-}
-
-// Only what no writer ever changes is looked at, since one may be at work.
-bool LiveFile::ReadSection() {
-  const std::size_t size = FromWord(mapping_.Load(kNameSizePlace)).value_or(0xFFFFFFFF);
-  if (size > slot_size_ || HeadingSize(size) + 8 > slot_size_) return false;
-  section_ = ReadName(0, size);
-  if (!section_.starts_with('[') || ReadName(1, size) != section_) return false;
-  section_.erase(0, 1);
-  headings_ = {Heading(section_, ""), Heading(section_, kFormerSuffix)};
-  for (std::size_t slot = 0; slot < 2; ++slot) {
-    Digits end;
-    mapping_.Read(SlotStart(slot) + slot_size_ - 8, end.data(), end.size());
-    if (std::string_view(end.data(), end.size()) != kSlotEnd) return false;
-  }
-  return EditionOf(mapping_.Load(kEditionPlace)).has_value();
-}
-
-// The opening bracket of a slot's heading and the name of `size` bytes after it.
-std::string LiveFile::ReadName(std::size_t slot, std::size_t size) const {
-  std::string bytes(RoundUp(size + 1, 8), '\0');
-  mapping_.Read(SlotStart(slot), bytes.data(), bytes.size());
-  bytes.resize(size + 1);
-  return bytes;
-}
-
-std::string LiveFile::Compose(std::string_view section, std::string_view body,
-                              std::string_view rest) {
-  const std::size_t used = HeadingSize(section.size()) + RoundUp(body.size(), 8);
-  const std::size_t wanted = std::max(used + used / 2 + 8, kSmallestSlot) - kSmallestSlot;
-  const std::size_t slot_size = kSmallestSlot + RoundUp(wanted, kSlotStep);
-  std::string bytes = Head({0, slot_size, used, HeadingSize(section.size()), section.size()});
-  bytes.reserve(kHeadSize + 2 * slot_size + rest.size());
-  bytes += Heading(section, "");
-  bytes += body;
-  bytes.resize(kHeadSize + slot_size - kSlotEnd.size(), ' ');
-  bytes += kSlotEnd;
-  bytes += Heading(section, kFormerSuffix);
-  bytes.resize(kHeadSize + 2 * slot_size - kSlotEnd.size(), ' ');
-  bytes += kSlotEnd;
-  bytes += rest;
-  return bytes;
-}
-
-std::string_view LiveFile::RestOf(std::string_view bytes) const {
-  return bytes.substr(std::min(bytes.size(), kHeadSize + 2 * slot_size_));
-}
-
-std::size_t LiveFile::SlotStart(std::size_t slot) const { return kHeadSize + slot * slot_size_; }
-
-std::size_t LiveFile::Used(std::size_t slot) const {
-  const std::size_t most = slot_size_ - kSlotEnd.size();
-  const std::size_t used = FromWord(mapping_.Load(kUsedPlace[slot])).value_or(0xFFFFFFFF);
-  return std::clamp(used / 8 * 8, headings_[0].size(), std::max(most, headings_[0].size()));
-}
-
-bool LiveFile::HasRoom(std::string_view body) const {
-  return headings_[0].size() + body.size() + kSlotEnd.size() <= slot_size_;
-}
-
-LiveFile::Outcome LiveFile::Write(std::string_view body, std::size_t same) {
-  for (std::size_t& agreed : agreed_) agreed = std::min(agreed, same);
-  if (!HasRoom(body)) return Outcome::kTooLong;
-  std::uint64_t word = mapping_.Load(kEditionPlace);
-  // Most often nobody else wrote since: then the digits need no reading.
-  if (word == last_word_ && TryWrite(word, last_edition_ + 1, body)) return Outcome::kWritten;
-  Patience patience(slot_size_);
-  for (int turn = 0; turn < kMostTurns; ++turn) {
-    word = mapping_.Load(kEditionPlace);
-    const std::optional<std::uint32_t> edition = FromWord(word);
-    if (!edition) return Outcome::kMoved;
-    const bool being_written = *edition & kBeingWritten;
-    if (being_written && patience.Wait(*edition)) continue;
-    if (word != last_word_) Forget();
-    if (TryWrite(word, being_written ? *edition + 4 : *edition + 1, body)) return Outcome::kWritten;
-    // Another was faster, thought this writer dead, or marked the file: once more.
-  }
-  return Outcome::kMoved;
-}
-
-// Makes the edition `word` the odd one `mine`, writes, and makes it even.
-bool LiveFile::TryWrite(std::uint64_t word, std::uint32_t mine, std::string_view body) {
-  const std::uint64_t mine_word = ToWord(mine);
-  if (!mapping_.CompareExchange(kEditionPlace, word, mine_word)) return false;
-  const std::size_t slot = 1 - CurrentSlot(mine);
-  Fill(slot, body, std::exchange(agreed_[slot], 0));
-  const std::uint64_t done_word = ToWord(mine + 1);
-  if (!mapping_.CompareExchange(kEditionPlace, mine_word, done_word)) return false;
-  agreed_[slot] = body.size();
-  last_edition_ = mine + 1;
-  last_word_ = done_word;
-  return true;
-}
-
-// The number in use is never below what the slot holds, whenever the writer dies.
-void LiveFile::Fill(std::size_t slot, std::string_view body, std::size_t agreed) {
-  constexpr std::string_view kBlanks =
-      "                                                                ";
-  const std::size_t start = SlotStart(slot);
-  const std::size_t size = headings_[0].size() + body.size();
-  const std::size_t before =
-      mapping_.Load(kUsedPlace[slot]) == used_words_[slot] ? used_[slot] : Used(slot);
-  std::atomic_thread_fence(std::memory_order_release);
-  if (used_[slot] != size) {
-    used_[slot] = size;
-    used_words_[slot] = ToWord(static_cast<std::uint32_t>(size));
-  }
-  if (size > before) mapping_.Store(kUsedPlace[slot], used_words_[slot]);
-  agreed = agreed / 8 * 8;
-  mapping_.Write(start + headings_[0].size() + agreed, body.substr(agreed));
-  for (std::size_t i = size; i < before; i += kBlanks.size()) {
-    mapping_.Write(start + i, kBlanks.substr(0, before - i));
-  }
-  if (size < before) mapping_.Store(kUsedPlace[slot], used_words_[slot]);
-  const std::size_t named = (1 + section_.size()) / 8 * 8;  // the same in both headings
-  mapping_.Write(start + named, std::string_view(headings_[0]).substr(named));
-  mapping_.Write(SlotStart(1 - slot) + named, std::string_view(headings_[1]).substr(named));
-}
-
-std::optional<std::string> LiveFile::Read() const {
-  const auto end =
-      steady_clock::now() + std::chrono::milliseconds(500) + microseconds(slot_size_ / 10);
-  std::string body;
-  do {
-    for (int turn = 0; turn < 100; ++turn) {
-      const std::uint64_t word = mapping_.Load(kEditionPlace);
-      const std::optional<std::uint32_t> edition = EditionOf(word);
-      if (!edition) return std::nullopt;
-      const std::size_t slot = CurrentSlot(*edition);
-      body.resize(Used(slot) - headings_[0].size());
-      mapping_.Read(SlotStart(slot) + headings_[0].size(), body.data(), body.size());
-      std::atomic_thread_fence(std::memory_order_acquire);
-      const std::uint64_t after = mapping_.Load(kEditionPlace);
-      const std::uint32_t later = FromWord(after).value_or(0) - (*edition & ~kBeingWritten);
-      if (after != word && (IsMarked(word) || IsMarked(after) || later > 2)) continue;
-      body.erase(body.find_last_not_of(' ') + 1);
-      return body;
-    }
-    std::this_thread::yield();
-  } while (steady_clock::now() < end);
   return std::nullopt;
 }
 
-void LiveFile::MarkMoved() {
-  for (int turn = 0; turn < kMostTurns; ++turn) {
-    const std::uint64_t word = mapping_.Load(kEditionPlace);
-    if (!FromWord(word)) return;
-    const std::uint64_t marked = WithFirstDigit(word, kMovedMark);
-    if (mapping_.CompareExchange(kEditionPlace, word, marked)) return;
-  }
+std::size_t SizeOf(Word head, std::size_t slot) {
+  return std::min<std::size_t>(head % kStandsHere, LiveFile::kLongest[slot]);
 }
 
-void LiveFile::DropMark() {
-  const std::uint64_t word = mapping_.Load(kEditionPlace);
-  const std::optional<std::uint32_t> edition = EditionOf(word);
-  if (!IsMarked(word) || !edition) return;
-  mapping_.CompareExchange(kEditionPlace, word, ToWord((*edition & ~kBeingWritten) + 4));
+void Fill(Mapping& file, std::size_t buffer, std::size_t slot, const LiveEntry<TextView>& entry) {
+  const Word size = entry.text.size() <= LiveFile::kLongest[slot] ? entry.text.size() : 0;
+  file.Write(buffer + SlotPlace(slot), entry.text.data(), 2 * size);
+  file.Store(buffer + 8 * slot, entry.in_settings ? size : kStandsHere + size);
+}
+
+void Copy(Mapping& file, std::size_t from, std::size_t to, std::size_t slot) {
+  const Word head = file.Load(from + 8 * slot);
+  file.Copy(from + SlotPlace(slot), to + SlotPlace(slot), 2 * SizeOf(head, slot));
+  file.Store(to + 8 * slot, head);
+}
+
+LiveEntry<Text> ReadSlot(const Mapping& file, std::size_t buffer, std::size_t slot) {
+  const Word head = file.Load(buffer + 8 * slot);
+  LiveEntry<Text> entry{Text(SizeOf(head, slot), u'\0'), head < kStandsHere};
+  file.Read(buffer + SlotPlace(slot), entry.text.data(), 2 * entry.text.size());
+  return entry;
+}
+
+LiveTexts ReadTexts(const Mapping& file) {
+  constexpr int kTurns = 100'000;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    if (turn % 100 == 99) std::this_thread::yield();
+    const Word state = file.Load(kStatePlace);
+    LiveTexts texts;
+    for (std::size_t slot = 0; slot < kLiveTexts; ++slot)
+      texts[slot] = ReadSlot(file, CurrentBuffer(state), slot);
+    std::atomic_thread_fence(std::memory_order_acquire);
+    if (file.Load(kStatePlace) - (state & ~Word{1}) <= 2) return texts;
+  }
+  Raise(Failure::PathAccess);
+}
+
+}  // namespace
+
+LiveFile::LiveFile(std::filesystem::path stem, Word number, Mapping latest, Mapping file)
+    : stem_(std::move(stem)), number_(number), latest_(std::move(latest)), file_(std::move(file)) {}
+
+std::shared_ptr<LiveFile> LiveFile::Take(const std::filesystem::path& stem) {
+  MakeDirectories(stem.parent_path());
+  std::optional<Mapping> latest = Mapping::Make(LatestPath(stem), kLatestSize);
+  if (!latest) return nullptr;
+  constexpr Word kMost = 10'000;
+  for (Word number = 1; number < kMost; ++number) {
+    std::optional<Mapping> file = Mapping::Make(FilePath(stem, number), kFileSize);
+    if (!file) return nullptr;
+    if (!file->Lock()) continue;
+    // Its former process may have been killed in the middle of a write.
+    file->Store(kStatePlace, file->Load(kStatePlace) & ~Word{1});
+    return std::make_shared<LiveFile>(stem, number, *std::move(latest), *std::move(file));
+  }
+  return nullptr;
+}
+
+bool LiveFile::IsInPlace() const {
+  return latest_.IsAt(LatestPath(stem_)) && file_.IsAt(FilePath(stem_, number_));
+}
+
+std::optional<Word> LiveFile::Write(const LiveChanges& changes, std::size_t same, Word state) {
+  const std::optional<Word> before = BeginWrite(file_);
+  if (!before) return std::nullopt;
+  std::atomic_thread_fence(std::memory_order_release);
+  const std::size_t other = CurrentBuffer(*before + 2);
+  for (std::size_t slot = *before == state ? same : 0; slot < kLiveTexts; ++slot) {
+    if (changes[slot])
+      Fill(file_, other, slot, *changes[slot]);
+    else
+      Copy(file_, CurrentBuffer(*before), other, slot);
+  }
+  file_.Store(kStatePlace, *before + 2);
+  if (!IsLatest()) {
+    SetTime();
+    latest_.Store(kLatestPlace, number_);
+  }
+  return *before + 2;
+}
+
+void LiveFile::SetTime() {
+  const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
+  file_.Store(kTimePlace, static_cast<Word>(now.count()));
+}
+
+Word LiveFile::LongTexts() const { return latest_.Load(kLongTextsPlace); }
+
+void LiveFile::SetLongTexts(Word bits) { latest_.Store(kLongTextsPlace, bits); }
+
+LiveReading ReadLatest(const std::filesystem::path& stem) {
+  const std::optional<Mapping> latest = Mapping::Open(LatestPath(stem), kLatestSize);
+  const Word number = latest ? latest->Load(kLatestPlace) : 0;
+  if (number == 0) return {};
+  const std::optional<Mapping> file = Mapping::Open(FilePath(stem, number), kFileSize);
+  if (!file) return {};
+  return {file->Load(kTimePlace), ReadTexts(*file)};
 }
 
 }  // namespace tovalin

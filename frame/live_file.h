@@ -4,116 +4,92 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
-#include <string>
-#include <string_view>
 
 #include "frame/mapping.h"
+#include "tovalin/text.h"
 
 namespace tovalin {
 
-// A settings file of which one section is rewritten in place. It starts with a
-// head of 128 bytes, two comment lines for the reader of an ordinary ini file:
+// The four texts of a trace lie in a file of fixed size for each process that evaluates,
+// `<stem>.1`, `<stem>.2` and so on, which its process keeps mapped and locked. It stays when
+// the process ends; the next process takes the first file that nobody has locked. In words
+// of 8 bytes, all 0 at first:
 //
-//     ; vivo: 0000002E, cupo: 000007C0, usos: 00000058 y      00000060, tema: 00000007<LF>
-//     ; Tovalin escribe en vivo lo que sigue.       <LF>
+//     state, time, 6 x 0, and two buffers of 4 heads, 3 slots of 16,336 bytes, one of 64
 //
-// 0000002E at byte 8 is the edition, 000007C0 at 24 the size of a slot, a multiple
-// of 8, the numbers at 40 and 56 say how many bytes of each slot are in use, the one
-// at 72 how many the name of the section has: all in hexadecimal, each read and
-// written as one word of 8 bytes.
-// Two slots follow: each a heading line, blanks before its end making it a
-// multiple of 8 long, the entries, and blanks up to the last byte, a LF.
+// - A head is 65,536 + the number of characters in the slot. Without the 65,536 the text is
+//   the one in the settings, and the slot has its fingerprint, or nothing if it may be any.
+// - The state counts by 2 with each write and is odd during one. Bit 1 (of value 2) tells the
+//   current buffer. A writer makes the state odd in one step, fills the other buffer, and adds
+//   1: a process that is killed leaves the current buffer whole. A reader's copy of the buffer
+//   holds when the state, taken as even, has gone up by 2 at most since.
+// - Threads, and processes that were forked, share a file: the odd state keeps them apart.
 //
-// - One slot is the current one: the first when bit 1 (of value 2) of the edition
-//   is 0, else the second. Its heading is [section], the other's
-//   [section anterior]. That heading is for people: the edition decides.
-// - A writer makes an even edition odd in one step, writes the slot that is not
-//   the current one, swaps the headings, and adds 1: the slots change roles. So a
-//   writer that dies leaves the values complete that were there before it.
-// - A writer that finds an odd edition waits. When it stays the same for long its
-//   writer is dead, and the next one adds 4 and goes on in its place.
-// - The edition with "-" for its first digit marks a file that is about to be
-//   replaced by a new one at the same path: it keeps its values, writers open the
-//   path again. Marks are made, and dropped when the new file was never put in
-//   place, under the FileLock alone. Who drops one adds 4 to an even edition: then
-//   no edition comes back soon, and while it stays the same nobody has written.
-// - A reader reads the current slot, then the edition again: what it read holds
-//   while the edition, taken as even, has gone up by 2 at most.
-//
-// What follows the slots is ordinary ini text that never changes in place.
+// `<stem>.latest`, which all processes map, has two words: the number of the file that was
+// written last, and a bit for each text that the settings may hold, set and cleared under
+// their FileLock.
 
-/// One such file, open.
+constexpr std::size_t kLiveTexts = 4;
+
+template <class T>
+struct LiveEntry {
+  T text;
+  bool in_settings = false;  // the text is a fingerprint then
+};
+using LiveTexts = std::array<LiveEntry<Text>, kLiveTexts>;
+/// To be written; those without a view stay as they are.
+using LiveChanges = std::array<std::optional<LiveEntry<TextView>>, kLiveTexts>;
+
+/// The file of this process, open for writing.
 class LiveFile {
  public:
-  /// Nothing when the file cannot be opened or has another form.
-  static std::optional<LiveFile> Open(const std::filesystem::path& path, Mapping::Access access);
+  /// The most characters that each slot can hold.
+  static constexpr std::array<std::size_t, kLiveTexts> kLongest = {8168, 8168, 8168, 32};
 
-  /// A new file with those entries of the live section and room for them to grow.
-  /// `section` is a heading's name and `body` its lines, both as an ini file has them.
-  static std::string Compose(std::string_view section, std::string_view body,
-                             std::string_view rest);
+  /// Takes a file that no process has. Null when none can be had.
+  static std::shared_ptr<LiveFile> Take(const std::filesystem::path& stem);
+  /// As Take makes it.
+  LiveFile(std::filesystem::path stem, std::uint64_t number, Mapping latest, Mapping file);
 
-  /// Whether a file of these bytes may be a live file.
-  static bool HasHead(std::string_view bytes);
+  /// Whether other processes find the file.
+  bool IsInPlace() const;
 
-  /// The ordinary ini text in the bytes of a live file.
-  std::string_view RestOf(std::string_view bytes) const;
+  /// Another number after each write, whoever writes.
+  std::uint64_t State() const { return file_.Load(0); }
 
-  /// The name of the live section, as written in its heading.
-  const std::string& section() const { return section_; }
+  /// Whether no other process has written since.
+  bool IsLatest() const { return latest_.Load(0) == number_; }
 
-  bool IsAt(const std::filesystem::path& path) const { return mapping_.IsAt(path); }
+  /// Writes texts, which are then the latest of all processes; in place of one that is too
+  /// long, the empty one. The first `same` of them were
+  /// the same in the last two writes, provided that the state is still `state`. Answers the
+  /// new state, or nothing when another's write does not end.
+  std::optional<std::uint64_t> Write(const LiveChanges& changes, std::size_t same,
+                                     std::uint64_t state);
 
-  bool HasRoom(std::string_view body) const;
+  /// Says in the file that it is in use at this moment.
+  void SetTime();
 
-  enum class Outcome { kWritten, kTooLong, kMoved };
-
-  /// Writes the lines of the section, a multiple of 8 bytes long. The first `same`
-  /// bytes are those of the last Write of this object.
-  Outcome Write(std::string_view body, std::size_t same);
-
-  /// Whether the last Write of this object succeeded and nobody has written since.
-  bool HoldsLast() const { return mapping_.Load(kEditionPlace) == last_word_; }
-
-  /// Takes nothing for granted that was written before: the next two Writes write
-  /// every line, whatever became of the file.
-  void Forget() { agreed_ = {}; }
-
-  /// The lines of the section, all from one Write. Nothing when the file is
-  /// being rewritten so often that no look at it succeeds.
-  std::optional<std::string> Read() const;
-
-  void MarkMoved();
-  void DropMark();
+  /// The texts that the settings may hold, of whatever process, a bit each.
+  std::uint64_t LongTexts() const;
+  void SetLongTexts(std::uint64_t bits);
 
  private:
-  LiveFile(Mapping mapping, std::size_t slot_size)
-      : mapping_(std::move(mapping)), slot_size_(slot_size) {}
-
-  bool ReadSection();
-  std::string ReadName(std::size_t slot, std::size_t size) const;
-  std::size_t SlotStart(std::size_t slot) const;
-  std::size_t Used(std::size_t slot) const;
-  bool TryWrite(std::uint64_t word, std::uint32_t mine, std::string_view body);
-  void Fill(std::size_t slot, std::string_view body, std::size_t agreed);
-
-  static constexpr std::size_t kEditionPlace = 8;
-
-  Mapping mapping_;
-  std::size_t slot_size_;
-  std::string section_;
-  std::array<std::string, 2> headings_;  // of the current slot and of the other
-
-  // The numbers last written and their digits, 0 before that, which are none.
-  std::uint64_t last_word_ = 0;
-  std::uint32_t last_edition_ = 0;
-  std::array<std::uint64_t, 2> used_words_{};
-  std::array<std::size_t, 2> used_{};
-
-  // How many bytes of the last body each slot begins with for certain, as long as
-  // the edition is the last one that was written here.
-  std::array<std::size_t, 2> agreed_{};
+  std::filesystem::path stem_;
+  std::uint64_t number_;
+  Mapping latest_;
+  Mapping file_;
 };
+
+struct LiveReading {
+  std::uint64_t time = 0;  // when the file was last said to be in use; 0 is never
+  LiveTexts texts;
+};
+
+/// What was written last to the files of a stem. Raises 75 when that happens so often that no
+/// look at it succeeds.
+LiveReading ReadLatest(const std::filesystem::path& stem);
 
 }  // namespace tovalin

@@ -1,62 +1,81 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 namespace tovalin {
 
-/// The bytes of an open file, read and changed in place while other threads and
+/// The first bytes of a file in memory, read and changed while other threads and
 /// processes do the same. Every change is seen by the others at once and outlives
-/// the process. Places and sizes are multiples of 8: each 8 bytes are read and
-/// written as one word, several words in no certain order.
+/// the process. Each 8 bytes are read and written as one word, several words in no
+/// certain order. Places are multiples of 8.
+///
+/// A process ends when it touches the memory of a file that has been made shorter, so
+/// only files are mapped that Make has made, which nobody has leave to write to.
 class Mapping {
  public:
-  enum class Access { kRead, kWrite };
+  /// Maps a file for reading. Nothing when it cannot be opened or is shorter than `size`.
+  static std::optional<Mapping> Open(const std::filesystem::path& path, std::size_t size);
 
-  /// Nothing when the file cannot be opened so, or is empty.
-  static std::optional<Mapping> Open(const std::filesystem::path& path, Access access);
+  /// Maps a file for writing; made, or made longer with zeros, when need be. Its room on the
+  /// disk is taken beforehand, and it is left readable for the user alone and writable for
+  /// nobody. Nothing when that cannot be done.
+  static std::optional<Mapping> Make(const std::filesystem::path& path, std::size_t size);
 
   Mapping(Mapping&& other) noexcept
-      : handle_(std::exchange(other.handle_, nullptr)),
+      : start_(std::exchange(other.start_, nullptr)),
         size_(other.size_),
+        handle_(std::exchange(other.handle_, kNone)),
         volume_(other.volume_),
         file_(other.file_) {}
-  Mapping& operator=(Mapping&& other) noexcept {
-    std::swap(handle_, other.handle_);
-    std::swap(size_, other.size_);
-    std::swap(volume_, other.volume_);
-    std::swap(file_, other.file_);
-    return *this;
-  }
+  Mapping& operator=(Mapping&&) = delete;
   ~Mapping();
 
-  /// The size of the file when it was opened. Nobody may make it smaller since.
-  std::size_t size() const { return size_; }
+  /// Whether nobody else has the file's lock, which is this object's then as long as it lives,
+  /// and that of processes forked meanwhile. Only where the file was opened by Make.
+  bool Lock();
 
   /// Whether `path` still names this file.
   bool IsAt(const std::filesystem::path& path) const;
 
   /// The word at `place`. What the writer of the word wrote before it is seen.
-  std::uint64_t Load(std::size_t place) const;
-  void Store(std::size_t place, std::uint64_t word);
+  std::uint64_t Load(std::size_t place) const {
+    return WordAt(place).load(std::memory_order_acquire);
+  }
+  /// Whoever sees this word sees what was written before it.
+  void Store(std::size_t place, std::uint64_t word) {
+    WordAt(place).store(word, std::memory_order_release);
+  }
+  /// Writes `desired` where `expected` stands, in one step; false when something else
+  /// stands there.
+  bool CompareExchange(std::size_t place, std::uint64_t expected, std::uint64_t desired) {
+    return WordAt(place).compare_exchange_strong(expected, desired);
+  }
 
-  /// Writes `desired` where `expected` stands, in one step; false when something
-  /// else stands there.
-  bool CompareExchange(std::size_t place, std::uint64_t expected, std::uint64_t desired);
-
-  void Read(std::size_t place, char* bytes, std::size_t count) const;
-  void Write(std::size_t place, std::string_view bytes);
+  /// Any number of bytes; the rest of the last word is written as zeros.
+  void Read(std::size_t place, void* bytes, std::size_t count) const;
+  void Write(std::size_t place, const void* bytes, std::size_t count);
+  /// Whole words, as many as `count` bytes need.
+  void Copy(std::size_t from, std::size_t to, std::size_t count);
 
  private:
-  Mapping(void* handle, std::size_t size, std::uint64_t volume, std::uint64_t file)
-      : handle_(handle), size_(size), volume_(volume), file_(file) {}
+  static constexpr std::intptr_t kNone = -1;
 
-  void* handle_;  // the first byte in memory, or the system's handle of the file
+  Mapping(void* start, std::size_t size, std::intptr_t handle, std::uint64_t volume,
+          std::uint64_t file)
+      : start_(start), size_(size), handle_(handle), volume_(volume), file_(file) {}
+
+  std::atomic_ref<std::uint64_t> WordAt(std::size_t place) const {
+    return std::atomic_ref(*reinterpret_cast<std::uint64_t*>(static_cast<char*>(start_) + place));
+  }
+
+  void* start_;
   std::size_t size_;
+  std::intptr_t handle_;  // the system's handle of the file, which holds the lock
   std::uint64_t volume_;  // these two tell the file from all others
   std::uint64_t file_;
 };

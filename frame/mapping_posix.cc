@@ -1,10 +1,10 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <time.h>
 
-#include <atomic>
-#include <cstring>
+#include <cerrno>
 
 #include "frame/descriptor_posix.h"
 #include "frame/mapping.h"
@@ -12,61 +12,68 @@
 namespace tovalin {
 namespace {
 
-std::atomic_ref<std::uint64_t> WordAt(void* start, std::size_t place) {
-  return std::atomic_ref<std::uint64_t>(
-      *reinterpret_cast<std::uint64_t*>(static_cast<char*>(start) + place));
+constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
+
+// The file for writing, though its mode forbids that to its owner too. Another process may
+// do the same at this moment, so one attempt does not always do.
+int OpenToWrite(const std::filesystem::path& path) {
+  for (int attempt = 0; attempt < 10; ++attempt) {
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | kFlags, 0400);
+    if (file >= 0 || errno != EACCES || chmod(path.c_str(), 0600) != 0) return file;
+  }
+  return -1;
+}
+
+// Only for a file that is too short: where the file system cannot take room itself, bytes are
+// written, which others may be writing too.
+bool TakeRoom(int file, const struct stat& status, std::size_t size) {
+  if (static_cast<std::size_t>(status.st_size) >= size) return true;
+  return posix_fallocate(file, 0, static_cast<off_t>(size)) == 0;
+}
+
+// The status of a regular file.
+std::optional<struct stat> StatusOf(int file) {
+  struct stat status {};
+  if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  return status;
 }
 
 }  // namespace
 
-std::optional<Mapping> Mapping::Open(const std::filesystem::path& path, Access access) {
-  const bool write = access == Access::kWrite;
-  const Descriptor file(open(path.c_str(), (write ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK));
-  struct stat status {};
-  if (!file.IsOpen() || fstat(file.number(), &status) != 0) return std::nullopt;
-  if (!S_ISREG(status.st_mode) || status.st_size == 0) return std::nullopt;
-  const auto size = static_cast<std::size_t>(status.st_size);
-  void* start =
-      mmap(nullptr, size, write ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED, file.number(), 0);
+std::optional<Mapping> Mapping::Open(const std::filesystem::path& path, std::size_t size) {
+  const Descriptor file(open(path.c_str(), O_RDONLY | kFlags));
+  if (!file.IsOpen()) return std::nullopt;
+  const std::optional<struct stat> status = StatusOf(file.number());
+  if (!status || static_cast<std::size_t>(status->st_size) < size) return std::nullopt;
+  void* const start = mmap(nullptr, size, PROT_READ, MAP_SHARED, file.number(), 0);
   if (start == MAP_FAILED) return std::nullopt;
-  return Mapping(start, size, status.st_dev, status.st_ino);
+  return Mapping(start, size, kNone, status->st_dev, status->st_ino);
+}
+
+std::optional<Mapping> Mapping::Make(const std::filesystem::path& path, std::size_t size) {
+  const int file = OpenToWrite(path);
+  if (file < 0) return std::nullopt;
+  Mapping mapping(nullptr, size, file, 0, 0);  // closes the file
+  const std::optional<struct stat> status = StatusOf(file);
+  if (!status || fchmod(file, 0400) != 0 || !TakeRoom(file, *status, size)) return std::nullopt;
+  mapping.volume_ = status->st_dev;
+  mapping.file_ = status->st_ino;
+  void* const start = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+  if (start == MAP_FAILED) return std::nullopt;
+  mapping.start_ = start;
+  return mapping;
 }
 
 Mapping::~Mapping() {
-  if (handle_) munmap(handle_, size_);
+  if (start_) munmap(start_, size_);
+  if (handle_ != kNone) close(static_cast<int>(handle_));
 }
+
+bool Mapping::Lock() { return flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) == 0; }
 
 bool Mapping::IsAt(const std::filesystem::path& path) const {
   struct stat status {};
   return stat(path.c_str(), &status) == 0 && status.st_dev == volume_ && status.st_ino == file_;
-}
-
-std::uint64_t Mapping::Load(std::size_t place) const {
-  return WordAt(handle_, place).load(std::memory_order_acquire);
-}
-
-void Mapping::Store(std::size_t place, std::uint64_t word) {
-  WordAt(handle_, place).store(word, std::memory_order_relaxed);
-}
-
-bool Mapping::CompareExchange(std::size_t place, std::uint64_t expected, std::uint64_t desired) {
-  return WordAt(handle_, place).compare_exchange_strong(expected, desired);
-}
-
-void Mapping::Read(std::size_t place, char* bytes, std::size_t count) const {
-  for (std::size_t i = 0; i < count; i += 8) {
-    const std::uint64_t word = WordAt(handle_, place + i).load(std::memory_order_relaxed);
-    std::memcpy(bytes + i, &word, 8);
-  }
-}
-
-void Mapping::Write(std::size_t place, std::string_view bytes) {
-  char* const start = static_cast<char*>(handle_) + place;
-  for (std::size_t i = 0; i < bytes.size(); i += 8) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes.data() + i, 8);
-    WordAt(start, i).store(word, std::memory_order_relaxed);
-  }
 }
 
 std::int64_t CoarseMilliseconds() {

@@ -1,10 +1,10 @@
 #include "frame/pattern_cache.h"
 
-#include <array>
 #include <functional>
 #include <optional>
 
 #include "frame/named_formats.h"
+#include "frame/pattern_memo.h"
 #include "frame/pattern_scanner.h"
 
 namespace tovalin {
@@ -78,47 +78,23 @@ Pattern Parse(TextView text) {
   return ParseCustom(named ? TextView(*named) : text);
 }
 
-// A memo of a pure function: what it holds can be told from the pattern's text
-// alone, so nobody can observe it but by the time saved. It is bounded (a new
-// pattern takes the place of an older one) and each thread has its own, so
-// objects on different threads share nothing through it.
-class PatternMemo {
- public:
-  ~PatternMemo();
-
-  std::shared_ptr<const Pattern> Find(TextView text) {
-    Entry& entry = entries_[std::hash<TextView>{}(text) % entries_.size()];
-    if (!entry.pattern || entry.text != text) {
-      // Parsed first: when memory runs out the entry stays as it was.
-      auto pattern = std::make_shared<const Pattern>(Parse(text));
-      entry.text = text;
-      entry.pattern = std::move(pattern);
-    }
-    return entry.pattern;
-  }
-
- private:
-  struct Entry {
-    Text text;
-    std::shared_ptr<const Pattern> pattern;
-  };
-
-  std::array<Entry, 64> entries_;
-};
-
-// A thread's last destructors may still format when its memo is gone.
-thread_local constinit bool memo_is_gone = false;
-
-PatternMemo::~PatternMemo() { memo_is_gone = true; }
-
 }  // namespace
+
+std::shared_ptr<const Pattern> PatternMemo::Find(TextView text) {
+  Entry& entry = entries_[std::hash<TextView>{}(text) % entries_.size()];
+  if (!entry.pattern || entry.text != text) {
+    // Parsed first: when memory runs out the entry stays as it was.
+    auto pattern = std::make_shared<const Pattern>(Parse(text));
+    entry.text = text;
+    entry.pattern = std::move(pattern);
+  }
+  return entry.pattern;
+}
 
 std::shared_ptr<const Pattern> ParsedPattern(TextView text) {
   constexpr std::size_t kLongestRemembered = 200;
-  if (text.size() > kLongestRemembered || memo_is_gone)
-    return std::make_shared<const Pattern>(Parse(text));
-  thread_local PatternMemo memo;
-  return memo.Find(text);
+  PatternMemo* const memo = text.size() > kLongestRemembered ? nullptr : MemoOfThisThread();
+  return memo ? memo->Find(text) : std::make_shared<const Pattern>(Parse(text));
 }
 
 }  // namespace tovalin

@@ -5,7 +5,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <thread>
 
 #include "frame/descriptor_posix.h"
 #include "frame/settings_file.h"
@@ -34,15 +33,19 @@ using std::filesystem::path;
   }
 }
 
-path WithSuffix(path file, const char* suffix) { return file += suffix; }
+constexpr const char* kTemporary = ".tmp";
 
-void MakeDirectories(const path& directory) {
-  if (mkdir(directory.c_str(), 0700) == 0 || errno == EEXIST) return;
-  const path parent = directory.parent_path();
-  if (errno != ENOENT || parent.empty() || parent == directory) RaiseSystem(errno);
-  MakeDirectories(parent);
-  if (mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) RaiseSystem(errno);
+// A directory by the environment; a relative one counts as none. `in_home` is where it is
+// without a variable, unless null.
+std::optional<path> DirectoryOf(const char* variable, const char* in_home) {
+  const char* named = std::getenv(variable);
+  if (named && named[0] == '/') return named;
+  const char* home = in_home ? std::getenv("HOME") : nullptr;
+  if (!home || home[0] != '/') return std::nullopt;
+  return path(home) / in_home;
 }
+
+path WithSuffix(path file, const char* suffix) { return file += suffix; }
 
 int OpenLockFile(const path& file) {
   MakeDirectories(file.parent_path());
@@ -51,9 +54,9 @@ int OpenLockFile(const path& file) {
   return lock;
 }
 
-// False when somebody else holds the lock and `how` says not to wait.
-bool Lock(int lock, int how) {
-  while (flock(lock, how) != 0) {
+// False when somebody else holds the lock.
+bool Lock(int lock) {
+  while (flock(lock, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EWOULDBLOCK) return false;
     if (errno != EINTR) RaiseSystem(errno);
   }
@@ -76,19 +79,11 @@ void WriteAll(int file, std::string_view bytes) {
   }
 }
 
-// Takes the room on the disk beforehand: a file written in place later on must
-// not find the disk full then. A file system that cannot do this has no need.
-void TakeRoom(int file, std::size_t size) {
-  if (size == 0) return;
-  const int error = posix_fallocate(file, 0, static_cast<off_t>(size));
-  if (error != 0 && error != EINVAL && error != EOPNOTSUPP) RaiseSystem(error);
-}
-
-void WriteNewFile(const path& file, mode_t mode, std::string_view bytes) {
-  const Descriptor out(open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+// What bears the name is left over, or somebody's trap: it is not written to.
+void WriteNewFile(const path& file, std::string_view bytes) {
+  unlink(file.c_str());
+  const Descriptor out(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (!out.IsOpen()) RaiseSystem(errno);
-  if (fchmod(out.number(), mode) != 0) RaiseSystem(errno);
-  TakeRoom(out.number(), bytes.size());
   WriteAll(out.number(), bytes);
   if (fsync(out.number()) != 0) RaiseSystem(errno);
 }
@@ -103,35 +98,43 @@ void SyncDirectory(const path& directory) {
 }  // namespace
 
 path ConfigurationDirectory() {
-  // A relative XDG_CONFIG_HOME counts as none.
-  const char* configured = std::getenv("XDG_CONFIG_HOME");
-  if (configured && configured[0] == '/') return configured;
-  const char* home = std::getenv("HOME");
-  if (!home || home[0] != '/') Raise(Failure::PathNotFound);
-  return path(home) / ".config";
+  if (std::optional<path> directory = DirectoryOf("XDG_CONFIG_HOME", ".config")) return *directory;
+  Raise(Failure::PathNotFound);
 }
 
-FileLock::FileLock(const path& file) : handle_(kNone) {
-  for (;;) {
-    FileLock lock(static_cast<std::intptr_t>(OpenLockFile(file)));
-    Lock(static_cast<int>(lock.handle_), LOCK_EX);
-    if (!IsAt(static_cast<int>(lock.handle_), WithSuffix(file, ".lock"))) continue;
-    std::swap(handle_, lock.handle_);
-    return;
-  }
+std::vector<path> RuntimeDirectories() {
+  std::vector<path> directories;
+  // What another user's session left in the environment does not count.
+  std::optional<path> runtime = DirectoryOf("XDG_RUNTIME_DIR", nullptr);
+  struct stat status {};
+  const bool is_foreign =
+      runtime && stat(runtime->c_str(), &status) == 0 && status.st_uid != geteuid();
+  if (runtime && !is_foreign) directories.push_back(*std::move(runtime));
+  if (auto state = DirectoryOf("XDG_STATE_HOME", ".local/state"))
+    directories.push_back(*std::move(state));
+  directories.push_back(ConfigurationDirectory());
+  return directories;
 }
 
-std::optional<FileLock> FileLock::Try(const path& file, std::chrono::milliseconds patience) {
-  const auto end = std::chrono::steady_clock::now() + patience;
-  do {
-    FileLock lock(static_cast<std::intptr_t>(OpenLockFile(file)));
-    if (Lock(static_cast<int>(lock.handle_), LOCK_EX | LOCK_NB) &&
-        IsAt(static_cast<int>(lock.handle_), WithSuffix(file, ".lock"))) {
-      return lock;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  } while (std::chrono::steady_clock::now() < end);
-  return std::nullopt;
+void MakeDirectories(const path& directory) {
+  if (mkdir(directory.c_str(), 0700) == 0 || errno == EEXIST) return;
+  const path parent = directory.parent_path();
+  if (errno != ENOENT || parent.empty() || parent == directory) RaiseSystem(errno);
+  MakeDirectories(parent);
+  if (mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) RaiseSystem(errno);
+}
+
+path LinkedFile(const path& file) {
+  std::error_code none_yet;
+  const path linked = std::filesystem::canonical(file, none_yet);
+  return none_yet ? file : linked;
+}
+
+bool FileLock::TryOnce(const path& file) {
+  Descriptor lock(OpenLockFile(file));
+  if (!Lock(lock.number()) || !IsAt(lock.number(), WithSuffix(file, ".lock"))) return false;
+  handle_ = lock.Release();
+  return true;
 }
 
 FileLock::~FileLock() {
@@ -156,21 +159,26 @@ std::optional<std::string> ReadWhole(const path& file) {
 }
 
 void ReplaceWhole(const path& file, std::string_view bytes) {
-  // What a link names is replaced, not the link.
-  std::error_code none_yet;
-  const path linked = std::filesystem::canonical(file, none_yet);
-  const path& target = none_yet ? file : linked;
-  struct stat old {};
-  const mode_t mode = stat(target.c_str(), &old) == 0 ? old.st_mode & 0777 : 0600;
-  const path temporary = WithSuffix(target, ".tmp");
+  const path temporary = WithSuffix(file, kTemporary);
   try {
-    WriteNewFile(temporary, mode, bytes);
-    if (rename(temporary.c_str(), target.c_str()) != 0) RaiseSystem(errno);
+    WriteNewFile(temporary, bytes);
+    if (rename(temporary.c_str(), file.c_str()) != 0) RaiseSystem(errno);
   } catch (const Error&) {
     unlink(temporary.c_str());
     throw;
   }
-  SyncDirectory(target.parent_path());
+  SyncDirectory(file.parent_path());
+}
+
+void RemoveLeftover(const path& file) noexcept {
+  try {
+    const path temporary = WithSuffix(file, kTemporary);
+    if (access(temporary.c_str(), F_OK) != 0) return;
+    const FileLock lock(file, 1);
+    unlink(temporary.c_str());
+  } catch (...) {
+    // Its writer is at work, or it cannot be removed.
+  }
 }
 
 }  // namespace tovalin

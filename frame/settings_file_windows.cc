@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <thread>
+#include <utility>
 
 #include "frame/settings_file.h"
 #include "tovalin/error.h"
@@ -42,6 +42,16 @@ using std::filesystem::path;
   RaiseSystem(error);
 }
 
+constexpr const wchar_t* kTemporary = L".tmp";
+
+std::optional<path> DirectoryOf(const wchar_t* variable) {
+  std::array<wchar_t, 32768> directory;
+  const DWORD size =
+      GetEnvironmentVariableW(variable, directory.data(), static_cast<DWORD>(directory.size()));
+  if (size == 0 || size >= directory.size()) return std::nullopt;
+  return path(std::wstring_view(directory.data(), size));
+}
+
 path WithSuffix(path file, const wchar_t* suffix) { return file += suffix; }
 
 class Handle {
@@ -54,6 +64,7 @@ class Handle {
   }
   HANDLE get() const { return handle_; }
   bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  HANDLE Release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
 
  private:
   HANDLE handle_;
@@ -65,17 +76,6 @@ HANDLE OpenFile(const path& file, DWORD access, DWORD disposition) {
                      nullptr);
 }
 
-void MakeDirectories(const path& directory) {
-  if (CreateDirectoryW(directory.c_str(), nullptr)) return;
-  const DWORD error = GetLastError();
-  if (error == ERROR_ALREADY_EXISTS) return;
-  const path parent = directory.parent_path();
-  if (error != ERROR_PATH_NOT_FOUND || parent.empty() || parent == directory) RaiseSystem(error);
-  MakeDirectories(parent);
-  if (CreateDirectoryW(directory.c_str(), nullptr)) return;
-  if (GetLastError() != ERROR_ALREADY_EXISTS) RaiseSystem(GetLastError());
-}
-
 HANDLE OpenLockFile(const path& file) {
   MakeDirectories(file.parent_path());
   const path name = WithSuffix(file, L".lock");
@@ -84,9 +84,11 @@ HANDLE OpenLockFile(const path& file) {
   return lock;
 }
 
-bool Lock(HANDLE lock, DWORD how) {
+// False when somebody else holds the lock.
+bool Lock(HANDLE lock) {
   OVERLAPPED start{};
-  if (LockFileEx(lock, LOCKFILE_EXCLUSIVE_LOCK | how, 0, 1, 0, &start)) return true;
+  constexpr DWORD kHow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+  if (LockFileEx(lock, kHow, 0, 1, 0, &start)) return true;
   const DWORD error = GetLastError();
   if (error != ERROR_LOCK_VIOLATION && error != ERROR_IO_PENDING) RaiseSystem(error);
   return false;
@@ -109,8 +111,8 @@ void WriteNewFile(const path& file, std::string_view bytes) {
   if (!FlushFileBuffers(out.get())) RaiseSystem(GetLastError());
 }
 
-// ReplaceFileW takes the place even of a file that others have open for writing
-// in place, which a plain move does not; but it wants a file to be there.
+// ReplaceFileW takes the place even of a file that others have open, which a plain move
+// does not; but it wants a file to be there.
 void Rename(const path& from, const path& to) {
   if (ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
                    nullptr)) {
@@ -125,27 +127,35 @@ void Rename(const path& from, const path& to) {
 }  // namespace
 
 path ConfigurationDirectory() {
-  std::array<wchar_t, 32768> directory;
-  const DWORD size =
-      GetEnvironmentVariableW(L"APPDATA", directory.data(), static_cast<DWORD>(directory.size()));
-  if (size == 0 || size >= directory.size()) Raise(Failure::PathNotFound);
-  return path(std::wstring_view(directory.data(), size));
+  if (std::optional<path> directory = DirectoryOf(L"APPDATA")) return *directory;
+  Raise(Failure::PathNotFound);
 }
 
-FileLock::FileLock(const path& file) : handle_(kNone) {
-  FileLock lock(reinterpret_cast<std::intptr_t>(OpenLockFile(file)));
-  Lock(reinterpret_cast<HANDLE>(lock.handle_), 0);
-  std::swap(handle_, lock.handle_);
+std::vector<path> RuntimeDirectories() {
+  std::vector<path> directories;
+  if (auto local = DirectoryOf(L"LOCALAPPDATA")) directories.push_back(*std::move(local));
+  directories.push_back(ConfigurationDirectory());
+  return directories;
 }
 
-std::optional<FileLock> FileLock::Try(const path& file, std::chrono::milliseconds patience) {
-  const auto end = std::chrono::steady_clock::now() + patience;
-  FileLock lock(reinterpret_cast<std::intptr_t>(OpenLockFile(file)));
-  while (!Lock(reinterpret_cast<HANDLE>(lock.handle_), LOCKFILE_FAIL_IMMEDIATELY)) {
-    if (std::chrono::steady_clock::now() >= end) return std::nullopt;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return lock;
+void MakeDirectories(const path& directory) {
+  if (CreateDirectoryW(directory.c_str(), nullptr)) return;
+  const DWORD error = GetLastError();
+  if (error == ERROR_ALREADY_EXISTS) return;
+  const path parent = directory.parent_path();
+  if (error != ERROR_PATH_NOT_FOUND || parent.empty() || parent == directory) RaiseSystem(error);
+  MakeDirectories(parent);
+  if (CreateDirectoryW(directory.c_str(), nullptr)) return;
+  if (GetLastError() != ERROR_ALREADY_EXISTS) RaiseSystem(GetLastError());
+}
+
+path LinkedFile(const path& file) { return file; }
+
+bool FileLock::TryOnce(const path& file) {
+  Handle lock(OpenLockFile(file));
+  if (!Lock(lock.get())) return false;
+  handle_ = reinterpret_cast<std::intptr_t>(lock.Release());
+  return true;
 }
 
 FileLock::~FileLock() {
@@ -173,13 +183,24 @@ std::optional<std::string> ReadWhole(const path& file) {
 }
 
 void ReplaceWhole(const path& file, std::string_view bytes) {
-  const path temporary = WithSuffix(file, L".tmp");
+  const path temporary = WithSuffix(file, kTemporary);
   try {
     WriteNewFile(temporary, bytes);
     Rename(temporary, file);
   } catch (const Error&) {
     DeleteFileW(temporary.c_str());
     throw;
+  }
+}
+
+void RemoveLeftover(const path& file) noexcept {
+  try {
+    const path temporary = WithSuffix(file, kTemporary);
+    if (GetFileAttributesW(temporary.c_str()) == INVALID_FILE_ATTRIBUTES) return;
+    const FileLock lock(file, 1);
+    DeleteFileW(temporary.c_str());
+  } catch (...) {
+    // Its writer is at work, or it cannot be removed.
   }
 }
 

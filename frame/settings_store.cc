@@ -1,10 +1,12 @@
+#include "frame/settings_store.h"
+
 #include <exception>
 
-#include "frame/settings_content.h"
-#include "frame/settings_file.h"
+#include "frame/ini_text.h"
+#include "frame/live_trace.h"
+#include "frame/settings_edit.h"
 #include "frame/settings_path.h"
 #include "tovalin/error.h"
-#include "tovalin/settings.h"
 
 namespace tovalin {
 namespace {
@@ -12,29 +14,45 @@ namespace {
 // Holds nothing: the environment is asked for the directory at every call.
 class FileSettings final : public SettingsStore {
  public:
+  explicit FileSettings(int lock_attempts) : lock_attempts_(lock_attempts) {}
+
   void Save(TextView application, TextView section, TextView key, TextView text) override {
-    const std::filesystem::path path = SettingsPath(application);
-    const FileLock lock(path);
-    SettingsContent content = TakeContent(path);
-    content.Set(section, key, text);
-    ReplaceWhole(path, content.Bytes());
+    if (const auto trace_key = FindTraceKey(application, section, key)) {
+      LiveChanges changes;
+      changes[*trace_key] = {text};
+      if (LiveTrace().Put(changes, 0)) return;
+    }
+    SettingsEdit edit(SettingsPath(application), lock_attempts_);
+    edit.Set(section, key, text);
+    edit.Write();
   }
 
   Text Get(TextView application, TextView section, TextView key,
            TextView otherwise) const override {
     try {
-      if (auto text = ReadContent(SettingsPath(application)).Find(section, key)) {
-        return *std::move(text);
-      }
+      const auto trace_key = FindTraceKey(application, section, key);
+      std::optional<Text> text =
+          trace_key ? ReadTrace()[*trace_key]
+                    : FindEntry(ReadSettings(SettingsPath(application)), section, key);
+      if (text) return *std::move(text);
     } catch (const Error&) {
     } catch (const std::exception&) {
     }
     return Text(otherwise);
   }
+
+ private:
+  int lock_attempts_;
 };
 
 }  // namespace
 
-Ref<SettingsStore> DefaultSettings() { return Make<FileSettings>(); }
+Ref<SettingsStore> DefaultSettings() { return MakeFileSettings(FileLock::kAttempts); }
+
+Ref<SettingsStore> MakeFileSettings(int lock_attempts) { return Make<FileSettings>(lock_attempts); }
+
+bool IsFileSettings(const SettingsStore& store) {
+  return dynamic_cast<const FileSettings*>(&store) != nullptr;
+}
 
 }  // namespace tovalin

@@ -126,6 +126,29 @@ Text FromUtf8(std::string_view utf8) {
   return text;
 }
 
+std::size_t ValidUtf8Length(std::string_view bytes) {
+  constexpr std::uint64_t kHighBits = 0x8080'8080'8080'8080;
+  std::size_t valid = 0;
+  while (valid < bytes.size()) {
+    std::uint64_t word;
+    if (bytes.size() - valid >= sizeof word) {
+      std::memcpy(&word, bytes.data() + valid, sizeof word);
+      if ((word & kHighBits) == 0) {
+        valid += sizeof word;
+        continue;
+      }
+    }
+    if (static_cast<unsigned char>(bytes[valid]) < 0x80) {
+      ++valid;
+      continue;
+    }
+    const std::size_t length = DecodeOne(bytes.substr(valid)).length;
+    if (length == 1) break;  // what stands for a byte that is not UTF-8
+    valid += length;
+  }
+  return valid;
+}
+
 std::string ToUtf8(TextView text) {
   std::string utf8;
   AppendUtf8(utf8, text);

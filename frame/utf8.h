@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "tovalin/text.h"
 
@@ -12,5 +13,8 @@ inline constexpr std::size_t kMostUtf8Bytes = 3;
 /// Writes `text` in UTF-8 at `target`, where there is room for kMostUtf8Bytes a
 /// character, and answers the place behind it. Halves of pairs as in ToUtf8.
 char* WriteUtf8(char* target, TextView text);
+
+/// How many bytes there are before the first one that is not UTF-8.
+std::size_t ValidUtf8Length(std::string_view bytes);
 
 }  // namespace tovalin

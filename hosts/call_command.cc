@@ -1,7 +1,11 @@
+#include <algorithm>
 #include <iostream>
 #include <optional>
 
 #include "hosts/command_line.h"
+#include "hosts/encoding.h"
+#include "hosts/input.h"
+#include "hosts/member_listing.h"
 #include "tovalin/convert.h"
 #include "tovalin/factory.h"
 
@@ -53,25 +57,36 @@ void CallMember(Object& object, const MemberInfo& member, Arguments arguments) {
   std::vector<Variant> values = ReadArguments(member, arguments);
   const std::vector<Variant> before = values;
   Variant result;
-  ThrowIfFailed(Invoke(object, member, values, result));
-  if (member.result.subtype != Subtype::Empty) std::cout << ShowValue(result) << '\n';
-  for (std::size_t i = 0; i < values.size(); ++i) {
+  const std::optional<Error> error = Invoke(object, member, values, result);
+  if (!error && member.result.subtype != Subtype::Empty) std::cout << ShowValue(result) << '\n';
+  // A member that raises keeps what it had set by then.
+  for (std::size_t i = 0; i < std::min(values.size(), member.parameter_count); ++i) {
     const ParameterInfo& parameter = member.parameter_slots[i];
     if (parameter.by_reference && Changed(before[i], values[i]))
       std::cout << ToUtf8(parameter.name) << " = " << ShowValue(values[i]) << '\n';
   }
+  ThrowIfFailed(error);
+}
+
+int ListClasses() {
+  for (const ClassInfo* info : Classes()) std::cout << ToUtf8(info->name) << '\n';
+  return kDone;
 }
 
 }  // namespace
 
 int RunCall(const std::vector<std::string>& arguments) {
-  if (arguments.empty()) Raise(Failure::ArgumentNotOptional);
-  const Ref<Object> object = CreateObject(FromUtf8(arguments[0]));
+  if (arguments.empty()) return ListClasses();
+  const Ref<Object> object = CreateObject(TextOfArgument(arguments[0]));
+  if (arguments.size() == 1) {
+    std::cout << ListMembers(object->Class());
+    return kDone;
+  }
   std::size_t next = 1;
   while (next < arguments.size() && AssignProperty(*object, arguments[next])) ++next;
   if (next == arguments.size()) return kDone;
-  const MemberInfo* member = FindMember(object->Class(), FromUtf8(arguments[next]));
-  if (!member) Raise(Failure::NoSuchMember);
+  const MemberInfo* member = FindMember(object->Class(), TextOfArgument(arguments[next]));
+  if (!member) RaiseAbout(Failure::NoSuchMember, arguments[next]);
   CallMember(*object, *member, Arguments(arguments).subspan(next + 1));
   return kDone;
 }

@@ -1,7 +1,10 @@
 #include "hosts/command_line.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
+#include "hosts/encoding.h"
 #include "tovalin/convert.h"
 #include "tovalin/dispatch.h"
 
@@ -41,12 +44,19 @@ std::optional<Variant> ReadPrefixed(std::string_view argument) {
   if (argument == "missing:") return Variant::Missing();
   for (const Prefix& prefix : kPrefixes) {
     if (!argument.starts_with(prefix.text)) continue;
-    const Text text = FromUtf8(argument.substr(prefix.text.size()));
+    const Text text = TextOfArgument(argument.substr(prefix.text.size()));
     if (prefix.subtype == Subtype::Boolean) return Variant(ReadBoolean(text));
     return Convert(Variant(text), prefix.subtype);
   }
   return std::nullopt;
 }
+
+struct Escape {
+  char character;
+  std::string_view text;
+};
+
+constexpr Escape kEscapes[] = {{'\n', "\\n"}, {'\r', "\\r"}, {'\\', "\\\\"}};
 
 struct TypeCode {
   Subtype subtype;
@@ -80,7 +90,7 @@ void Answer(Evaluador& evaluator, const Text& macro, Variant& result, Ref<Collec
 
 Variant ReadValue(std::string_view argument) {
   if (auto value = ReadPrefixed(argument)) return *value;
-  const Text text = FromUtf8(argument);
+  const Text text = TextOfArgument(argument);
   if (const auto number = ReadNumber(text)) return *number;
   return text;
 }
@@ -88,13 +98,13 @@ Variant ReadValue(std::string_view argument) {
 Variant ReadValue(std::string_view argument, Subtype wanted) {
   if (wanted != Subtype::String) return ReadValue(argument);
   const auto value = ReadPrefixed(argument);
-  return value ? *value : Variant(FromUtf8(argument));
+  return value ? *value : Variant(TextOfArgument(argument));
 }
 
 Assignment ReadAssignment(std::string_view argument) {
   const std::size_t equals = argument.find('=');
   if (equals == std::string_view::npos) Raise(Failure::InvalidArgument);
-  return {Text(Trim(FromUtf8(argument.substr(0, equals)))),
+  return {Text(Trim(TextOfArgument(argument.substr(0, equals)))),
           std::string(argument.substr(equals + 1))};
 }
 
@@ -117,12 +127,11 @@ std::string ShowError(const Error& error) {
 std::string OneLine(std::string_view text) {
   std::string line;
   for (char c : text) {
-    if (c == '\n')
-      line.append("\\n");
-    else if (c == '\r')
-      line.append("\\r");
-    else
+    const auto escape = std::ranges::find(kEscapes, c, &Escape::character);
+    if (escape == std::end(kEscapes))
       line.push_back(c);
+    else
+      line.append(escape->text);
   }
   return line;
 }
@@ -147,7 +156,7 @@ Ref<Evaluador> MakeEvaluator(const SymbolOptions& options) {
   });
   if (options.system_constants) host.ClearConstants();
   for (const std::string& word : options.functions) {
-    const Text name = FromUtf8(word);
+    const Text name = TextOfArgument(word);
     host.AddFunction(name + u"(", name, u"", name + u"( )");
   }
   for (const std::string& argument : options.variables) {
@@ -157,7 +166,7 @@ Ref<Evaluador> MakeEvaluator(const SymbolOptions& options) {
   }
   for (const std::string& argument : options.formulas) {
     const Assignment assignment = ReadAssignment(argument);
-    host.AddVble(assignment.name, Variant(), u"", kNumeric, FromUtf8(assignment.value));
+    host.AddVble(assignment.name, Variant(), u"", kNumeric, TextOfArgument(assignment.value));
   }
   return evaluator;
 }

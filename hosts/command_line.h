@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,7 @@ inline constexpr int kFailed = 2;  // a raised error
 /// Integer, "l:" Long, "f:" Single, "d:" Double, "c:" Currency, "t:" Date, "b:"
 /// Boolean, "y:" Byte, "s:" String, "null:", "empty:", "missing:"); without one,
 /// a text that reads as a number is a Double and any other is a String. Raises
-/// the errors of the conversion.
+/// the errors of the conversion, and kObjectError for bytes that are not UTF-8.
 Variant ReadValue(std::string_view argument);
 /// The same for a parameter of a known subtype: text stays text, "007" included.
 Variant ReadValue(std::string_view argument, Subtype wanted);
@@ -38,7 +39,7 @@ std::string ShowValue(const Variant& value);
 /// "Error NUMBER (SOURCE): DESCRIPTION".
 std::string ShowError(const Error& error);
 
-/// `text` with each line feed as "\n" and each carriage return as "\r".
+/// `text` with each line feed as "\n", carriage return as "\r" and backslash as "\\".
 std::string OneLine(std::string_view text);
 
 /// The code of data types that fits a value.
@@ -60,6 +61,7 @@ struct SymbolOptions {
 Ref<Evaluador> MakeEvaluator(const SymbolOptions& options);
 
 int RunEval(const SymbolOptions& options, const std::string& formula);
+/// The worst of the codes of the lines.
 int RunEvalLines(const SymbolOptions& options, const std::string& path);
 int RunCheck(const SymbolOptions& options, const std::string& formula);
 int RunPostfix(const SymbolOptions& options, const std::string& formula);
@@ -67,7 +69,8 @@ int RunPostfix(const SymbolOptions& options, const std::string& formula);
 struct TableOptions {
   std::string input;
   std::string formulas;
-  std::string output;  // empty: standard output
+  std::string output;    // empty: standard output
+  std::string encoding;  // of both, empty: UTF-8
 };
 int RunTable(const TableOptions& options);
 
@@ -75,14 +78,15 @@ struct ExportOptions {
   std::string input;
   std::string fields;
   std::string output;        // without extension
+  std::string encoding;      // of the CSV files, empty: UTF-8
   std::string rows = "all";  // or how many
   bool fixed = false;
-  std::string date_order;
+  std::optional<std::string> date_order;
   bool year4 = false;
   std::string date_separator;
   std::string text_separator;
 };
-/// kFaults when the class answers False.
+/// kFaults when the class answers False; what is on the disk is told then.
 int RunExport(const ExportOptions& options);
 
 int RunFunctions();
@@ -92,5 +96,8 @@ int RunConstants();
 /// changes, until the process is asked to end.
 int RunTrace(bool follow);
 int RunCall(const std::vector<std::string>& arguments);
+/// Runs the conformance tables of files and directories, by default those of the
+/// source tree or of the installation; kFaults when a case differs.
+int RunSelftest(std::vector<std::string> paths);
 
 }  // namespace tovalin::tool

@@ -1,11 +1,10 @@
 #include "hosts/csv.h"
 
-#include <csv.h>
-
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <exception>
-#include <utility>
+
+#include "frame/utf8.h"
 
 namespace tovalin::tool {
 namespace {
@@ -19,95 +18,84 @@ constexpr auto kNeedsQuotes = [] {
   return quoted;
 }();
 
-// What the callbacks of the parser share. Errors must not fly through its C code:
-// they wait here.
-struct Parsing {
-  explicit Parsing(const std::function<void(CsvRow&)>& take) : take(take) {}
+// The longest part of a character at the end of a block.
+constexpr std::size_t kLongestRest = 3;
 
-  const std::function<void(CsvRow&)>& take;
-  CsvRow row;
-  std::size_t fields = 0;
-  std::exception_ptr error;
-
-  void AddField(std::string_view text) {
-    Try([&] {
-      if (fields == row.size()) row.emplace_back();
-      row[fields++].assign(text);
-    });
-  }
-  void EndRow() {
-    Try([&] {
-      row.resize(std::exchange(fields, 0));
-      take(row);
-    });
-  }
-
- private:
-  template <class Step>
-  void Try(Step step) {
-    if (error) return;
-    try {
-      step();
-    } catch (...) {
-      error = std::current_exception();
-    }
-  }
+struct Separator {
+  char character;
+  std::string_view name;
 };
 
-void OnField(void* text, std::size_t length, void* parsing) {
-  static_cast<Parsing*>(parsing)->AddField({static_cast<const char*>(text), length});
-}
-
-void OnRow(int, void* parsing) { static_cast<Parsing*>(parsing)->EndRow(); }
-
-struct Parser {
-  Parser() {
-    if (csv_init(&state, 0) != 0) Raise(Failure::OutOfMemory);
-    // Blanks belong to a field: codes may begin or end with them.
-    csv_set_space_func(&state, [](unsigned char) { return 0; });
-  }
-  ~Parser() { csv_free(&state); }
-  csv_parser state;
-};
+constexpr Separator kOtherSeparators[] = {{';', "\";\""}, {'\t', "tabuladores"}};
 
 }  // namespace
 
+// What begins a file in UTF-16 is told by itself: no other encoding reads it.
+std::string_view CsvReader::WithoutMark(std::string_view bytes) {
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
+    RaiseAt(path_, {}, "el archivo está en UTF-16; guárdelo en UTF-8");
+  if (!bytes.starts_with(kByteOrderMark)) return bytes;
+  encoding_ = Encoding::Utf8;
+  return bytes.substr(kByteOrderMark.size());
+}
+
+// Answers how many bytes at the end wait for the next block.
+std::size_t CsvReader::ParseBlock(CsvParser& parser, std::string_view bytes, bool is_last) {
+  if (encoding_ == Encoding::CodePage1252) {
+    utf8_.clear();
+    AppendFromCodePage(utf8_, bytes);
+    parser.Parse(utf8_);
+    return 0;
+  }
+  const std::size_t valid = ValidUtf8Length(bytes);
+  parser.Parse(bytes.substr(0, valid));
+  const std::size_t rest = bytes.size() - valid;
+  if (rest > kLongestRest || (rest > 0 && is_last))
+    RaiseAt(path_, parser.Next(),
+            "el texto no es UTF-8; con --encoding 1252 se lee en la página de códigos 1252");
+  return rest;
+}
+
 void CsvReader::ForEachRow(const std::function<void(CsvRow&)>& take) {
-  Parser parser;
-  Parsing parsing(take);
+  CsvParser parser(path_, ',', take);
   std::vector<char> block(kBlock);
-  bool first = true;
-  for (;;) {
-    const std::size_t size = std::fread(block.data(), 1, block.size(), file_.get());
-    if (size == 0) break;
-    std::string_view bytes(block.data(), size);
-    if (first && bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
-    first = false;
-    if (csv_parse(&parser.state, bytes.data(), bytes.size(), OnField, OnRow, &parsing) !=
-        bytes.size())
-      Raise(Failure::OutOfMemory);
-    if (parsing.error) std::rethrow_exception(parsing.error);
+  std::size_t waiting = 0;
+  for (bool first = true, more = true; more; first = false) {
+    const std::size_t size =
+        std::fread(block.data() + waiting, 1, block.size() - waiting, file_.get());
+    more = size > 0;
+    std::string_view bytes(block.data(), waiting + size);
+    if (first) bytes = WithoutMark(bytes);
+    waiting = ParseBlock(parser, bytes, !more);
+    std::copy_n(bytes.end() - waiting, waiting, block.begin());
   }
   if (std::ferror(file_.get())) RaiseAbout(Failure::PathAccess, path_);
-  csv_fini(&parser.state, OnField, OnRow, &parsing);
-  if (parsing.error) std::rethrow_exception(parsing.error);
+  parser.Finish();
 }
 
-CsvWriter::CsvWriter(const std::string& path)
-    : file_(path.empty() ? stdout : std::fopen(path.c_str(), "wb")), owns_file_(!path.empty()) {
-  if (!file_) RaiseAbout(Failure::PathAccess, path);
-  buffer_.resize(kBlock);
+std::string SeparatorHint(const CsvRow& header) {
+  const auto count = [&](char c) {
+    std::ptrdiff_t sum = 0;
+    for (const std::string& field : header) sum += std::count(field.begin(), field.end(), c);
+    return sum;
+  };
+  for (const Separator& separator : kOtherSeparators)
+    if (count(separator.character) >= std::ssize(header))
+      return "; el archivo parece separado por " + std::string(separator.name);
+  return {};
 }
 
-CsvWriter::~CsvWriter() {
-  if (owns_file_ && file_) std::fclose(file_);
-}
+CsvWriter::CsvWriter(const std::string& path, Encoding encoding)
+    : file_(path), encoding_(encoding), buffer_(kBlock) {}
 
 // A field is written where it stays, without asking for room at every byte. `most` is
 // the most bytes that it may take.
 char* CsvWriter::BeginField(std::size_t most) {
   if (buffer_.size() - used_ <= most) MakeRoom(most);
-  if (!first_in_row_) buffer_[used_++] = ',';
+  if (first_in_row_)
+    row_ = used_;
+  else
+    buffer_[used_++] = ',';
   first_in_row_ = false;
   return buffer_.data() + used_;
 }
@@ -144,7 +132,7 @@ void CsvWriter::Field(TextView text) {
     AppendUtf8(utf8_, text);
     return Field(std::string_view(utf8_));
   }
-  char* target = BeginField(text.size());
+  char* target = BeginField(text.size() + 2);
   for (char16_t c : text) *target++ = static_cast<char>(c);
   EndField(target);
 }
@@ -168,22 +156,36 @@ void CsvWriter::Quote(std::string_view utf8) {
 }
 
 void CsvWriter::EndRow() {
+  if (used_ == row_ && !first_in_row_) Quote({});  // an empty line would be no row
   if (used_ == buffer_.size()) MakeRoom(0);
   buffer_[used_++] = '\n';
   first_in_row_ = true;
 }
 
 void CsvWriter::Flush() {
-  const bool written = std::fwrite(buffer_.data(), 1, used_, file_) == used_;
+  const std::string_view utf8(buffer_.data(), used_);
+  if (encoding_ == Encoding::CodePage1252)
+    WriteInCodePage(utf8);
+  else
+    file_.Write(utf8.data(), utf8.size());
   used_ = 0;
-  if (!written) Raise(Failure::DiskFull);
+  row_ = kFlushed;
+}
+
+void CsvWriter::WriteInCodePage(std::string_view utf8) {
+  encoded_.clear();
+  const std::size_t taken = AppendInCodePage(encoded_, utf8);
+  lines_ += static_cast<std::size_t>(std::ranges::count(utf8.substr(0, taken), '\n'));
+  if (taken < utf8.size())
+    RaiseOwn(u"tovalin", FromUtf8("La línea " + std::to_string(lines_) +
+                                  " de la salida tiene un carácter que no está en la página de "
+                                  "códigos 1252"));
+  file_.Write(encoded_.data(), encoded_.size());
 }
 
 void CsvWriter::Finish() {
   Flush();
-  const bool flushed = std::fflush(file_) == 0;
-  const bool closed = !owns_file_ || std::fclose(std::exchange(file_, nullptr)) == 0;
-  if (!flushed || !closed) Raise(Failure::DiskFull);
+  file_.Commit();
 }
 
 }  // namespace tovalin::tool

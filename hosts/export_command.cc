@@ -6,8 +6,11 @@
 
 #include "hosts/command_line.h"
 #include "hosts/csv.h"
-#include "tovalin/cls_file_export.h"
+#include "hosts/encoding.h"
+#include "hosts/export_report.h"
+#include "hosts/input.h"
 #include "tovalin/convert.h"
+#include "tovalin/locale.h"
 
 // tovalin export: clsFileExport over the rows of a CSV file.
 
@@ -15,8 +18,6 @@ namespace tovalin::tool {
 namespace {
 
 constexpr std::ptrdiff_t kMostExactDigits = 15;  // of a Double's text
-
-std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
 [[noreturn]] void RaiseFor(const std::string& problem) { RaiseOwn(u"tovalin", FromUtf8(problem)); }
 
@@ -29,6 +30,19 @@ std::optional<Variant> ReadExact(const Text& text) {
   const auto is_digit = [](char16_t c) { return c >= u'0' && c <= u'9'; };
   if (std::ranges::count_if(text, is_digit) > kMostExactDigits) return text;
   return *number;
+}
+
+// A fraction would be lost to whoever reads the field. Where a Double no longer tells,
+// the digits behind the point do.
+std::optional<Variant> ReadWhole(const Text& text) {
+  std::optional<Variant> number = ReadExact(text);
+  if (!number) return std::nullopt;
+  const std::size_t point = text.find(CurrentLocale().decimal_separator);
+  const bool has_fraction =
+      number->Is(Subtype::Double)
+          ? std::trunc(number->AsDouble()) != number->AsDouble()
+          : text.find_first_of(u"123456789", std::min(point, text.size())) != Text::npos;
+  return has_fraction ? std::nullopt : number;
 }
 
 std::optional<Variant> ReadMoney(const Text& text) {
@@ -44,13 +58,16 @@ std::optional<Variant> ReadMoment(const Text& text) {
 struct CellReading {
   std::int32_t type;
   std::optional<Variant> (*read)(const Text&);
+  std::string_view wanted;
 };
 
 // The cells of any other type are texts.
 constexpr CellReading kCellReadings[] = {
-    {kInteger, ReadExact},  {kWholeNumber, ReadExact}, {kNumeric, ReadExact},
-    {kCurrency, ReadMoney}, {kDouble, ReadDouble},     {kFloat, ReadDouble},
-    {kDate, ReadMoment},    {kTime, ReadMoment},       {kTimeOfDay, ReadMoment},
+    {kInteger, ReadWhole, "número entero"}, {kWholeNumber, ReadWhole, "número entero"},
+    {kNumeric, ReadExact, "número"},        {kCurrency, ReadMoney, "importe"},
+    {kDouble, ReadDouble, "número"},        {kFloat, ReadDouble, "número"},
+    {kDate, ReadMoment, "fecha"},           {kTime, ReadMoment, "hora"},
+    {kTimeOfDay, ReadMoment, "hora"},
 };
 
 struct ExportField {
@@ -69,7 +86,7 @@ Variant CellValue(const std::string& cell, const ExportField& field, std::size_t
   if (reading == std::end(kCellReadings)) return text;
   if (std::optional<Variant> value = reading->read(text)) return *value;
   RaiseFor("Fila " + std::to_string(row) + ", campo " + field.name + ": " + Quoted(cell) +
-           " no es del tipo " + std::to_string(field.type));
+           " no es del tipo " + std::to_string(field.type) + ", " + std::string(reading->wanted));
 }
 
 std::int32_t WholeNumber(const std::string& text, std::int32_t least, std::int32_t most,
@@ -84,8 +101,8 @@ std::int32_t WholeNumber(const std::string& text, std::int32_t least, std::int32
 // The fields of an export, from a file with the columns name, type, size, column.
 class FieldList {
  public:
-  explicit FieldList(const std::string& path) : path_(path) {
-    CsvReader reader(path);
+  FieldList(const std::string& path, Encoding encoding) : path_(path) {
+    CsvReader reader(path, encoding);
     reader.ForEachRow([this](const CsvRow& row) { Take(row); });
     if (rows_ == 0) RaiseFor(path_ + ": no tiene encabezado");
   }
@@ -118,7 +135,8 @@ class FieldList {
         return EqualFolded(Trim(FromUtf8(header)), kHeaders[i]);
       };
       const auto found = std::ranges::find_if(row, named);
-      if (found == row.end()) RaiseFor(path_ + ": falta la columna " + ToUtf8(kHeaders[i]));
+      if (found == row.end())
+        RaiseFor(path_ + ": falta la columna " + ToUtf8(kHeaders[i]) + SeparatorHint(row));
       places_[i] = static_cast<std::size_t>(found - row.begin());
     }
   }
@@ -167,7 +185,8 @@ class ExportRows {
     for (const ExportField& field : fields_)
       if (field.column >= row.size())
         RaiseFor("El campo " + field.name + " es la columna " + std::to_string(field.column) +
-                 " y el archivo tiene de 0 a " + std::to_string(row.size() - 1));
+                 " y el archivo tiene de 0 a " + std::to_string(row.size() - 1) +
+                 SeparatorHint(row));
   }
 
   const std::vector<ExportField>& fields_;
@@ -190,40 +209,41 @@ Ref<Campos> MakeCampos(const std::vector<ExportField>& fields) {
   return records;
 }
 
-// The order of dates goes last: it takes the other two into use.
+// The order of dates goes last: it takes the other two into use. The class makes an
+// order that it does not know into AMD.
 Ref<clsFileExport> MakeExport(const ExportOptions& options) {
   auto writer = Make<clsFileExport>();
   if (options.fixed) writer->LetFomato(clsFileExport::LONGITUDFIJA);
   if (options.year4) writer->LetAnoCompleto(true);
-  if (!options.date_separator.empty()) writer->LetSeparadorFecha(FromUtf8(options.date_separator));
-  if (!options.text_separator.empty()) writer->LetSeparadorCadena(FromUtf8(options.text_separator));
-  if (!options.date_order.empty())
-    writer->LetOrdenFechas(FromUtf8(options.date_order));
-  else if (options.year4 || !options.date_separator.empty())
+  if (!options.date_separator.empty())
+    writer->LetSeparadorFecha(TextOfArgument(options.date_separator));
+  if (!options.text_separator.empty())
+    writer->LetSeparadorCadena(TextOfArgument(options.text_separator));
+  if (options.date_order) {
+    const Text order = TextOfArgument(*options.date_order);
+    writer->LetOrdenFechas(order);
+    if (writer->OrdenFechas() != order)
+      RaiseFor("--date-order: " + Quoted(*options.date_order) +
+               " no es DMY, DYM, MDY, MYD, YDM, YMD ni AMD");
+  } else if (options.year4 || !options.date_separator.empty()) {
     writer->LetOrdenFechas(writer->OrdenFechas());
+  }
   return writer;
-}
-
-// The class says no more than False, so all that may be wrong is told.
-int ReportFailure(const ExportOptions& options, std::int32_t wanted, std::size_t rows) {
-  std::cerr << "La exportación falló (False): un valor es más ancho que su campo, un nombre tiene "
-               "más de 30 caracteres, no hay campos o no se pudo escribir";
-  if (rows < static_cast<std::size_t>(wanted))
-    std::cerr << "; además se pidieron " << wanted << " filas y hay " << rows;
-  std::cerr << "\nLos registros anteriores a la falla quedan en " << options.output << ".txt\n";
-  return kFaults;
 }
 
 }  // namespace
 
 int RunExport(const ExportOptions& options) {
   constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-  const FieldList list(options.fields);
+  const Ref<clsFileExport> writer = MakeExport(options);
+  const Text output = TextOfArgument(options.output);
+  const Encoding encoding = ReadEncoding(options.encoding);
+  const FieldList list(options.fields, encoding);
   const Ref<Campos> records = MakeCampos(list.Fields());
   std::optional<std::int32_t> most;
   if (options.rows != "all") most = WholeNumber(options.rows, 0, kMost, "--rows");
   ExportRows rows(list.Fields(), most);
-  CsvReader reader(options.input);
+  CsvReader reader(options.input, encoding);
   reader.ForEachRow([&rows](const CsvRow& row) { rows.Take(row); });
   for (const char* extension : {".txt", ".ref"})
     for (const std::string& input : {options.input, options.fields})
@@ -231,9 +251,9 @@ int RunExport(const ExportOptions& options) {
 
   Variant data = rows.Array();
   const std::int32_t wanted = most.value_or(static_cast<std::int32_t>(rows.Rows()));
-  const bool done = MakeExport(options)->GenerarArchivoPlanoDesdeBD(data, records, wanted - 1,
-                                                                    FromUtf8(options.output));
-  return done ? kDone : ReportFailure(options, wanted, rows.Rows());
+  if (writer->GenerarArchivoPlanoDesdeBD(data, records, wanted - 1, output)) return kDone;
+  std::cerr << DescribeFailure(*writer->LastFailure(), options.output, wanted, rows.Rows());
+  return kFaults;
 }
 
 }  // namespace tovalin::tool

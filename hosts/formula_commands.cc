@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "hosts/command_line.h"
+#include "hosts/encoding.h"
 #include "hosts/input.h"
 #include "tovalin/convert.h"
 
@@ -21,23 +22,30 @@ std::string JoinedMessages(const Evaluador& evaluator) {
   return joined;
 }
 
-std::string EvaluatedLine(Evaluador& evaluator, const Text& formula) {
+struct Answer {
+  std::string line;
+  int code;
+};
+
+// `read` gives the formula, or raises why there is none.
+template <class Read>
+Answer EvaluateLine(Evaluador& evaluator, Read read) {
   try {
     Variant result;
-    evaluator.EvaluatePosfijo(formula, result);
+    evaluator.EvaluatePosfijo(read(), result);
     if (const std::string messages = JoinedMessages(evaluator); !messages.empty())
-      return "LastError\t" + messages;
-    return ToUtf8(SubtypeName(result.Kind())) + '\t' + OneLine(ShowValue(result));
+      return {"LastError\t" + OneLine(messages), kFaults};
+    return {ToUtf8(SubtypeName(result.Kind())) + '\t' + OneLine(ShowValue(result)), kDone};
   } catch (const Error& error) {
-    return "Error\t" + std::to_string(error.number) + '\t' + OneLine(ToUtf8(error.source)) + '\t' +
-           OneLine(ToUtf8(error.description));
+    return {"Error\t" + std::to_string(error.number) + '\t' + OneLine(ToUtf8(error.source)) + '\t' +
+                OneLine(ToUtf8(error.description)),
+            kFailed};
   }
 }
 
 // Each message with the formula under it and a caret below the place.
-void ShowFaults(const Evaluador& evaluator) {
-  const Ref<Collection> faults = evaluator.Errores();
-  for (const Variant& record : faults->List().Items()) {
+void ShowFaults(const Collection& faults) {
+  for (const Variant& record : faults.List().Items()) {
     const Ref<Collection> fault = record.AsObject().As<Collection>();
     Text formula = fault->Item(u"Expresion").AsText();
     for (char16_t& c : formula)
@@ -52,12 +60,14 @@ void ShowFaults(const Evaluador& evaluator) {
   }
 }
 
-// The tokens of a formula, or nothing after its faults were shown.
+// The tokens of a formula, or nothing after its faults were shown: those of the text
+// that the user wrote, not of the one that is checked with its references replaced.
 Ref<Collection> CheckedTokens(Evaluador& evaluator, Text& formula) {
+  const Ref<Collection> faults = evaluator.Preparar(formula)->Errores();
   formula = evaluator.ReplaceExpresion(formula);
   Ref<Collection> tokens = evaluator.CheckInfijo(formula);
   if (evaluator.LastError().empty()) return tokens;
-  ShowFaults(evaluator);
+  ShowFaults(*faults);
   return nullptr;
 }
 
@@ -66,7 +76,7 @@ Ref<Collection> CheckedTokens(Evaluador& evaluator, Text& formula) {
 int RunEval(const SymbolOptions& options, const std::string& formula) {
   const Ref<Evaluador> evaluator = MakeEvaluator(options);
   Variant result;
-  evaluator->EvaluatePosfijo(FromUtf8(formula), result);
+  evaluator->EvaluatePosfijo(TextOfArgument(formula), result);
   if (const Text messages = evaluator->LastError(); !messages.empty()) {
     std::cerr << ToUtf8(messages);
     return kFaults;
@@ -77,15 +87,20 @@ int RunEval(const SymbolOptions& options, const std::string& formula) {
 
 int RunEvalLines(const SymbolOptions& options, const std::string& path) {
   const Ref<Evaluador> evaluator = MakeEvaluator(options);
+  int code = kDone;
+  std::size_t number = 0;
   ReadLines(path, [&](std::string_view line) {
-    std::cout << EvaluatedLine(*evaluator, FromUtf8(line)) << '\n';
+    ++number;
+    const Answer answer = EvaluateLine(*evaluator, [&] { return TextOfLine(line, path, number); });
+    std::cout << answer.line << '\n';
+    code = std::max(code, answer.code);
   });
-  return kDone;
+  return code;
 }
 
 int RunCheck(const SymbolOptions& options, const std::string& formula) {
   const Ref<Evaluador> evaluator = MakeEvaluator(options);
-  Text expression = FromUtf8(formula);
+  Text expression = TextOfArgument(formula);
   const Ref<Collection> tokens = CheckedTokens(*evaluator, expression);
   if (!tokens) return kFaults;
   for (const Variant& token : tokens->List().Items()) std::cout << ShowValue(token) << '\n';
@@ -95,7 +110,7 @@ int RunCheck(const SymbolOptions& options, const std::string& formula) {
 
 int RunPostfix(const SymbolOptions& options, const std::string& formula) {
   const Ref<Evaluador> evaluator = MakeEvaluator(options);
-  Text expression = FromUtf8(formula);
+  Text expression = TextOfArgument(formula);
   const Ref<Collection> tokens = CheckedTokens(*evaluator, expression);
   if (!tokens) return kFaults;
   Ref<Collection> items;

@@ -27,8 +27,9 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
       values_(columns_.size() + formulas_.size()),
       failures_(formulas_.size()),
       numbers_(values_.size()) {
-  for (const Text& column : columns_) AddVariable(column);
-  for (const NamedFormula& formula : formulas_) AddVariable(formula.name);
+  for (std::size_t i = 0; i < columns_.size(); ++i)
+    AddVariable(columns_[i], "columna " + std::to_string(i + 1));
+  for (const NamedFormula& formula : formulas_) AddVariable(formula.name, "fórmula");
   if (OrderSteps()) return;
   steps_.clear();
   is_constant_.assign(formulas_.size(), false);
@@ -36,9 +37,16 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
     evaluator_->Variables()->Item(formula.name)->LetFormula(formula.formula);
 }
 
-void FormulaTable::AddVariable(const Text& name) {
-  if (evaluator_->ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, ToUtf8(name));
-  evaluator_->AddVble(name, Variant(), u"", kNumeric);
+void FormulaTable::AddVariable(const Text& name, std::string_view what) {
+  const std::string place = std::string(what) + " \"" + ToUtf8(name) + '"';
+  if (evaluator_->ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, place);
+  try {
+    evaluator_->AddVble(name, Variant(), u"", kNumeric);
+  } catch (Error& error) {
+    const std::string description = WithoutLineEnd(ToUtf8(error.description));
+    error.description = FromUtf8(description + ": " + place);
+    throw;
+  }
 }
 
 // What each formula names; the columns that any names are marked.

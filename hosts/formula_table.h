@@ -21,7 +21,7 @@ struct NamedFormula {
 class FormulaTable {
  public:
   /// Adds the columns and formulas to `evaluator` as variables. Raises what their
-  /// names raise.
+  /// names raise, with the column or formula.
   FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> columns,
                std::vector<NamedFormula> formulas);
 
@@ -60,7 +60,7 @@ class FormulaTable {
     std::vector<std::size_t> columns;
   };
 
-  void AddVariable(const Text& name);
+  void AddVariable(const Text& name, std::string_view what);
   std::vector<Uses> FindUses();
   bool OrderSteps();
   void AddStep(std::size_t formula, Uses uses);

@@ -5,12 +5,16 @@
 #include <fstream>
 #include <iostream>
 
+#include "hosts/system.h"
 #include "tovalin/error.h"
 
 namespace tovalin::tool {
 namespace {
 
 [[noreturn]] void RaiseUnreadable(int cause, const std::string& path) {
+  std::error_code ignored;
+  // Not every system says that a directory is what cannot be read.
+  if (std::filesystem::is_directory(PathOf(path), ignored)) RaiseAbout(Failure::PathAccess, path);
   RaiseAbout(cause == ENOENT   ? Failure::FileNotFound
              : cause == EACCES ? Failure::PermissionDenied
                                : Failure::PathAccess,
@@ -27,7 +31,7 @@ void RaiseAbout(Failure failure, std::string_view what) {
 
 InputFile OpenInput(const std::string& path) {
   if (path == "-") return InputFile(stdin);
-  InputFile file(std::fopen(path.c_str(), "rb"));
+  InputFile file(OpenStream(PathOf(path), "rb"));
   if (!file) RaiseUnreadable(errno, path);
   return file;
 }
@@ -38,7 +42,7 @@ void ReadLines(const std::string& path, const std::function<void(std::string_vie
   std::ifstream file;
   if (path != "-") {
     OpenInput(path);
-    file.open(path);
+    file.open(PathOf(path), std::ios::binary);
   }
   std::istream& input = path == "-" ? std::cin : file;
   bool first = true;
@@ -53,7 +57,7 @@ void ReadLines(const std::string& path, const std::function<void(std::string_vie
 
 void RequireOtherFile(const std::string& input, const std::string& output) {
   std::error_code ignored;  // a file that is not there yet is another one
-  if (std::filesystem::equivalent(input, output, ignored))
+  if (std::filesystem::equivalent(PathOf(input), PathOf(output), ignored))
     RaiseOwn(u"tovalin", Text(u"El archivo de salida es también de entrada: ") + FromUtf8(output));
 }
 

@@ -5,12 +5,19 @@
 #include <new>
 
 #include "hosts/command_line.h"
+#include "hosts/encoding.h"
 #include "hosts/input.h"
+#include "hosts/system.h"
 
 // The command-line tool: a host of the library like any other.
 
 namespace tovalin::tool {
 namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done; 1 faults in a formula, cells with errors, or an export that failed;\n"
+    "2 a raised error, told on standard error; 100 and more a command line that is not\n"
+    "understood. Of several lines or cells the worst counts.";
 
 void AddSymbolOptions(CLI::App& command, SymbolOptions& options) {
   // One value after each option, as often as it is given: the formula may follow.
@@ -24,15 +31,21 @@ void AddSymbolOptions(CLI::App& command, SymbolOptions& options) {
                    "Registers the ten constants of the system");
 }
 
+void AddEncoding(CLI::App& command, std::string& encoding, const char* help) {
+  command.add_option("--encoding", encoding, help)
+      ->check(CLI::IsMember({std::string(kUtf8Name), std::string(kCodePageName)}));
+}
+
 void AddExportOptions(CLI::App& command, ExportOptions& options) {
   command.add_option("IN", options.input, "The CSV file, - for standard input")->required();
   command
       .add_option("--fields", options.fields,
                   "A CSV file with the columns name, type (code), size and column (of IN, from 0)")
       ->required();
+  AddEncoding(command, options.encoding, "Of the CSV files: utf-8 (the default) or 1252");
   command.add_option("--rows", options.rows, "How many rows, or all");
   command.add_flag("--fixed", options.fixed, "Fixed width, in place of delimited");
-  command.add_option("--date-order", options.date_order, "DMY, DYM, MDY, MYD, YDM or YMD");
+  command.add_option("--date-order", options.date_order, "DMY, DYM, MDY, MYD, YDM, YMD or AMD");
   command.add_flag("--year4", options.year4, "Years of four digits");
   command.add_option("--date-separator", options.date_separator, "Between the parts of a date");
   command.add_option("--text-separator", options.text_separator, "Around texts");
@@ -62,6 +75,9 @@ class CommandLine {
  public:
   CommandLine() {
     app_.require_subcommand(1);
+    app_.allow_windows_style_options(false);  // "/" begins a path
+    app_.footer(kExitCodes);
+    app_.set_version_flag("--version", "tovalin " TOVALIN_VERSION);
     AddFormulaCommands();
     AddFileCommands();
     AddOtherCommands();
@@ -69,8 +85,9 @@ class CommandLine {
 
   int Run(std::vector<std::string> arguments) {
     arguments = ShieldFormulas(std::move(arguments));
-    std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
     try {
+      RequireKnownCommand(arguments);
+      std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
       app_.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
       return app_.exit(error);
@@ -79,6 +96,16 @@ class CommandLine {
   }
 
  private:
+  // CLI11 itself would only say that there is none.
+  void RequireKnownCommand(const std::vector<std::string>& arguments) const {
+    if (arguments.empty() || arguments[0].starts_with('-')) return;
+    const auto is_named = [&](const CLI::App* command) {
+      return command->get_name() == arguments[0];
+    };
+    if (std::ranges::none_of(app_.get_subcommands(nullptr), is_named))
+      throw CLI::ParseError("Unknown command: " + arguments[0], CLI::ExitCodes::ExtrasError);
+  }
+
   CLI::App& Add(const char* name, const char* help, std::function<int()> run) {
     CLI::App* command = app_.add_subcommand(name, help);
     command->callback([this, run = std::move(run)] { chosen_ = run; });
@@ -112,7 +139,9 @@ class CommandLine {
                           [this] { return RunTable(table_); });
     table.add_option("IN", table_.input, "The CSV file, - for standard input")->required();
     table.add_option("--formulas", table_.formulas, "A file of lines Name = formula")->required();
-    table.add_option("-o,--output", table_.output, "The CSV file to write");
+    table.add_option("-o,--output", table_.output,
+                     "The CSV file to write, which appears whole or not at all");
+    AddEncoding(table, table_.encoding, "Of both CSV files: utf-8 (the default) or 1252");
     AddExportOptions(Add("export", "Exports the rows of a CSV file with clsFileExport",
                          [this] { return RunExport(export_); }),
                      export_);
@@ -125,7 +154,12 @@ class CommandLine {
     Add("trace", "Shows the trace of the last evaluation", [this] {
       return RunTrace(follow_);
     }).add_flag("--follow", follow_, "Shows it again at every change, until interrupted");
-    call_ = &Add("call", "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...",
+    Add("selftest", "Checks the library against the conformance tables", [this] {
+      return RunSelftest(tables_);
+    }).add_option("FILE", tables_, "Tables or directories of tables");
+    call_ = &Add("call",
+                 "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...; without MEMBER lists "
+                 "the members of a class, without CLASS the classes",
                  [this] { return RunCall(call_->remaining()); });
     call_->prefix_command();
   }
@@ -140,6 +174,7 @@ class CommandLine {
   TableOptions table_;
   ExportOptions export_;
   bool follow_ = false;
+  std::vector<std::string> tables_;
   CLI::App* call_ = nullptr;
 };
 
@@ -149,7 +184,8 @@ class CommandLine {
 int main(int count, char** values) {
   using namespace tovalin;
   try {
-    const int code = tool::CommandLine().Run({values + 1, values + count});
+    tool::UseBytes();
+    const int code = tool::CommandLine().Run(tool::Arguments(count, values));
     if (!std::cout.flush()) Raise(Failure::DiskFull);
     return code;
   } catch (const Error& error) {

@@ -10,6 +10,7 @@
 #include "frame/date_text.h"
 #include "hosts/command_line.h"
 #include "hosts/csv.h"
+#include "hosts/encoding.h"
 #include "hosts/formula_table.h"
 #include "tovalin/convert.h"
 
@@ -33,8 +34,9 @@ NamedFormula ReadFormula(TextView line) {
 // "#" begins a comment line, blank lines are skipped.
 std::vector<NamedFormula> ReadFormulas(const std::string& path) {
   std::vector<NamedFormula> formulas;
+  std::size_t number = 0;
   ReadLines(path, [&](std::string_view line) {
-    const Text text = FromUtf8(line);
+    const Text text = TextOfLine(line, path, ++number);
     const TextView trimmed = Trim(text);
     if (!trimmed.empty() && trimmed.front() != u'#') formulas.push_back(ReadFormula(trimmed));
   });
@@ -83,6 +85,14 @@ Variant CellValue(std::string_view cell) {
   return text;
 }
 
+// The evaluator takes such a name, but no formula can mean it.
+void RequireNoTabs(const std::vector<Text>& columns) {
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    if (columns[i].find(u'\t') != Text::npos)
+      RaiseOwn(u"tovalin", FromUtf8("Nombre con tabulador: columna " + std::to_string(i + 1) +
+                                    " \"" + ToUtf8(columns[i]) + '"'));
+}
+
 // A line on standard error while rows go by, when somebody watches.
 class Progress {
  public:
@@ -113,7 +123,7 @@ class Progress {
 class TableRun {
  public:
   TableRun(const TableOptions& options, std::vector<NamedFormula> formulas)
-      : formulas_(std::move(formulas)), writer_(options.output) {}
+      : formulas_(std::move(formulas)), writer_(options.output, ReadEncoding(options.encoding)) {}
 
   void Take(CsvRow& row) {
     if (!table_)
@@ -141,7 +151,13 @@ class TableRun {
     writer_.EndRow();
     const Ref<Evaluador> evaluator = MakeEvaluator({});
     evaluator->ClearConstants();
-    table_.emplace(evaluator, columns, formulas_);
+    try {
+      RequireNoTabs(columns);
+      table_.emplace(evaluator, columns, formulas_);
+    } catch (Error& error) {
+      error.description.append(FromUtf8(SeparatorHint(row)));
+      throw;
+    }
   }
 
   void TakeRow(CsvRow& row) {
@@ -234,8 +250,7 @@ class TableRun {
 
 int RunTable(const TableOptions& options) {
   const std::vector<NamedFormula> formulas = ReadFormulas(options.formulas);
-  CsvReader reader(options.input);
-  // Opening the output empties it.
+  CsvReader reader(options.input, ReadEncoding(options.encoding));
   for (const std::string& input : {options.input, options.formulas})
     RequireOtherFile(input, options.output);
   TableRun run(options, formulas);

@@ -1,29 +1,21 @@
-#include <signal.h>
-
-#include <array>
 #include <iostream>
 #include <optional>
 
-#include "frame/settings_content.h"
-#include "frame/settings_path.h"
+#include "frame/live_trace.h"
 #include "hosts/command_line.h"
+#include "hosts/system.h"
 
 // tovalin trace.
 
 namespace tovalin::tool {
 namespace {
 
-constexpr std::array<TextView, 4> kKeys = {u"Expresion", u"Posfijo", u"Resultado",
-                                           u"ElementosPila"};
-
-// The four lines of one moment: key by key, the store would give values of
-// several evaluations when a host is at work.
-std::string ReadTrace() {
-  const SettingsContent content = ReadContent(SettingsPath(u"Evaluador"));
+std::string ReadTraceLines() {
+  const TraceTexts texts = ReadTrace();
   std::string lines;
-  for (TextView key : kKeys) {
-    const Text value = content.Find(u"Posfijo", key).value_or(Text());
-    lines.append(ToUtf8(key)).append("=").append(OneLine(ToUtf8(value))).append("\n");
+  for (std::size_t i = 0; i < kTraceKeys.size(); ++i) {
+    const std::string text = ToUtf8(texts[i].value_or(Text()));
+    lines.append(ToUtf8(kTraceKeys[i])).append("=").append(OneLine(text)).append("\n");
   }
   return lines;
 }
@@ -31,34 +23,11 @@ std::string ReadTrace() {
 // A file that cannot be read at this moment may be readable at the next.
 std::optional<std::string> TryReadTrace() {
   try {
-    return ReadTrace();
+    return ReadTraceLines();
   } catch (const Error&) {
     return std::nullopt;
   }
 }
-
-// While one exists, the signals that ask a process to end wait to be noticed.
-class EndRequest {
- public:
-  EndRequest() {
-    sigemptyset(&signals_);
-    sigaddset(&signals_, SIGINT);
-    sigaddset(&signals_, SIGTERM);
-    sigprocmask(SIG_BLOCK, &signals_, &before_);
-  }
-  ~EndRequest() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-  EndRequest(const EndRequest&) = delete;
-  EndRequest& operator=(const EndRequest&) = delete;
-
-  bool CameWithin(long milliseconds) const {
-    const timespec time{0, milliseconds * 1'000'000};
-    return sigtimedwait(&signals_, nullptr, &time) > 0;
-  }
-
- private:
-  sigset_t signals_;
-  sigset_t before_;
-};
 
 void Follow() {
   const EndRequest end;
@@ -78,7 +47,7 @@ int RunTrace(bool follow) {
   if (follow)
     Follow();
   else
-    std::cout << ReadTrace();
+    std::cout << ReadTraceLines();
   return kDone;
 }
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#if (defined(_MSVC_LANG) ? _MSVC_LANG : __cplusplus) < 202002L
+#error "Tovalin needs C++20: compile with -std=c++20 or later"
+#endif
+
 // TOVALIN_API marks what a host may call: everything else stays hidden inside
 // the shared library. A macro, because no other C++ construct reaches the linker.
 #if defined(_WIN32)

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <functional>
+#include <optional>
+#include <utility>
 
 #include "tovalin/api.h"
 #include "tovalin/campos.h"
+#include "tovalin/clock.h"
 #include "tovalin/object.h"
 #include "tovalin/variant.h"
 
@@ -33,13 +35,14 @@ class TOVALIN_API clsFileExport : public Object {
   /// Answers True when both files were written. Any failure (no such column or
   /// row, a value wider than its field, a name of more than 30 characters in fixed
   /// width, a value without text, a full disk) ends it at once with False: the
-  /// records before the failing one stay in the data file. Raises nothing.
+  /// records before the failing one stay in the data file. Raises nothing; LastFailure
+  /// tells why.
   ///
   /// In delimited mode only text fields carry their own values: any other repeats
   /// the text field before it, in this record or an earlier one.
   bool GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Campos>& vcolCampos,
                                   std::int32_t vlngRows, const Text& vstrArchivoSalida,
-                                  const Text& ostrDelimitador = u";") const;
+                                  const Text& ostrDelimitador = u";");
 
   /// The width of a numeric type, by its name ("Numeric", "Integer" ...) or its
   /// position from 1. Raises 5 for an unknown name, 9 for a position out of range.
@@ -72,24 +75,44 @@ class TOVALIN_API clsFileExport : public Object {
   std::uint8_t Fomato() const { return format_; }
   void LetFomato(std::uint8_t NewValue) { format_ = NewValue; }
 
-  /// Replaces the system's clock, for the moment that the layout file tells.
-  void UseClock(std::function<Date()> clock) { clock_ = std::move(clock); }
+  // --- For C++ hosts ----------------------------------------------------------
+
+  enum class FileState {
+    Untouched,   // as it was before, if there was one
+    Incomplete,  // what was written before the failure
+    Complete,
+  };
+  /// Why an export answered False, and what it left on the disk.
+  struct FailureReport {
+    Error error;                              // its description says what was wrong
+    std::int64_t row = -1;                    // of the array, from 0; -1 for a failure of no row
+    Text field;                               // its Name, empty for a failure of no field
+    Text value;                               // the text of the cell, if it has one
+    FileState data = FileState::Untouched;    // the ".txt"
+    FileState layout = FileState::Untouched;  // the ".ref"
+    std::int64_t records = 0;                 // those that stand whole in the data file
+    bool broken_record = false;               // a part of one more stands behind them
+  };
+  /// Of the last export; empty when it answered True, and before the first one.
+  const std::optional<FailureReport>& LastFailure() const { return last_failure_; }
+
+  /// Replaces the system's clock, for the moment that the layout file tells. Without a
+  /// function the system's comes back.
+  void UseClock(HostClock::Function clock) { clock_.Use(std::move(clock)); }
 
  private:
   static constexpr TextView kShortYear = u"yy";
   static constexpr TextView kLongYear = u"yyyy";
 
   static char16_t FirstCharacter(const Text& text) { return text.empty() ? u' ' : text[0]; }
-  void Export(const Variant& data, const Campos* fields, std::int32_t last_row,
-              const Text& path) const;
-
   std::uint8_t format_ = TEXTO_DELIMITADO;
   Text date_order_ = u"AMD";
   TextView year_ = kShortYear;
   char16_t date_separator_ = u'/';
   char16_t text_qualifier_ = u'"';
   Text date_pattern_;
-  std::function<Date()> clock_;  // empty: the system's
+  HostClock clock_;
+  std::optional<FailureReport> last_failure_;
 };
 
 }  // namespace tovalin

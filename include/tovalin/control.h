@@ -1,8 +1,10 @@
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <span>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -57,21 +59,70 @@ class TOVALIN_API Control : public Object {
   virtual ControlKind Kind() const = 0;
 };
 
+namespace dispatch {
+
+template <class T>
+inline constexpr bool kIsBindable = requires {
+  TypeOf<T>::kType;
+};
+template <class T>
+inline constexpr bool kIsBindable<Ref<T>> = std::derived_from<T, Object>;
+template <class T>
+inline constexpr bool kIsBindable<Ref<T>*> = std::derived_from<T, Object>;
+
+template <class P>
+consteval bool CanTake() {
+  if constexpr (kIsBindable<std::remove_cvref_t<P>>)
+    return std::is_convertible_v<decltype(std::declval<Argument<P>&>().Pass()), P>;
+  else
+    return false;
+}
+
+template <class F>
+inline constexpr bool kCanBind = false;
+template <class R, class... P>
+inline constexpr bool kCanBind<std::function<R(P...)>> = (CanTake<P>() && ...) &&
+                                                         (std::is_void_v<R> ||
+                                                          std::constructible_from<Variant, R>);
+
+/// Whether a control can answer a member with an object of type F.
+template <class F>
+consteval bool CanAnswer() {
+  if constexpr (requires(F function) { std::function(std::move(function)); })
+    return kCanBind<decltype(std::function(std::declval<F>()))>;
+  else
+    return false;
+}
+
+}  // namespace dispatch
+
 /// A host's function under late-bound arguments, which are converted to its
 /// parameters as those of the library's own members are (see dispatch.h).
 struct BoundCall {
   BoundCall() = default;
-  template <class R, class... P>
-  explicit BoundCall(std::function<R(P...)> function)
-      : parameter_count(sizeof...(P)),
-        call([function = std::move(function)](std::span<Variant> arguments) {
-          return Run(function, arguments, std::index_sequence_for<P...>());
-        }) {}
+  template <class Function>
+  explicit BoundCall(Function function) {
+    constexpr bool kIsFit = dispatch::CanAnswer<Function>();
+    static_assert(
+        kIsFit,
+        "A getter, setter or action of a control is a function, or a lambda without auto, that "
+        "takes and gives Text, TextView, bool, std::uint8_t, std::int16_t, std::int32_t, float, "
+        "double, Currency, Date, Variant or Ref<T> of a class T derived from Object; it gives "
+        "const char16_t* or void too");
+    if constexpr (kIsFit) Bind(std::function(std::move(function)));
+  }
 
   std::size_t parameter_count = 0;
   std::function<Variant(std::span<Variant> arguments)> call;
 
  private:
+  template <class R, class... P>
+  void Bind(std::function<R(P...)> function) {
+    parameter_count = sizeof...(P);
+    call = [function = std::move(function)](std::span<Variant> arguments) {
+      return Run(function, arguments, std::index_sequence_for<P...>());
+    };
+  }
   template <class R, class... P, std::size_t... I>
   static Variant Run(const std::function<R(P...)>& function,
                      [[maybe_unused]] std::span<Variant> arguments, std::index_sequence<I...>) {
@@ -95,17 +146,14 @@ struct BoundCall {
 ///   {u"ColWidth", [&](int i) { return grid.Width(i); },
 ///    [&](int i, int width) { grid.SetWidth(i, width); }}
 ///
-/// They take and give Text, int, double, bool, Variant, Ref ..., and report a
-/// failure by Raise or by throwing an Error.
+/// They take and give Text, std::int32_t, double, bool, Variant, Ref ... (BoundCall has
+/// all), and report a failure by Raise or by throwing an Error.
 struct ControlMember {
   template <class Getter>
-  ControlMember(TextView name, Getter getter)
-      : name(name), read(std::function(std::move(getter))) {}
+  ControlMember(TextView name, Getter getter) : name(name), read(std::move(getter)) {}
   template <class Getter, class Setter>
   ControlMember(TextView name, Getter getter, Setter setter)
-      : name(name),
-        read(std::function(std::move(getter))),
-        write(std::function(std::move(setter))) {}
+      : name(name), read(std::move(getter)), write(std::move(setter)) {}
 
   Text name;
   BoundCall read;   // also a method

@@ -31,14 +31,12 @@ enum class Failure : std::int32_t {
   OutOfStack = 28,
   BadFileName = 52,
   FileNotFound = 53,
-  FileExists = 58,
   DiskFull = 61,
   ReadPastEnd = 62,
   PermissionDenied = 70,
   PathAccess = 75,
   PathNotFound = 76,
   ObjectNotSet = 91,
-  InvalidNull = 94,
   ObjectRequired = 424,
   CannotCreateObject = 429,
   NoSuchMember = 438,
@@ -53,6 +51,10 @@ TOVALIN_API Error PlatformError(Failure failure);
 
 /// Throws PlatformError(failure).
 [[noreturn]] TOVALIN_API void Raise(Failure failure);
+
+/// Throws PlatformError(Failure::OutOfStack) when little is left of the thread's stack.
+/// Whatever calls code of the host checks it first: that code may call back.
+TOVALIN_API void CheckStack();
 
 /// Throws an error of the library's own making.
 [[noreturn]] TOVALIN_API void RaiseOwn(TextView source, TextView description);

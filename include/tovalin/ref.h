@@ -7,6 +7,8 @@
 #include <memory>
 #include <utility>
 
+#include "tovalin/api.h"
+
 namespace tovalin {
 
 /// The count that a shared thing carries for its Refs. Copying a thing does not

@@ -22,7 +22,9 @@ class TOVALIN_API SettingsStore : public Object {
 /// The default store: one readable file for each application,
 /// `tovalin/<application>.ini` under the user's configuration directory
 /// (XDG_CONFIG_HOME, else ~/.config; %APPDATA% on Windows), with [section]
-/// headings and key=value lines. Several processes may use it at once.
+/// headings and key=value lines. Several processes may use it at once; when one holds a
+/// file's lock for two seconds, Save raises 70. The entries of the last evaluation's trace
+/// are found in it, too.
 TOVALIN_API Ref<SettingsStore> DefaultSettings();
 
 }  // namespace tovalin

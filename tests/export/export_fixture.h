@@ -53,6 +53,7 @@ class ExportTest : public testing::Test {
   bool Export(Variant data, const Ref<Campos>& fields, std::int32_t last_row) {
     return exporter->GenerarArchivoPlanoDesdeBD(data, fields, last_row, here.Host("datos"));
   }
+  const clsFileExport::FailureReport& Failure() const { return exporter->LastFailure().value(); }
   std::string Data() const { return here.Read("datos.txt"); }
   std::string Layout() const { return here.Read("datos.ref"); }
 

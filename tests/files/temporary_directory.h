@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 #include "tovalin/text.h"
@@ -14,8 +14,10 @@ namespace tovalin {
 class TemporaryDirectory {
  public:
   TemporaryDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "tovalin_XXXXXX").string();
-    root_ = ::mkdtemp(name.data());
+    std::random_device random;
+    do {
+      root_ = std::filesystem::temp_directory_path() / ("tovalin_" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(root_));
   }
   ~TemporaryDirectory() {
     std::error_code ignored;

@@ -18,6 +18,6 @@ options=()
 [[ ! -f tests/fuzz/formula.dict ]] || options+=(-dict=tests/fuzz/formula.dict)
 mkdir -p build-fuzz/corpus
 # The trace of an evaluation goes to the user's settings: not to this user's.
-XDG_CONFIG_HOME=$PWD/build-fuzz/config build-fuzz/tests/fuzz/fuzz_formula \
+XDG_CONFIG_HOME=$PWD/build-fuzz/config XDG_RUNTIME_DIR=$PWD/build-fuzz/run build-fuzz/tests/fuzz/fuzz_formula \
   -max_total_time="${1:-30}" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
   -artifact_prefix=build-fuzz/ "${options[@]}" "${corpora[@]}"

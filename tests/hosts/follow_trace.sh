@@ -5,7 +5,7 @@
 set -euo pipefail
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-export XDG_CONFIG_HOME=$work/config
+export XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/run
 tool=$1
 
 # Waits until the output has a line.
@@ -36,10 +36,13 @@ for signal in INT TERM; do
   wait "$follower"
 done
 
-# A settings file that cannot be read at one moment does not end it either.
-rm -r "$work/config"
+# That there is no trace at one moment, or settings that cannot be read, does not end it.
+rm -rf "$work/config" "$work/run"
+mkdir -p "$work/config/tovalin/Evaluador.ini"
 "$tool" trace --follow >"$work/out" &
 follower=$!
+sleep 0.5
+rmdir "$work/config/tovalin/Evaluador.ini"
 shown "Expresion="
 "$tool" eval '"más tarde"' >"$work/result"
 shown "Resultado=más tarde"

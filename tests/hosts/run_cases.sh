@@ -16,7 +16,7 @@ trap 'rm -rf "$work"' EXIT
 mkdir "$work/bin" "$work/here"
 ln -s "$tool" "$work/bin/tovalin"
 PATH=$work/bin:$PATH
-export XDG_CONFIG_HOME=$work/config
+export XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/run
 cd "$work/here" || exit 1
 
 count=0 failures=0 command=
