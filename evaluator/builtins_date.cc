@@ -9,6 +9,16 @@
 
 namespace tovalin::builtins {
 
+namespace {
+
+/// A number beyond the calendar is not one that is too large for a date (6), but
+/// outside of what the function accepts (5).
+Date DateArgument(const Variant& value) {
+  return value.Is(Subtype::String) ? ToDate(value) : Date{ToDouble(value)};
+}
+
+}  // namespace
+
 Variant DaysOf360(Arguments arguments, const BuiltinContext&) {
   return Dias360(ToDate(arguments[0]), ToDate(arguments[1]));
 }
@@ -28,15 +38,15 @@ Variant Today(Arguments, const BuiltinContext& context) {
 Variant Now(Arguments, const BuiltinContext& context) { return context.clock(); }
 
 Variant Year(Arguments arguments, const BuiltinContext&) {
-  return static_cast<std::int16_t>(DateOf(ToDate(arguments[0])).year);
+  return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).year);
 }
 
 Variant Month(Arguments arguments, const BuiltinContext&) {
-  return static_cast<std::int16_t>(DateOf(ToDate(arguments[0])).month);
+  return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).month);
 }
 
 Variant Day(Arguments arguments, const BuiltinContext&) {
-  return static_cast<std::int16_t>(DateOf(ToDate(arguments[0])).day);
+  return static_cast<std::int16_t>(DateOf(DateArgument(arguments[0])).day);
 }
 
 Variant DateFromParts(Arguments arguments, const BuiltinContext&) {
@@ -44,7 +54,7 @@ Variant DateFromParts(Arguments arguments, const BuiltinContext&) {
 }
 
 Variant MoveDate(Arguments arguments, const BuiltinContext&) {
-  return DateAdd(TextArgument(arguments[0]), ToDouble(arguments[1]), ToDate(arguments[2]));
+  return DateAdd(TextArgument(arguments[0]), ToDouble(arguments[1]), DateArgument(arguments[2]));
 }
 
 Variant IsDateValue(Arguments arguments, const BuiltinContext&) { return IsDate(arguments[0]); }

@@ -90,45 +90,35 @@ Date MovedByMonths(Date date, std::int64_t count) {
   return Joined(DayNumber(year, month, day), moment.seconds / kSecondsInDay);
 }
 
-Date MovedByDays(Date date, std::int64_t count) {
-  const Moment moment = MomentOf(date);
-  return Joined(moment.day + count, moment.seconds / kSecondsInDay);
-}
-
-Date MovedBySeconds(Date date, std::int64_t count) {
-  const Moment moment = MomentOf(date);
-  // A time of whole seconds stays one: what the day count lost of it is mended.
-  const double whole = std::round(moment.seconds);
-  const double seconds = std::fabs(moment.seconds - whole) < 0.0005 ? whole : moment.seconds;
-  const double moved = seconds + static_cast<double>(count % 86400);
-  const double days = std::floor(moved / kSecondsInDay);
-  return Joined(moment.day + count / 86400 + static_cast<std::int64_t>(days),
-                (moved - days * kSecondsInDay) / kSecondsInDay);
+// Days, and the parts of a day, are added to the day count as the platform does,
+// which decides the last bit; before day 0 on a scale where the fraction counts
+// forward too.
+template <int kUnitsInDay>
+Date MovedBy(Date date, std::int64_t count) {
+  MomentOf(date);  // raises outside of the calendar
+  const double day = std::trunc(date.days);
+  const double moved =
+      day + std::fabs(date.days - day) + static_cast<double>(count) / double{kUnitsInDay};
+  const double moved_day = std::floor(moved);
+  return Joined(static_cast<std::int64_t>(moved_day), moved - moved_day);
 }
 
 struct Interval {
   TextView code;
   Date (*move)(Date, std::int64_t);
-  int units;
+  int units = 1;
 };
 
 constexpr std::array kIntervals = {
     Interval{u"yyyy", MovedByMonths, 12}, Interval{u"q", MovedByMonths, 3},
-    Interval{u"m", MovedByMonths, 1},     Interval{u"y", MovedByDays, 1},
-    Interval{u"d", MovedByDays, 1},       Interval{u"w", MovedByDays, 1},
-    Interval{u"ww", MovedByDays, 7},      Interval{u"h", MovedBySeconds, 3600},
-    Interval{u"n", MovedBySeconds, 60},   Interval{u"s", MovedBySeconds, 1},
+    Interval{u"m", MovedByMonths},        Interval{u"y", MovedBy<1>},
+    Interval{u"d", MovedBy<1>},           Interval{u"w", MovedBy<1>},
+    Interval{u"ww", MovedBy<1>, 7},       Interval{u"h", MovedBy<24>},
+    Interval{u"n", MovedBy<1440>},        Interval{u"s", MovedBy<86400>},
 };
 
 // More of any unit than the calendar holds, and far from overflow.
 constexpr double kMostUnits = 1e12;
-
-double RoundedToEven(double value) {
-  const double below = std::floor(value);
-  const double rest = value - below;
-  if (rest != 0.5) return rest < 0.5 ? below : below + 1;
-  return std::fmod(below, 2) == 0 ? below : below + 1;
-}
 
 }  // namespace
 
@@ -180,7 +170,7 @@ Date DateAdd(TextView interval, double count, Date date) {
       kIntervals, [&](const Interval& each) { return EqualFolded(each.code, interval); });
   if (found == kIntervals.end() || !(std::fabs(count) < kMostUnits))
     Raise(Failure::InvalidArgument);
-  return found->move(date, static_cast<std::int64_t>(RoundedToEven(count)) * found->units);
+  return found->move(date, static_cast<std::int64_t>(std::nearbyint(count)) * found->units);
 }
 
 }  // namespace tovalin

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <compare>
 #include <cstring>
+#include <limits>
 #include <optional>
 
 #include "frame/number_text.h"
@@ -15,18 +17,39 @@ bool CountsAsNumber(const Variant& value) {
   return value.Is(Subtype::Date) || (!value.Is(Subtype::String) && IsNumeric(value));
 }
 
-double NumberOf(const Variant& value) {
-  return value.Is(Subtype::Date) ? value.AsDate().days : ToDouble(value);
-}
-
 bool BothCurrency(const Variant& left, const Variant& right) {
   return left.Is(Subtype::Currency) && right.Is(Subtype::Currency);
+}
+
+bool IsFraction(const Variant& value) {
+  return value.Is(Subtype::Double) || value.Is(Subtype::Currency);
+}
+
+// A Single meets a fractional number in its own few digits.
+bool MeetAsSingle(const Variant& left, const Variant& right) {
+  return (left.Is(Subtype::Single) && IsFraction(right)) ||
+         (IsFraction(left) && right.Is(Subtype::Single));
+}
+
+bool FitsSingle(double value) {
+  return std::fabs(value) <= double{std::numeric_limits<float>::max()};
+}
+
+// How the numbers of two values compare; none where a value is no number.
+std::optional<std::partial_ordering> CompareNumbers(const Variant& left, const Variant& right) {
+  if (!CountsAsNumber(left) || !CountsAsNumber(right)) return std::nullopt;
+  if (BothCurrency(left, right)) return left.AsCurrency() <=> right.AsCurrency();
+  const double first = ToDouble(left);
+  const double second = ToDouble(right);
+  if (!MeetAsSingle(left, right) || !FitsSingle(first) || !FitsSingle(second))
+    return first <=> second;
+  return static_cast<float>(first) <=> static_cast<float>(second);
 }
 
 // The number that the value's text shows, for values that have one.
 std::optional<double> ShownNumber(const Variant& value) {
   if (value.Is(Subtype::Single)) return ReadNumber(ToText(value));
-  if (CountsAsNumber(value)) return NumberOf(value);
+  if (CountsAsNumber(value)) return ToDouble(value);
   return value.Is(Subtype::String) ? ReadNumber(value.AsText()) : std::nullopt;
 }
 
@@ -38,14 +61,12 @@ bool AnyNull(const Variant& left, const Variant& right) {
 
 bool LessSlow(const Variant& left, const Variant& right) {
   if (AnyNull(left, right)) return false;
-  if (BothCurrency(left, right)) return left.AsCurrency() < right.AsCurrency();
-  if (CountsAsNumber(left) && CountsAsNumber(right)) return NumberOf(left) < NumberOf(right);
+  if (const auto order = CompareNumbers(left, right)) return *order < 0;
   return ToText(left) < ToText(right);
 }
 
 bool SameSlow(const Variant& left, const Variant& right) {
-  if (BothCurrency(left, right)) return left.AsCurrency() == right.AsCurrency();
-  if (CountsAsNumber(left) && CountsAsNumber(right)) return NumberOf(left) == NumberOf(right);
+  if (const auto order = CompareNumbers(left, right)) return *order == 0;
   return ToText(left) == ToText(right);
 }
 

@@ -19,7 +19,8 @@ inline bool BothDouble(const Variant& left, const Variant& right) {
 }  // namespace comparison
 
 /// "<": numeric when both are numbers (dates, Booleans and Empty count as such),
-/// otherwise their texts compared character code by character code.
+/// a Double or an amount beside a Single as a Single; otherwise their texts
+/// compared character code by character code.
 inline bool Less(const Variant& left, const Variant& right) {
   if (comparison::BothDouble(left, right)) return left.AsDouble() < right.AsDouble();
   return comparison::LessSlow(left, right);

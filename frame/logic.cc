@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdint>
 #include <utility>
 
@@ -47,6 +48,14 @@ std::int32_t BitsOf(const Variant& value, Subtype subtype) {
   return ToLong(value);
 }
 
+/// Whether And gives 0 with whatever stands beside it. Numbers beyond a Long have
+/// bits, which nobody needs to know beside Null.
+bool HasNoBits(const Variant& value) {
+  if (value.Is(Subtype::Null)) return false;
+  const bool word = value.Is(Subtype::String) && !IsNumeric(value);
+  return word ? !ToBoolean(value) : std::nearbyint(ToDouble(value)) == 0;
+}
+
 Variant FromBits(std::int32_t bits, Subtype subtype) {
   switch (subtype) {
     case Subtype::Null:
@@ -70,8 +79,7 @@ Variant And(const Variant& left, const Variant& right) {
   const Subtype subtype = Meet(LogicSubtype(left), LogicSubtype(right));
   if (left.Is(Subtype::Null) || right.Is(Subtype::Null)) {
     const Variant& other = left.Is(Subtype::Null) ? right : left;
-    const bool open = other.Is(Subtype::Null) || ToBoolean(other);
-    return open ? Variant::Null() : FromBits(0, subtype);
+    return HasNoBits(other) ? FromBits(0, subtype) : Variant::Null();
   }
   const std::int32_t bits = BitsOf(left, subtype);
   return FromBits(bits & BitsOf(right, subtype), subtype);

@@ -40,7 +40,8 @@ NumberPattern ParseNumberPattern(TextView pattern);
 
 /// `number` under the section that its sign calls for. A negative number under
 /// a section that is not its own gets a "-" in front, also when no digit of it
-/// is left. Half units of the last place shown go away from zero.
+/// is left, but not where the section has no place for a digit. Half units of
+/// the last place shown go away from zero.
 Text FormatNumber(const NumberPattern& pattern, const DecimalDigits& number);
 
 /// What the pattern shows for Null: its fourth section, or the empty text.

@@ -176,13 +176,20 @@ bool Has(const NumberPattern& pattern, SectionOrder order) {
   return pattern.sections.size() > order && !pattern.sections[order].steps.empty();
 }
 
+bool ShowsDigits(const NumberSection& section) {
+  return std::ranges::any_of(section.steps,
+                             [](const auto& step) { return step.show != Show::Literal; });
+}
+
 }  // namespace
 
 Text FormatNumber(const NumberPattern& pattern, const DecimalDigits& number) {
   const bool negative = number.negative && number.count > 0;
   const SectionOrder wanted = number.count == 0 ? kZero : negative ? kNegative : kPositive;
   const SectionOrder order = Has(pattern, wanted) ? wanted : kPositive;
-  return SectionWriter(pattern.sections[order], number).Write(negative && order == kPositive);
+  const NumberSection& section = pattern.sections[order];
+  const bool minus = negative && order == kPositive && ShowsDigits(section);
+  return SectionWriter(section, number).Write(minus);
 }
 
 Text FormatNull(const NumberPattern& pattern) {

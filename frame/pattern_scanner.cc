@@ -10,7 +10,7 @@ TextView PatternScanner::Take(std::size_t length) {
 
 std::optional<PatternPiece> PatternScanner::Next() {
   if (rest_.empty()) return std::nullopt;
-  if (rest_.front() == u'\\' && rest_.size() > 1) {
+  if (rest_.front() == u'\\') {
     Skip(1);
     return PatternPiece{Take(1), true};
   }

@@ -19,7 +19,7 @@ struct PatternPiece {
 };
 
 /// Takes a pattern apart at `\x` and "literal". A quote that is never closed
-/// reaches to the end; a backslash at the end stands for itself.
+/// reaches to the end; a backslash at the end shows nothing.
 class PatternScanner {
  public:
   explicit PatternScanner(TextView pattern) : rest_(pattern) {}

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "frame/conversion.h"
 #include "frame/date_text.h"
 #include "frame/pattern_cache.h"
 #include "tovalin/convert.h"
@@ -66,13 +67,14 @@ std::optional<DecimalDigits> DigitsOf(const Variant& value) {
   return DoubleDigits(*read, 15);
 }
 
-// None for a text that reads neither as a date nor as a number.
+// None for a text that reads neither as a date nor as a number, and for a number
+// beyond the calendar.
 std::optional<Date> DayCountOf(const Variant& value) {
-  if (!value.Is(Subtype::String)) return ToDate(value);
-  if (const std::optional<Date> date = ReadDate(value.AsText())) return date;
-  const std::optional<double> number = ReadNumber(value.AsText());
-  if (!number) return std::nullopt;
-  return ToDate(Variant(*number));
+  if (value.Is(Subtype::Date)) return value.AsDate();
+  const bool text = value.Is(Subtype::String);
+  if (const auto date = text ? ReadDate(value.AsText()) : std::nullopt) return date;
+  const std::optional<double> number = text ? ReadNumber(value.AsText()) : ToDouble(value);
+  return number && IsDateRange(*number) ? std::optional(Date{*number}) : std::nullopt;
 }
 
 Text FormatUnder(const OrdinaryText&, const Variant& value) {
@@ -101,7 +103,7 @@ Text FormatUnder(const NumberPattern& pattern, const Variant& value) {
 Text FormatUnder(const DatePattern& pattern, const Variant& value) {
   if (value.Is(Subtype::Null)) return {};
   const std::optional<Date> date = DayCountOf(value);
-  return date ? FormatDate(pattern, *date) : value.AsText();
+  return date ? FormatDate(pattern, *date) : ToText(value);
 }
 
 Text FormatUnder(const TextPattern& pattern, const Variant& value) {

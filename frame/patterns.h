@@ -14,7 +14,7 @@ namespace tovalin {
 /// taken as that kind: a text that reads as a number under a number pattern, a
 /// number or such a text under a date pattern, the ordinary text of anything
 /// under a text pattern. A text that does not read as the kind is shown as it
-/// is. Empty counts as 0, or as the null section of a number pattern that has
+/// is, and so is a number beyond the calendar under a date pattern. Empty counts as 0, or as the null section of a number pattern that has
 /// one. Null gives the pattern's section for it, or the empty text. An empty
 /// pattern gives the ordinary text.
 ///
@@ -22,7 +22,7 @@ namespace tovalin {
 /// Single, all of a Currency), halves away from zero.
 ///
 /// Raises 13 for a value without a text (an object, an array, an error), 6 for
-/// a number that is no date under a date pattern.
+/// infinity under a number pattern.
 ///
 /// Example: Format(1234.5, u"#,##0.00") is "1,234.50".
 Text Format(const Variant& value, TextView pattern);

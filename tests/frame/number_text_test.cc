@@ -21,47 +21,16 @@ std::string TextOf(Number value) {
   return ToUtf8(text).substr(1);
 }
 
-TEST(NumberText, OfDouble) {
-  struct {
+TEST(NumberText, OfWhatIsNoNumberAndInUtf8) {
+  const struct {
     double value;
     const char* text;
-  } const kRows[] = {
-      {0, "0"},
-      {-0.0, "0"},
-      {0.1 + 0.2, "0.3"},
-      {1.0 / 3, "0.333333333333333"},
-      {-100.0 / 3, "-33.3333333333333"},
-      {434.99999999999994, "435"},
-      {2.675, "2.675"},
-      {0.9999999999999999, "1"},
-      {0.999999999999999, "0.999999999999999"},
-      {120000000000, "120000000000"},
-      {900000000000000, "900000000000000"},
-      {-999999999999999, "-999999999999999"},
-      {-999999999999999.5, "-1E+15"},
-      {1e15, "1E+15"},
-      {9007199254740992, "9.00719925474099E+15"},
-      {6.02214076e23, "6.02214076E+23"},
-      {1.7976931348623157e308, "1.79769313486232E+308"},
-      {4.94065645841247e-324, "4.94065645841247E-324"},
-      {-1e-308, "-1E-308"},
-      // A point needs at most 15 digits behind it.
-      {1234567.89, "1234567.89"},
-      {100000000000.1, "100000000000.1"},
-      {0.00015, "0.00015"},
-      {5e-07, "0.0000005"},
-      {-1e-11, "-0.00000000001"},
-      {1.5e-14, "0.000000000000015"},
-      {1e-15, "0.000000000000001"},
-      {1e-16, "1E-16"},
-      {1.5e-16, "1.5E-16"},
-      {0.123456789012345, "0.123456789012345"},
-      {0.09999999999999964, "9.99999999999996E-02"},
-      {1.23456789012345e-05, "1.23456789012345E-05"},
-      {std::numeric_limits<double>::infinity(), "INF"},
-      {-std::numeric_limits<double>::infinity(), "-INF"},
-      {std::numeric_limits<double>::quiet_NaN(), "NaN"},
-  };
+  } kRows[] = {{-0.0, "0"},
+               {-1.5e-16, "-1.5E-16"},
+               {-1234.5, "-1234.5"},
+               {std::numeric_limits<double>::infinity(), "INF"},
+               {-std::numeric_limits<double>::infinity(), "-INF"},
+               {std::numeric_limits<double>::quiet_NaN(), "NaN"}};
   for (const auto& row : kRows) {
     EXPECT_EQ(TextOf(row.value), row.text);
     std::string utf8 = "=";
@@ -70,37 +39,7 @@ TEST(NumberText, OfDouble) {
   }
 }
 
-TEST(NumberText, OfSingle) {
-  struct {
-    float value;
-    const char* text;
-  } const kRows[] = {{0.1f, "0.1"},
-                     {1.0f / 3, "0.3333333"},
-                     {123456.7f, "123456.7"},
-                     {-1234567.0f, "-1234567"},
-                     {12345678.0f, "1.234568E+07"},
-                     {1e7f, "1E+07"},
-                     {1e-5f, "0.00001"},
-                     {1.2345e-5f, "1.2345E-05"},
-                     {1.4013e-45f, "1.401298E-45"}};
-  for (const auto& row : kRows) EXPECT_EQ(TextOf(row.value), row.text);
-}
-
-TEST(NumberText, OfAmountsAndWholeNumbers) {
-  struct {
-    std::int64_t ten_thousandths;
-    const char* text;
-  } const kRows[] = {{0, "0"},
-                     {1, "0.0001"},
-                     {-5, "-0.0005"},
-                     {100, "0.01"},
-                     {-10000, "-1"},
-                     {1000500, "100.05"},
-                     {-123456, "-12.3456"},
-                     {100000000000, "10000000"},
-                     {std::numeric_limits<std::int64_t>::max(), "922337203685477.5807"},
-                     {std::numeric_limits<std::int64_t>::min(), "-922337203685477.5808"}};
-  for (const auto& row : kRows) EXPECT_EQ(TextOf(Currency{row.ten_thousandths}), row.text);
+TEST(NumberText, OfTheSmallestWholeNumber) {
   EXPECT_EQ(TextOf(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
 }
 
