@@ -30,13 +30,10 @@ void Trace::UseStore(Ref<SettingsStore> store) {
 void Trace::Begin(const Ref<Plan>& plan, const Text* expression) noexcept {
   try {
     const bool is_shown = ShowFormula(plan, expression);
-    const LiveChanges changes = FormulaOf(*plan, expression);
-    if (store_)
-      Save(changes);
-    else
-      live_.Put(changes, is_shown ? kFormulaTexts : 0);
+    if (is_shown && !store_ && live_.Holds()) return;
+    Put(FormulaOf(*plan, expression), is_shown ? kFormulaTexts : 0);
   } catch (...) {
-    shown_ = nullptr;
+    Forget();
   }
 }
 
@@ -45,17 +42,27 @@ void Trace::End(const Ref<Plan>& plan, const Text* expression, const Variant& re
   try {
     const bool is_formula_shown = ShowFormula(plan, expression);
     const bool is_result_shown = ShowResult(result, left);
+    if (is_formula_shown && is_result_shown && !store_ && live_.Holds()) return;
     LiveChanges changes = FormulaOf(*plan, expression);
     changes[kTraceResult] = Entry(result_);
     changes[kTraceLeft] = Entry(left_);
-    if (store_)
-      Save(changes);
-    else
-      live_.Put(changes, !is_formula_shown ? 0 : is_result_shown ? kLiveTexts : kFormulaTexts);
+    Put(changes, !is_formula_shown ? 0 : is_result_shown ? kLiveTexts : kFormulaTexts);
   } catch (...) {
-    shown_ = nullptr;
-    shown_bits_.reset();
+    Forget();
   }
+}
+
+void Trace::Put(const LiveChanges& changes, std::size_t same) {
+  if (store_)
+    Save(changes);
+  else
+    live_.Put(changes, same);
+}
+
+// Makes the next evaluation show everything.
+void Trace::Forget() {
+  shown_ = nullptr;
+  shown_bits_.reset();
 }
 
 // Whether the formula is the one that was shown last: not if the text has no plan to itself,

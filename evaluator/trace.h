@@ -30,7 +30,9 @@ class Trace {
  private:
   bool ShowFormula(const Ref<Plan>& plan, const Text* expression);
   bool ShowResult(const Variant& result, std::size_t left);
+  void Put(const LiveChanges& changes, std::size_t same);
   void Save(const LiveChanges& changes);
+  void Forget();
 
   Ref<SettingsStore> store_;
   bool is_saving_ = false;  // in the store: what it evaluates leaves no trace

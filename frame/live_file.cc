@@ -116,10 +116,6 @@ bool LiveFile::IsInPlace() const {
   return latest_.IsAt(LatestPath(stem_)) && file_.IsAt(FilePath(stem_, number_));
 }
 
-Word LiveFile::State() const { return file_.Load(kStatePlace); }
-
-bool LiveFile::IsLatest() const { return latest_.Load(kLatestPlace) == number_; }
-
 std::optional<Word> LiveFile::Write(const LiveChanges& changes, std::size_t same, Word state) {
   const std::optional<Word> before = BeginWrite(file_);
   if (!before) return std::nullopt;

@@ -57,10 +57,10 @@ class LiveFile {
   bool IsInPlace() const;
 
   /// Another number after each write, whoever writes.
-  std::uint64_t State() const;
+  std::uint64_t State() const { return file_.Load(0); }
 
   /// Whether no other process has written since.
-  bool IsLatest() const;
+  bool IsLatest() const { return latest_.Load(0) == number_; }
 
   /// Writes texts, which are then the latest of all processes; in place of one that is too
   /// long, the empty one. The first `same` of them were

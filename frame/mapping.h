@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -42,12 +43,18 @@ class Mapping {
   bool IsAt(const std::filesystem::path& path) const;
 
   /// The word at `place`. What the writer of the word wrote before it is seen.
-  std::uint64_t Load(std::size_t place) const;
+  std::uint64_t Load(std::size_t place) const {
+    return WordAt(place).load(std::memory_order_acquire);
+  }
   /// Whoever sees this word sees what was written before it.
-  void Store(std::size_t place, std::uint64_t word);
+  void Store(std::size_t place, std::uint64_t word) {
+    WordAt(place).store(word, std::memory_order_release);
+  }
   /// Writes `desired` where `expected` stands, in one step; false when something else
   /// stands there.
-  bool CompareExchange(std::size_t place, std::uint64_t expected, std::uint64_t desired);
+  bool CompareExchange(std::size_t place, std::uint64_t expected, std::uint64_t desired) {
+    return WordAt(place).compare_exchange_strong(expected, desired);
+  }
 
   /// Any number of bytes; the rest of the last word is written as zeros.
   void Read(std::size_t place, void* bytes, std::size_t count) const;
@@ -61,6 +68,10 @@ class Mapping {
   Mapping(void* start, std::size_t size, std::intptr_t handle, std::uint64_t volume,
           std::uint64_t file)
       : start_(start), size_(size), handle_(handle), volume_(volume), file_(file) {}
+
+  std::atomic_ref<std::uint64_t> WordAt(std::size_t place) const {
+    return std::atomic_ref(*reinterpret_cast<std::uint64_t*>(static_cast<char*>(start_) + place));
+  }
 
   void* start_;
   std::size_t size_;
