@@ -17,7 +17,7 @@ OutputFile::OutputFile(TextView path) : path_(path), file_(OpenFile(path, FileUs
 }
 
 void OutputFile::RaiseUnwritable(int cause) const {
-  Error error = PlatformError(WriteFailure(cause));
+  Error error = PlatformError(WriteFailure(cause, ToNativePath(path_)));
   error.description.append(u": ").append(path_);
   throw error;
 }

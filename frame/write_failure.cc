@@ -20,7 +20,10 @@ constexpr Cause kCauses[] = {
 
 }  // namespace
 
-Failure WriteFailure(int cause) {
+Failure WriteFailure(int cause, const std::filesystem::path& file) {
+  std::error_code ignored;
+  // Not every system says that a directory is what cannot be written.
+  if (std::filesystem::is_directory(file, ignored)) return Failure::PathAccess;
   for (const Cause& row : kCauses)
     if (row.number == cause) return row.failure;
   return Failure::PathAccess;

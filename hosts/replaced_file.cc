@@ -75,7 +75,7 @@ void ReplacedFile::Commit() {
 }
 
 void ReplacedFile::RaiseUnwritable(int cause) const {
-  const Failure failure = WriteFailure(cause);
+  const Failure failure = WriteFailure(cause, target_);
   if (path_.empty() && failure == Failure::DiskFull) Raise(failure);
   RaiseAbout(failure, path_.empty() ? "salida estándar" : path_);
 }

@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "frame/live_trace.h"
 #include "frame/settings_directory.h"
 #include "tests/evaluator/formula_host.h"
 
@@ -86,9 +87,10 @@ class KeptPlans : public SettingsDirectoryTest {
   }
 
   void ExpectTheSameTrace(const Text& formula) {
-    for (const char* key : {"Expresion", "Posfijo", "Resultado", "ElementosPila"}) {
-      const Text kept = DefaultSettings()->Get(u"Evaluador", u"Posfijo", FromUtf8(key), u"");
-      ASSERT_EQ(ToUtf8(kept), plain_.settings->values[std::string("Evaluador/Posfijo/") + key])
+    const TraceTexts kept = ReadTrace();
+    for (std::size_t i = 0; i < kLiveTexts; ++i) {
+      const std::string key = ToUtf8(kTraceKeys[i]);
+      ASSERT_EQ(ToUtf8(kept[i].value_or(u"")), plain_.settings->values["Evaluador/Posfijo/" + key])
           << ToUtf8(formula) << ' ' << key;
     }
   }
