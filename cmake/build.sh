@@ -6,7 +6,7 @@ declare -A packages=(
   [build]="g++ cmake ninja-build libcli11-dev libcsv-dev"
   [test]="libgtest-dev libgmock-dev pkgconf"
   [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix"
-  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"
+  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev libcsv-dev"
   [bench]="libbenchmark-dev libmuparser-dev liblua5.4-dev pkgconf"
   [format]="git clang-format-14"
 )
