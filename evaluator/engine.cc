@@ -6,7 +6,7 @@
 
 #include "evaluator/formula_chain.h"
 #include "evaluator/references.h"
-#include "frame/temporarily.h"
+#include "frame/object/temporarily.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

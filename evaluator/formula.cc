@@ -4,7 +4,7 @@
 
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {

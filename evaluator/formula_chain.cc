@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "frame/conversion.h"
-#include "frame/temporarily.h"
+#include "frame/object/temporarily.h"
+#include "frame/value/conversion.h"
 
 namespace tovalin {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-#include "frame/number_text.h"
+#include "frame/value/number_text.h"
 #include "tovalin/error.h"
 
 namespace tovalin::evaluator {

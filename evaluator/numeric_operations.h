@@ -7,8 +7,8 @@
 #include <limits>
 
 #include "evaluator/number_helpers.h"
-#include "frame/arithmetic.h"
-#include "frame/comparison.h"
+#include "frame/value/arithmetic.h"
+#include "frame/value/comparison.h"
 #include "tovalin/convert.h"
 
 // The operations of numeric programs on doubles, each written once: a program of

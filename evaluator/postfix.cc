@@ -5,7 +5,7 @@
 #include "evaluator/element_search.h"
 #include "evaluator/number_token.h"
 #include "evaluator/plan.h"
-#include "frame/conversion.h"
+#include "frame/value/conversion.h"
 
 namespace tovalin {
 namespace {

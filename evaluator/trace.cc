@@ -3,9 +3,9 @@
 #include <bit>
 #include <utility>
 
-#include "frame/number_text.h"
-#include "frame/settings_store.h"
-#include "frame/temporarily.h"
+#include "frame/object/temporarily.h"
+#include "frame/settings/settings_store.h"
+#include "frame/value/number_text.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "evaluator/plan.h"
-#include "frame/live_trace.h"
+#include "frame/settings/live_trace.h"
 #include "tovalin/settings.h"
 
 namespace tovalin {

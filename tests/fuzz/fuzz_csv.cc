@@ -2,7 +2,7 @@
 #include <optional>
 #include <sstream>
 
-#include "hosts/command_line.h"
+#include "hosts/cli/command_line.h"
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/scratch_directory.h"
 

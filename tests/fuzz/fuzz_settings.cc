@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "frame/ini_text.h"
-#include "frame/settings_path.h"
+#include "frame/settings/ini_text.h"
+#include "frame/settings/settings_path.h"
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/scratch_directory.h"
 #include "tovalin/evaluador.h"

@@ -1,0 +1,21 @@
+#include <algorithm>
+
+#include "frame/system/host_file.h"
+#include "tovalin/error.h"
+
+namespace tovalin {
+
+NativePath ToNativePath(TextView path) {
+  NativePath native = ToUtf8(path);
+  if (native.find('\0') != NativePath::npos) Raise(Failure::BadFileName);
+  std::ranges::replace(native, '\\', '/');
+  return native;
+}
+
+File OpenFile(TextView path, FileUse use) {
+  File file(std::fopen(ToNativePath(path).c_str(), use == FileUse::Read ? "rbe" : "wbe"));
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
+}  // namespace tovalin

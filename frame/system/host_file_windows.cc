@@ -1,0 +1,17 @@
+#include "frame/system/host_file.h"
+#include "tovalin/error.h"
+
+namespace tovalin {
+
+NativePath ToNativePath(TextView path) {
+  if (path.find(u'\0') != TextView::npos) Raise(Failure::BadFileName);
+  return NativePath(path.begin(), path.end());
+}
+
+File OpenFile(TextView path, FileUse use) {
+  File file(_wfopen(ToNativePath(path).c_str(), use == FileUse::Read ? L"rbN" : L"wbN"));
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
+}  // namespace tovalin
