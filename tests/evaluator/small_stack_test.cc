@@ -195,7 +195,7 @@ TEST(SmallStack, ReleasesLongChainsOfObjects) {
   for (const auto& hold : holders) {
     Variant chain = 1.0;
     for (int i = 0; i < 20'000; ++i) chain = hold(std::move(chain));
-    RunOnThread(128 << 10, [&] { chain = 2.0; });
+    RunOnThread(512 << 10, [&] { chain = 2.0; });
   }
 }
 
