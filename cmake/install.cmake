@@ -10,6 +10,9 @@ install(TARGETS tovalin_shared tovalin_static EXPORT TovalinTargets)
 install(EXPORT TovalinTargets NAMESPACE Tovalin:: DESTINATION ${package_dir})
 if(TARGET tovalin_tool)
   install(TARGETS tovalin_tool)
+  # What "tovalin selftest" runs.
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/tests/conformance
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/tovalin)
 endif()
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TovalinConfigVersion.cmake

@@ -34,10 +34,11 @@ class Evaluador::Core {
   /// it has to be walked. `expression` is what the trace shows when that is not the
   /// plan's text, or null.
   bool RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result);
+  /// Evaluates one formula of a batch, with its trace.
+  Variant EvaluateInBatch(Engine::Calculation& calculation, const Text& formula);
   /// Walks a plan, with the formula's part of its trace.
-  Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared);
-  /// The tokens of a formula text of a host.
-  TokenList FormulaTokens(const Text& formula);
+  Engine::Outcome Walk(Engine::Calculation& calculation, const Engine::Prepared& prepared,
+                       const Ref<Campos>& locals);
 };
 
 }  // namespace tovalin

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "evaluator/references.h"
+
 namespace tovalin {
 
 void DependencyIndex::Refresh() {
@@ -31,15 +33,14 @@ void DependencyIndex::Refresh() {
 const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {
   Mentions& mentions = mentions_[&record];
   if (mentions.formula == record.Formula()) return mentions.names;
-  mentions.formula = record.Formula();
+  mentions.formula.clear();
   mentions.names.clear();
   const TokenList list = plans_.Tokens(record.Formula());
   for (const Token& token : list.tokens) {
     if (token.kind != TokenKind::Name) continue;
-    TextView name = list.Span(token);
-    if (name.starts_with(u'@')) name.remove_prefix(1);
-    mentions.names.emplace_back(name);
+    mentions.names.emplace_back(NameOf(list, token));
   }
+  mentions.formula = record.Formula();  // once the names are complete
   return mentions.names;
 }
 

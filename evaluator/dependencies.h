@@ -18,6 +18,15 @@ class DependencyIndex {
   /// end. A root is among them only when another root leads to it.
   std::vector<Ref<Campo>> Dependants(const std::vector<Ref<Campo>>& roots);
 
+  /// Calls `visit` with the formula variables that mention `record` themselves.
+  template <class Visit>
+  void ForEachReader(const Campo& record, Visit visit) {
+    Refresh();
+    const auto readers = dependants_.find(&record);
+    if (readers == dependants_.end()) return;
+    for (const Campo* reader : readers->second) visit(*reader);
+  }
+
   /// How many formula variables there are.
   std::size_t FormulaCount() {
     Refresh();

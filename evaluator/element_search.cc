@@ -3,7 +3,7 @@
 #include <bit>
 #include <limits>
 
-#include "evaluator/builtins.h"
+#include "evaluator/functions.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -29,9 +29,9 @@ TokenKind SeparatorKind(char16_t c) {
 
 }  // namespace
 
-const Builtin* BuiltinOf(TextView function_name) {
+const BuiltinFunction* FunctionOf(TextView function_name) {
   if (!function_name.empty() && function_name.back() == u'(') function_name.remove_suffix(1);
-  return FindBuiltin(ToUpper(function_name));
+  return FindFunction(ToUpper(function_name));
 }
 
 Element OperatorElement(Campo& record) {
@@ -58,7 +58,7 @@ void ElementSearch::Build(const Symbols& symbols) {
       Add(name, {.kind = TokenKind::Function,
                  .is_opener = name.ends_with(u'('),
                  .record = record.get(),
-                 .builtin = BuiltinOf(name)});
+                 .builtin = FunctionOf(name)});
   Renumber(LinkSuffixes());
   FillRows();
 }

@@ -12,7 +12,7 @@
 namespace tovalin {
 
 /// The built-in function that a function's name ("MEDIO(") stands for, or null.
-const Builtin* BuiltinOf(TextView function_name);
+const BuiltinFunction* FunctionOf(TextView function_name);
 
 /// An element of the vocabulary, as tokens take it over.
 struct Element {
@@ -23,7 +23,7 @@ struct Element {
   std::uint32_t length = 0;
   std::optional<std::int32_t> priority = {};  // of an operator
   Campo* record = nullptr;                    // null for a separator
-  const Builtin* builtin = nullptr;           // of a function that is built in
+  const BuiltinFunction* builtin = nullptr;   // of a function that is built in
 };
 
 /// The element of an operator's record.

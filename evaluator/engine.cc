@@ -1,21 +1,18 @@
 #include "evaluator/engine.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <unordered_set>
 
 #include "evaluator/formula_chain.h"
-#include "frame/clock.h"
+#include "evaluator/references.h"
 #include "frame/temporarily.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
 namespace {
 
-// The most values that a built-in function pops.
-constexpr std::size_t kMostPops = 4;
-
-// Whether a formula has to be changed before it is read. Without a branch for each
+// Whether a formula is not what the trace shows or the plan holds. Without a branch for each
 // character, so that the compiler takes many at once.
 bool HasSpecial(const Text& formula) {
   unsigned special = 0;
@@ -47,6 +44,7 @@ Engine::Outcome BottomOf(ValueStack& stack) {
 struct Engine::Level {
   Level(Engine& engine, Plan& plan) : engine(engine), plan(plan) {
     if (engine.depth_ > kDeepest) Raise(Failure::OutOfStack);
+    CheckStack();
     if (engine.stacks_.size() == engine.walks_) engine.stacks_.emplace_back();
     stack = &engine.stacks_[engine.walks_++];
     ++engine.depth_;
@@ -64,12 +62,13 @@ struct Engine::Level {
 };
 
 Engine::Calculation::Calculation(Engine& engine, Ref<Campos> locals)
-    : engine_(engine),
+    : alive_(Hold<Object>(engine.owner_)),
+      engine_(engine),
       locals_(std::move(locals)),
       outer_(engine.calculation_),
       marks_(&own_marks_),
-      values_(engine.StampValues(locals_.get())) {
-  if (engine.owner_.Evaluate.HasHandlers()) alive_ = Hold<Object>(engine.owner_);
+      values_(StampValues()),
+      names_(StampNames(engine.symbols_, nullptr)) {
   if (outer_ && outer_->values_ == values_ && outer_->locals_ == locals_) marks_ = outer_->marks_;
   engine.calculation_ = this;
 }
@@ -88,8 +87,20 @@ Engine::Outcome Engine::Calculation::Walk(const Ref<Plan>& plan) {
 }
 
 void Engine::Calculation::Touch(const Ref<Campo>& record) {
-  Outermost().touched_.push_back(record);
+  NoteComputed(record);
   Finish();
+}
+
+void Engine::Calculation::NoteComputed(const Ref<Campo>& record) {
+  Calculation& outermost = Outermost();
+  const bool same_locals =
+      locals_ != outermost.locals_ || values_.locals == outermost.values_.locals;
+  if (same_locals && values_.values == outermost.values_.values) {
+    outermost.touched_.push_back(record);
+  } else {
+    outermost.changed_.push_back(record);
+    outermost.changed_at_ = outermost.marks_->Next();
+  }
 }
 
 Engine::Calculation& Engine::Calculation::Outermost() {
@@ -98,35 +109,65 @@ Engine::Calculation& Engine::Calculation::Outermost() {
   return *outermost;
 }
 
-// Dependants are left to the outermost evaluation: each may call a handler that
-// evaluates again, and their number would grow with every level.
-void Engine::Calculation::Finish() {
-  if (outer_ || finishing_ || touched_.empty()) return;
-  const Temporarily finishing(finishing_, true);
-  ComputeDependants();
-  touched_.clear();
+Engine::Calculation::ValuesStamp Engine::Calculation::StampValues() const {
+  const Symbols& symbols = engine_.symbols_;
+  return {symbols.variables->ValuesVersion() + symbols.constants->ValuesVersion() +
+              symbols.replacements,
+          locals_ ? locals_->ValuesVersion() : 0};
 }
 
-void Engine::Calculation::ComputeDependants() {
-  // Where every formula was computed, nobody has to look for who reads whom.
-  const bool same_tables = !locals_ && !engine_.owner_.Evaluate.HasHandlers();
-  if (same_tables && marks_->Count() >= engine_.dependencies_.FormulaCount()) return;
-  const std::vector<Ref<Campo>> roots = std::move(touched_);
-  const auto is_due = [this](const Campo& record) { return engine_.NeedsComputing(record); };
-  if (!engine_.dependencies_.AnyReader(roots, is_due)) return;
-  for (const Ref<Campo>& record : engine_.dependencies_.Dependants(roots)) {
-    if (!engine_.NeedsComputing(*record)) continue;
-    try {
-      FormulaChain(engine_, locals_).Compute(*record);
-    } catch (...) {
-      // A dependant that fails keeps its last value; nobody asked for it.
-    }
+// Dependants are left to the outermost evaluation: each may call a handler that
+// evaluates again, and their number would grow with every level. What is computed on
+// the way has dependants itself, and so has what handlers ask for.
+void Engine::Calculation::Finish() {
+  if (outer_ || finishing_) return;
+  const Temporarily finishing(finishing_, true);
+  while (!touched_.empty() || !changed_.empty()) {
+    const std::size_t before = changed_at_;
+    ComputeAgain(std::exchange(changed_, {}), before);
+    ComputeDependants(std::exchange(touched_, {}));
   }
 }
 
-std::uint64_t Engine::StampValues(const Campos* locals) const {
-  return symbols_.variables->ValuesVersion() + symbols_.constants->ValuesVersion() +
-         (locals ? locals->ValuesVersion() : 0) + symbols_.replacements;
+void Engine::Calculation::ComputeDependants(const Records& roots) {
+  // Where every formula was computed, nobody has to look for who reads whom.
+  const bool same_tables =
+      !locals_ && !engine_.CallsHost() && names_ == StampNames(engine_.symbols_, nullptr);
+  if (same_tables && marks_->Count() >= engine_.dependencies_.FormulaCount()) return;
+  const auto is_due = [this](const Campo& record) { return engine_.NeedsComputing(record); };
+  if (!engine_.dependencies_.AnyReader(roots, is_due)) return;
+  for (const Ref<Campo>& record : engine_.dependencies_.Dependants(roots))
+    if (engine_.NeedsComputing(*record)) TryDependant(record);
+}
+
+// Those too that were computed before the host wrote a value, and what reads these; but
+// once more only, since their own handlers may write values again.
+void Engine::Calculation::ComputeAgain(const Records& roots, std::size_t before) {
+  if (roots.empty()) return;
+  std::unordered_set<const Campo*> outdated;
+  for (const Ref<Campo>& record : engine_.dependencies_.Dependants(roots)) {
+    const bool was_tried = marks_->Contains(*record);
+    if (was_tried) {
+      const bool is_due = marks_->IsOlderThan(before, *record) || outdated.contains(record.get());
+      if (!is_due || !marks_->Repeat(*record)) continue;
+    }
+    const bool changed = record->Status() != Campo::kBeingComputed && TryDependant(record);
+    if (!changed || !was_tried) continue;
+    engine_.dependencies_.ForEachReader(
+        *record, [&outdated](const Campo& reader) { outdated.insert(&reader); });
+  }
+}
+
+// Its own dependants stand behind it already. One that fails keeps its last value; nobody
+// asked for it.
+bool Engine::Calculation::TryDependant(const Ref<Campo>& record) {
+  try {
+    FormulaChain(engine_, locals_).Compute(record);
+  } catch (...) {
+    return false;
+  }
+  if (!touched_.empty() && touched_.back() == record) touched_.pop_back();
+  return true;
 }
 
 const Ref<Plan>* Engine::Recent(const SharedText& formula, const Campos* locals) const {
@@ -137,11 +178,13 @@ const Ref<Plan>* Engine::Recent(const SharedText& formula, const Campos* locals)
 
 Engine::Prepared Engine::Prepare(SharedText& formula, const Ref<Campos>& locals) {
   if (const Ref<Plan>* recent = Recent(formula, locals.get())) return {*recent, std::nullopt};
+  RecentText text{Ref<SharedText>::Share(&formula), nullptr};
   Prepared prepared = Prepare(formula.value, locals);
   const Plan& plan = *prepared.plan;
   // Faults have to be told anew and constants bound anew each time.
-  if (plan.came_again && !prepared.expression && !plan.faults && !plan.has_constants)
-    recent_[RecentPlace(formula)] = {Ref<SharedText>::Share(&formula), prepared.plan};
+  if (!plan.came_again || prepared.expression || plan.faults || plan.has_constants) return prepared;
+  text.plan = prepared.plan;
+  std::swap(recent_[RecentPlace(formula)], text);
   return prepared;
 }
 
@@ -150,10 +193,10 @@ Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals)
   if (!HasSpecial(formula)) {
     prepared.plan = plans_.Get(formula, locals);
   } else {
-    Text replaced = ReplaceReferences(formula, locals.get());
-    prepared.expression = replaced;
-    StripCarriageReturns(replaced);
-    prepared.plan = plans_.Get(replaced, locals);
+    Text text = formula;
+    StripCarriageReturns(text);
+    prepared.plan = plans_.Get(text, locals);
+    prepared.expression = WithoutAtSigns(formula, prepared.plan->at_signs);
   }
   const Plan& plan = *prepared.plan;
   if (plan.faults) reports_.push_back({formula, plan.text, plan.Faults()});
@@ -161,9 +204,16 @@ Engine::Prepared Engine::Prepare(const Text& formula, const Ref<Campos>& locals)
 }
 
 Ref<Plan> Engine::PrepareApart(const Text& formula, const Ref<Campos>& locals) {
-  Text replaced = ReplaceReferences(formula, locals.get());
-  StripCarriageReturns(replaced);
-  return plans_.Make(replaced, locals);
+  Text text = formula;
+  StripCarriageReturns(text);
+  return plans_.Make(text, locals);
+}
+
+Text Engine::ReplaceReferences(const Text& formula, const Campos* locals) {
+  TokenList list = plans_.Tokens(formula);
+  for (Token& token : list.tokens)
+    if (token.kind == TokenKind::Name) ResolveOperand(list, token, symbols_, locals);
+  return WithoutAtSigns(formula, list.at_signs);
 }
 
 void Engine::DropReports() { reports_.clear(); }
@@ -176,7 +226,9 @@ std::optional<Engine::Outcome> Engine::RunNumeric(const Plan& plan) {
 
 Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
   Level level(*this, plan);
+  KeepCurrent(plan, locals.get());
   ValueStack& stack = *level.stack;
+  bool holds_objects = false;
   for (std::size_t i = 0; i < plan.items.size(); ++i) {
     const Item& item = plan.items[i];
     switch (item.kind) {
@@ -184,24 +236,35 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
         stack.emplace_back(item.number);
         break;
       case ItemKind::Operator:
-        ApplyOperator(item.operator_code, stack);
+        if (holds_objects)
+          Step(plan, i, locals, stack);
+        else
+          ApplyOperator(item.operator_code, stack);
         break;
       case ItemKind::Variable:
         if (item.record->HasFormula())
           Step(plan, i, locals, stack);
         else
           stack.push_back(item.record->Value());
+        holds_objects |= RunsHostCode(stack.back());
         break;
       case ItemKind::Constant:
       case ItemKind::Literal:
       case ItemKind::Value:
         stack.push_back(plan.ValueOf(item));
+        holds_objects |= RunsHostCode(stack.back());
         break;
-      case ItemKind::Builtin:
-        CallBuiltin(BuiltinAt(item.builtin), stack);
+      case ItemKind::Builtin: {
+        const BuiltinFunction& function = FunctionAt(item.builtin);
+        if (holds_objects || function.Parameters().empty())
+          Step(plan, i, locals, stack);
+        else
+          CallBuiltin(function, stack);
         break;
+      }
       case ItemKind::HostFunction:
         Step(plan, i, locals, stack);
+        holds_objects = true;  // for all that one knows
         break;
       case ItemKind::Text:
         stack.emplace_back(plan.Span(item));
@@ -211,26 +274,26 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
   return BottomOf(stack);
 }
 
-// A step that may run code of the host, which may change the tables: what stands
-// behind it in the plan is looked up again then.
+// A step that may run code of the host, which may change the tables: a handler, a
+// clock, the destructor of an object. The plan's names are looked up again then.
 void Engine::Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack) {
   const NamesStamp before = StampNames(symbols_, locals.get());
-  const Ref<Campo> record = Ref<Campo>::Share(plan.items[index].record);
-  if (plan.items[index].kind == ItemKind::HostFunction) {
-    CallHost(record, stack);
-  } else {
-    if (NeedsComputing(*record)) FormulaChain(*this, locals).Compute(*record);
-    stack.push_back(record->Value());
-  }
-  if (StampNames(symbols_, locals.get()) == before) return;
-  plan.stamp = NamesStamp{};  // never to be taken for a plan of these tables
-  ClassifyAgain(plan, index + 1, symbols_, locals.get());
+  Take(plan.items[index], locals, stack);
+  if (StampNames(symbols_, locals.get()) != before) LookUpAgain(plan, symbols_, locals.get());
 }
 
-void Engine::CallBuiltin(const Builtin& builtin, ValueStack& stack) {
-  std::array<Variant, kMostPops> arguments;
-  for (std::size_t i = builtin.pops; i > 0; --i) arguments[i - 1] = Pop(stack);
-  stack.push_back(builtin.call(std::span(arguments).first(builtin.pops), {clock_}));
+void Engine::Take(const Item& item, const Ref<Campos>& locals, ValueStack& stack) {
+  if (item.kind == ItemKind::Operator) return ApplyOperator(item.operator_code, stack);
+  if (item.kind == ItemKind::Builtin) return CallBuiltin(FunctionAt(item.builtin), stack);
+  const Ref<Campo> record = Ref<Campo>::Share(item.record);
+  if (item.kind == ItemKind::HostFunction) return CallHost(record, stack);
+  if (MustCompute(*record)) FormulaChain(*this, locals).Compute(record);
+  stack.push_back(record->Value());
+}
+
+void Engine::CallBuiltin(const BuiltinFunction& function, ValueStack& stack) {
+  const std::size_t count = function.Parameters().size();
+  ReplaceTop(stack, count, function.Call(TopOperands(stack, count), {clock_}));
 }
 
 // The stack goes into a Collection for the handler and comes back as it left it,
@@ -264,15 +327,35 @@ bool Engine::NeedsComputing(const Campo& record) const {
          !calculation_->marks_->Contains(record);
 }
 
+// Whether a record has to be computed before it is read. Raises what it failed with.
+bool Engine::MustCompute(const Campo& record) const {
+  if (!record.HasFormula() || record.Status() == Campo::kBeingComputed) return false;
+  if (!calculation_->marks_->Contains(record)) return true;
+  calculation_->marks_->RaiseFailure(record);
+  return false;
+}
+
 Ref<Plan> Engine::FormulaPlan(Campo& record, const Ref<Campos>& locals) {
   formula_plans_.Tidy(static_cast<std::size_t>(symbols_.variables->Count()));
-  Ref<Plan>& kept = formula_plans_.Of(record);
-  if (!kept || kept->walks > 0 || kept->stamp != StampNames(symbols_, locals.get()))
-    kept = PrepareApart(record.Formula(), locals);
-  else if (kept->has_constants)
-    BindConstants(*kept);
-  if (kept->faults) reports_.push_back({record.Formula(), kept->text, kept->Faults()});
-  return kept;
+  Ref<Plan> plan = KeptFormulaPlan(record, locals);
+  if (!plan) {
+    plan = PrepareApart(record.Formula(), locals);
+    formula_plans_.Of(record) = plan;
+  }
+  if (plan->faults) reports_.push_back({record.Formula(), plan->text, plan->Faults()});
+  return plan;
+}
+
+// The plan that is kept of a record, if it may be walked. Any other goes before a new one
+// is made: a value in it may run code of the host.
+Ref<Plan> Engine::KeptFormulaPlan(Campo& record, const Ref<Campos>& locals) {
+  while (Ref<Plan> plan = formula_plans_.Of(record)) {
+    const bool is_usable = plan->walks == 0 && IsCurrent(*plan, locals.get());
+    if (is_usable && plan->has_constants) BindConstants(*plan);
+    if (is_usable && (!plan->has_constants || IsCurrent(*plan, locals.get()))) return plan;
+    formula_plans_.Of(record) = nullptr;
+  }
+  return nullptr;
 }
 
 }  // namespace tovalin

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <deque>
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -66,15 +65,29 @@ class Engine {
     /// Has what depends on `record` computed: now, or by the outermost evaluation
     /// at its end.
     void Touch(const Ref<Campo>& record);
+    /// A formula variable was computed: what depends on it is due at the end.
+    void NoteComputed(const Ref<Campo>& record);
 
    private:
     friend class Engine;
     friend class FormulaChain;
-    Calculation& Outermost();
-    void Finish();
-    void ComputeDependants();
+    using Records = std::vector<Ref<Campo>>;
 
-    // First, so that it goes last: a handler may drop the host's last Ref on the
+    // Values of the tables and of the local variables as they were at a moment.
+    struct ValuesStamp {
+      std::uint64_t values = 0;
+      std::uint64_t locals = 0;
+      friend bool operator==(const ValuesStamp&, const ValuesStamp&) = default;
+    };
+
+    Calculation& Outermost();
+    ValuesStamp StampValues() const;
+    void Finish();
+    void ComputeDependants(const Records& roots);
+    void ComputeAgain(const Records& roots, std::size_t before);
+    bool TryDependant(const Ref<Campo>& record);
+
+    // First, so that it goes last: code of the host may drop its last Ref on the
     // evaluator.
     Ref<Object> alive_;
     Engine& engine_;
@@ -82,16 +95,22 @@ class Engine {
     Calculation* outer_;
     FormulaMarks own_marks_;
     FormulaMarks* marks_;
-    std::uint64_t values_;             // StampValues when it began
-    std::vector<Ref<Campo>> touched_;  // of the outermost: whose dependants are due
+    ValuesStamp values_;  // when it began
+    NamesStamp names_;    // the same, of the tables
+    // Of the outermost: whose dependants are due. A host that has written a value since
+    // gets those that were computed before once more.
+    Records touched_;
+    Records changed_;
+    std::size_t changed_at_ = 0;  // the next formula when the last of them changed
     bool finishing_ = false;
   };
 
   /// The outcome of a plan of numbers alone, if its program gets through: it reads
-  /// no formula variable and calls no handler, and so needs no Calculation.
+  /// no formula variable and calls no handler, and so needs no Calculation. The plan must
+  /// be current.
   static std::optional<Outcome> RunNumeric(const Plan& plan);
 
-  /// Looks up or makes the plan of a formula text, "@Name" replaced.
+  /// Looks up or makes the plan of a formula text.
   Prepared Prepare(const Text& formula, const Ref<Campos>& locals);
   /// The same for a text that a host may hand in again and again.
   Prepared Prepare(SharedText& formula, const Ref<Campos>& locals);
@@ -100,13 +119,22 @@ class Engine {
   const Ref<Plan>* Recent(const SharedText& formula, const Campos* locals) const;
   /// The same for a plan of its own, which the plan store does not keep.
   Ref<Plan> PrepareApart(const Text& formula, const Ref<Campos>& locals);
-  Text ReplaceReferences(const Text& formula, const Campos* locals) const;
+  Text ReplaceReferences(const Text& formula, const Campos* locals);
+  /// Whether the names of a plan stand for what they stood for when it was made.
+  bool IsCurrent(const Plan& plan, const Campos* locals) const {
+    return plan.stamp == StampNames(symbols_, locals);
+  }
+  /// Looks the names of a plan up again when they may stand for something else: nothing
+  /// in it leads to a record that is gone.
+  void KeepCurrent(Plan& plan, const Campos* locals) const {
+    if (!IsCurrent(plan, locals)) LookUpAgain(plan, symbols_, locals);
+  }
 
   std::vector<FaultReport>& Reports() { return reports_; }
   void ForgetReports() {
     if (!reports_.empty()) DropReports();
   }
-  void UseClock(std::function<Date()> clock) { clock_ = std::move(clock); }
+  void UseClock(HostClock::Function clock) { clock_.Use(std::move(clock)); }
 
  private:
   friend class FormulaChain;
@@ -115,11 +143,14 @@ class Engine {
   void DropReports();
   Outcome Walk(Plan& plan, const Ref<Campos>& locals);
   void Step(Plan& plan, std::size_t index, const Ref<Campos>& locals, ValueStack& stack);
-  void CallBuiltin(const Builtin& builtin, ValueStack& stack);
+  void Take(const Item& item, const Ref<Campos>& locals, ValueStack& stack);
+  void CallBuiltin(const BuiltinFunction& function, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
   Ref<Plan> FormulaPlan(Campo& record, const Ref<Campos>& locals);
+  Ref<Plan> KeptFormulaPlan(Campo& record, const Ref<Campos>& locals);
+  bool CallsHost() const { return owner_.Evaluate.HasHandlers() || clock_.IsHosts(); }
   bool NeedsComputing(const Campo& record) const;
-  std::uint64_t StampValues(const Campos* locals) const;
+  bool MustCompute(const Campo& record) const;
 
   // A formula text of a host and its plan, which is used while the stamp holds.
   struct RecentText {
@@ -137,7 +168,7 @@ class Engine {
   PlanStore& plans_;
   DependencyIndex dependencies_;
   bool& close_stack_;
-  std::function<Date()> clock_;
+  HostClock clock_;
   std::vector<FaultReport> reports_;
   std::array<RecentText, kRecent> recent_;
   FormulaPlans formula_plans_;

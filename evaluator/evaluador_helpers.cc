@@ -1,9 +1,11 @@
 #include "evaluator/core.h"
 #include "evaluator/number_helpers.h"
+#include "evaluator/references.h"
 #include "evaluator/text_helpers.h"
 #include "formatting/dias360.h"
 #include "formatting/word_extraction.h"
 #include "formatting/words.h"
+#include "frame/guarded.h"
 #include "tovalin/convert.h"
 
 // The members of Evaluador that work on texts and numbers alone, or on the names
@@ -17,7 +19,7 @@ Ref<Collection> NamesIn(const TokenList& list, const Campos& table) {
   auto names = Make<Collection>();
   for (const Token& token : list.tokens) {
     if (token.kind != TokenKind::Name) continue;
-    const Campo* record = table.Find(list.Span(token));
+    const Campo* record = table.Find(NameOf(list, token));
     if (!record || names->List().Find(record->Name()) != KeyedList<Variant>::kNotFound) continue;
     const Variant name(record->Name());
     names->Add(name, name);
@@ -28,50 +30,58 @@ Ref<Collection> NamesIn(const TokenList& list, const Campos& table) {
 }  // namespace
 
 Text Evaluador::ReplaceExpresion(const Text& vExpresion, Ref<Campos>* LocalVbles) {
-  return core_->engine.ReplaceReferences(vExpresion, LocalVbles ? LocalVbles->get() : nullptr);
+  return RaisingErrors([&] {
+    return core_->engine.ReplaceReferences(vExpresion, LocalVbles ? LocalVbles->get() : nullptr);
+  });
 }
 
 Ref<Collection> Evaluador::VarExpresion(const Text& vExpresion) {
-  return NamesIn(core_->FormulaTokens(vExpresion), *core_->symbols.variables);
+  return RaisingErrors(
+      [&] { return NamesIn(core_->plans.Tokens(vExpresion), *core_->symbols.variables); });
 }
 
 Ref<Collection> Evaluador::ConstExpresion(const Text& vExpresion) {
-  return NamesIn(core_->FormulaTokens(vExpresion), *core_->symbols.constants);
-}
-
-TokenList Evaluador::Core::FormulaTokens(const Text& formula) {
-  Text text = engine.ReplaceReferences(formula, nullptr);
-  StripCarriageReturns(text);
-  return plans.Tokens(std::move(text));
+  return RaisingErrors(
+      [&] { return NamesIn(core_->plans.Tokens(vExpresion), *core_->symbols.constants); });
 }
 
 Text Evaluador::ReplaceWildCards(const Text& vCadena) const {
-  const Text any = ToText(GetConstante(u"ComodinLike", u"%"));
-  return evaluator::ReplaceString(evaluator::ReplaceString(vCadena, u"*", any), u"?", u"_");
+  return RaisingErrors([&] {
+    const Text any = ToText(GetConstante(u"ComodinLike", u"%"));
+    return evaluator::ReplaceString(evaluator::ReplaceString(vCadena, u"*", any), u"?", u"_");
+  });
 }
 
 Text Evaluador::Strip(const Text& vCadena, const Text& vQuitar) const {
-  return evaluator::Strip(vCadena, vQuitar);
+  return RaisingErrors([&] { return evaluator::Strip(vCadena, vQuitar); });
 }
 Text Evaluador::CSVNextChar(Text& rCadena, const Text& vDelimitador, const Text& oComillas) const {
-  TextView rest = rCadena;
-  Text field = evaluator::CSVNextChar(rest, vDelimitador, oComillas);
-  rCadena = Text(rest);
-  return field;
+  return RaisingErrors([&] {
+    TextView rest = rCadena;
+    Text field = evaluator::CSVNextChar(rest, vDelimitador, oComillas);
+    rCadena = Text(rest);
+    return field;
+  });
 }
 Text Evaluador::ReplaceString(const Text& vCadena, const Text& vMacro,
                               const Text& vReemplazo) const {
-  return evaluator::ReplaceString(vCadena, vMacro, vReemplazo);
+  return RaisingErrors([&] { return evaluator::ReplaceString(vCadena, vMacro, vReemplazo); });
 }
 std::int32_t Evaluador::CharCount(const Text& vCadena, const Text& vCaracter) const {
   return static_cast<std::int32_t>(evaluator::CharCount(vCadena, vCaracter));
 }
 Text Evaluador::Replicate(const Text& vCadena, std::int32_t vVeces) const {
-  return evaluator::Replicate(vCadena, vVeces);
+  return RaisingErrors([&] { return evaluator::Replicate(vCadena, vVeces); });
 }
-Text Evaluador::StripNit(const Text& vNit) const { return evaluator::StripNit(vNit); }
-Text Evaluador::RemoveChars(const Text& vCadena) const { return evaluator::RemoveChars(vCadena); }
-Text Evaluador::DigitoV(const Text& vNit) const { return evaluator::DigitoV(vNit); }
+Text Evaluador::StripNit(const Text& vNit) const {
+  return RaisingErrors([&] { return evaluator::StripNit(vNit); });
+}
+Text Evaluador::RemoveChars(const Text& vCadena) const {
+  return RaisingErrors([&] { return evaluator::RemoveChars(vCadena); });
+}
+Text Evaluador::DigitoV(const Text& vNit) const {
+  return RaisingErrors([&] { return evaluator::DigitoV(vNit); });
+}
 double Evaluador::AjusteMedio(double vValor, double vFactor, std::int32_t vDecimales) const {
   return evaluator::AjusteMedio(vValor, vFactor, vDecimales);
 }
@@ -82,13 +92,17 @@ Variant Evaluador::nvl(const Variant& vValor, const Variant& vDefault) const {
   return evaluator::nvl(vValor, vDefault);
 }
 Text Evaluador::ExtraerPalabra(const Text& vData, std::uint8_t vPart) const {
-  return Text(evaluator::ExtraerPalabra(vData, vPart));
+  return RaisingErrors([&] { return Text(evaluator::ExtraerPalabra(vData, vPart)); });
 }
 Text Evaluador::ExtraerFrase(const Text& vData, std::uint8_t vPart) const {
-  return Text(tovalin::ExtraerFrase(vData, vPart));
+  return RaisingErrors([&] { return Text(tovalin::ExtraerFrase(vData, vPart)); });
 }
-Text Evaluador::ExtraeRev(const Text& vData) const { return Text(evaluator::ExtraeRev(vData)); }
-Text Evaluador::MontoEscrito(double vValor) const { return tovalin::MontoEscrito(vValor); }
+Text Evaluador::ExtraeRev(const Text& vData) const {
+  return RaisingErrors([&] { return Text(evaluator::ExtraeRev(vData)); });
+}
+Text Evaluador::MontoEscrito(double vValor) const {
+  return RaisingErrors([&] { return tovalin::MontoEscrito(vValor); });
+}
 std::int32_t Evaluador::Dias360(Date vInicial, Date vFin) const {
   return tovalin::Dias360(vInicial, vFin);
 }

@@ -1,6 +1,7 @@
 #include "evaluator/core.h"
 #include "evaluator/text_helpers.h"
 #include "evaluator/vocabulary.h"
+#include "frame/guarded.h"
 
 // The members of Evaluador that read and write symbols.
 
@@ -79,14 +80,19 @@ void Evaluador::ChangeVble(double vValue, const Text& Name) {
 }
 
 void Evaluador::Direction(const Variant& vDirection) {
-  for (const Campos* table : {core_->symbols.variables.get(), core_->symbols.constants.get()})
-    for (const Ref<Campo>& record : table->List().Items()) record->LetDirection(vDirection);
+  // An object that was a direction may change the tables when it goes.
+  const Variant direction = vDirection.Value();
+  for (const Ref<Campos>& table : {core_->symbols.variables, core_->symbols.constants})
+    for (const Ref<Campo>& record : *table)
+      if (record) record->LetDirection(direction);
 }
 
 void Evaluador::NewVble(const Text& Name, const Variant& Value, const Text& Description,
                         std::int32_t vDataType, const Text& oFormula) {
-  core_->symbols.Validate(Name);
-  core_->symbols.variables->Add(MakeSymbol(Name, Value, Description, vDataType, oFormula));
+  RaisingErrors([&] {
+    core_->symbols.Validate(Name);
+    core_->symbols.variables->Add(MakeSymbol(Name, Value, Description, vDataType, oFormula));
+  });
 }
 void Evaluador::AddVble(const Text& Name, const Variant& Value, const Text& Description,
                         std::int32_t vDataType, const Text& oFormula) {
@@ -95,8 +101,10 @@ void Evaluador::AddVble(const Text& Name, const Variant& Value, const Text& Desc
 
 void Evaluador::NewConstant(const Text& Name, const Variant& Value, const Text& Description,
                             std::int32_t vDataType) {
-  core_->symbols.Validate(Name);
-  core_->symbols.constants->Add(MakeSymbol(Name, Value, Description, vDataType));
+  RaisingErrors([&] {
+    core_->symbols.Validate(Name);
+    core_->symbols.constants->Add(MakeSymbol(Name, Value, Description, vDataType));
+  });
 }
 void Evaluador::AddConstant(const Text& Name, const Variant& Value, const Text& Description,
                             std::int32_t vDataType) {
@@ -105,40 +113,55 @@ void Evaluador::AddConstant(const Text& Name, const Variant& Value, const Text& 
 
 void Evaluador::AddFunction(const Text& Name, const Text& SourceName, const Text& Description,
                             const Text& Sintax) {
-  core_->symbols.functions->Add(MakeFunction(Name, SourceName, Description, Sintax));
+  RaisingErrors(
+      [&] { core_->symbols.functions->Add(MakeFunction(Name, SourceName, Description, Sintax)); });
 }
 
 void Evaluador::AppendsVble(const Ref<tovalin::Campos>& Campos, const Variant& Before,
                             const Variant& After) {
-  if (!Campos) Raise(Failure::ObjectNotSet);
-  const bool has_before = !Before.IsMissing();
-  for (const Ref<Campo>& record : *Campos) {
-    if (!record || !core_->symbols.IsValid(record->Name())) continue;
-    try {
-      core_->symbols.variables->Add(record, Before, has_before ? Variant::Missing() : After);
-    } catch (const Error&) {
-      // Deliberately skipped: a host appends what it has and asks afterwards.
+  RaisingErrors([&] {
+    if (!Campos) Raise(Failure::ObjectNotSet);
+    const bool has_before = !Before.IsMissing();
+    for (const Ref<Campo>& record : *Campos) {
+      if (!record || !core_->symbols.IsValid(record->Name())) continue;
+      try {
+        core_->symbols.variables->Add(record, Before, has_before ? Variant::Missing() : After);
+      } catch (const Error&) {
+        // Deliberately skipped: a host appends what it has and asks afterwards.
+      }
     }
-  }
+  });
 }
 
 void Evaluador::RemoveVble(const Text& Index) {
-  for (TextView rest = Index; !rest.empty();) {
-    const Text name = evaluator::CSVNextChar(rest, u",");
-    if (!name.empty()) core_->symbols.variables->Remove(name);
-  }
+  RaisingErrors([&] {
+    const Ref<Evaluador> alive = Hold(*this);  // an object that goes may drop the last other one
+    const Text names = Index;
+    for (TextView rest = names; !rest.empty();) {
+      const Text name = evaluator::CSVNextChar(rest, u",");
+      if (!name.empty()) core_->symbols.variables->Remove(name);
+    }
+  });
 }
 
 // Deliberately one name and no list, unlike RemoveVble.
 void Evaluador::RemoveConts(const Text& Index) {
-  const Campos& constants = *core_->symbols.constants;
-  if (constants.Find(Index) && constants.IsSystem(Index))
-    RaiseOwn(u"Evaluador", u"No se puede eliminar una constante del sistema");
-  core_->symbols.constants->Remove(Index);
+  RaisingErrors([&] {
+    const Campos& constants = *core_->symbols.constants;
+    if (constants.Find(Index) && constants.IsSystem(Index))
+      RaiseOwn(u"Evaluador", u"No se puede eliminar una constante del sistema");
+    core_->symbols.constants->Remove(Index);
+  });
 }
 
-void Evaluador::ClearVbles() { SetVariables(Make<Campos>()); }
-void Evaluador::ClearFunctions() { SetFunctions(MakeFunctions()); }
-void Evaluador::ClearConstants() { SetConstantes(MakeConstants()); }
+void Evaluador::ClearVbles() {
+  RaisingErrors([&] { SetVariables(Make<Campos>()); });
+}
+void Evaluador::ClearFunctions() {
+  RaisingErrors([&] { SetFunctions(MakeFunctions()); });
+}
+void Evaluador::ClearConstants() {
+  RaisingErrors([&] { SetConstantes(MakeConstants()); });
+}
 
 }  // namespace tovalin

@@ -18,7 +18,9 @@ class FormulaChain {
   FormulaChain(const FormulaChain&) = delete;
   FormulaChain& operator=(const FormulaChain&) = delete;
 
-  void Compute(Campo& record);
+  /// Tries the formula of `record`. What fails is marked, all that waited for it too,
+  /// and the error thrown.
+  void Compute(const Ref<Campo>& record);
 
  private:
   // A formula variable that waits for others, and the item of its plan to look at next.
@@ -28,15 +30,20 @@ class FormulaChain {
     std::size_t next = 0;
   };
 
-  void Push(Campo& record);
+  void ComputeAll(const Ref<Campo>& record);
+  void ComputeLast();
+  void Push(const Ref<Campo>& record);
   void Pop();
   int Depth() const { return static_cast<int>(waiting_.size()); }
-  Campo* NextNeeded(Waiting& waiting) const;
+  Ref<Campo> NextNeeded(Waiting& waiting) const;
   Variant ValueOf(Plan& plan);
+  void CheckTables();
 
   Engine& engine_;
   const Ref<Campos>& locals_;
-  bool is_alone_;  // no code of the host can run
+  FormulaMarks& marks_;
+  bool is_alone_;           // no code of the host runs, unless it is the destructor of an object
+  bool is_current_ = true;  // the names stand for what they stood for in the plans that wait
   std::vector<Waiting> waiting_;
 };
 

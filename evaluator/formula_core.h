@@ -19,9 +19,14 @@ class Formula::Core {
     if (!link_->core) RaiseGone();
     return *link_->core;
   }
-  /// The plan as the tables are now.
+  /// Whether the plan is as the tables are now: if not, Current may run code of the host,
+  /// which may drop its last Ref on the formula.
+  bool IsCurrent() const {
+    return plan_ && link_->core && plan_->stamp == StampNames(link_->core->symbols, locals_.get());
+  }
+  /// The plan as the tables are now. Raises when the evaluator is gone.
   const Ref<Plan>& Current() {
-    if (plan_->stamp != StampNames(Host().symbols, locals_.get())) PrepareAgain();
+    if (!IsCurrent()) PrepareAgain();
     return plan_;
   }
   Engine::Outcome Evaluate();

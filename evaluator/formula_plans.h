@@ -1,6 +1,7 @@
 #pragma once
 
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "evaluator/plan.h"
@@ -19,10 +20,11 @@ class FormulaPlans {
     return entries_[record.plan_place_].plan;
   }
 
-  /// Forgets all when most are of records that are gone.
+  /// Forgets all when most are of records that are gone. The plans go last: a value in
+  /// one may run code of the host, which may ask for another.
   void Tidy(std::size_t records) {
     if (entries_.size() <= 2 * records + 64) return;
-    entries_.clear();
+    const std::vector<Entry> gone = std::exchange(entries_, {});
     places_.clear();
   }
 
@@ -36,9 +38,16 @@ class FormulaPlans {
     return record.plan_place_ < entries_.size() && entries_[record.plan_place_].record == &record;
   }
   void Place(Campo& record) {
-    const auto next = static_cast<std::uint32_t>(entries_.size());
-    record.plan_place_ = places_.try_emplace(&record, next).first->second;
-    if (record.plan_place_ == next) entries_.push_back({&record, nullptr});
+    const auto found = places_.find(&record);
+    if (found != places_.end()) {
+      record.plan_place_ = found->second;
+      return;
+    }
+    // The entry first: a place without one would be taken for that of another record.
+    entries_.push_back({&record, nullptr});
+    const auto place = static_cast<std::uint32_t>(entries_.size() - 1);
+    places_.emplace(&record, place);
+    record.plan_place_ = place;
   }
 
   std::vector<Entry> entries_;

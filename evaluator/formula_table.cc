@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <optional>
 #include <type_traits>
 
 #include "evaluator/formula_core.h"
 #include "evaluator/numeric_columns.h"
 #include "evaluator/value_columns.h"
+#include "frame/guarded.h"
 #include "tovalin/convert.h"
 #include "tovalin/formula.h"
 
@@ -69,11 +71,14 @@ class BoundVariables {
     for (std::size_t i : taken_) records_[i]->LetValue(ValueAt(columns_[i], row));
   }
 
-  std::vector<NumericColumns::Bound> Doubles() const {
+  std::vector<NumericColumns::Bound> Numbers() const {
     std::vector<NumericColumns::Bound> bound;
-    for (std::size_t i = 0; i < records_.size(); ++i)
-      if (const auto* values = std::get_if<std::span<const double>>(&columns_[i].values))
-        bound.push_back({&records_[i]->Value(), values->data()});
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+      const auto* doubles = std::get_if<std::span<const double>>(&columns_[i].values);
+      const auto* values = std::get_if<std::span<const Variant>>(&columns_[i].values);
+      bound.push_back({&records_[i]->Value(), doubles ? doubles->data() : nullptr,
+                       values ? values->data() : nullptr});
+    }
     return bound;
   }
 
@@ -82,16 +87,6 @@ class BoundVariables {
     for (std::size_t i = 0; i < records_.size(); ++i)
       bound.push_back({&records_[i]->Value(), &columns_[i]});
     return bound;
-  }
-
-  /// Whether a column of Variants stands for a value that `program` loads.
-  bool NeedsVariants(const NumericProgram& program) const {
-    return std::ranges::any_of(program.steps, [this](const NumericStep& step) {
-      if (step.operand != NumericOperand::Source) return false;
-      for (std::size_t i = 0; i < records_.size(); ++i)
-        if (step.source == &records_[i]->Value() && columns_[i].values.index() != 0) return true;
-      return false;
-    });
   }
 
  private:
@@ -117,11 +112,15 @@ class TableRun {
 
   std::vector<RowError> Run() {
     std::optional<NumericColumns> numbers;
-    if (plan_->numeric && !variables_.NeedsVariants(plan_->numeric))
-      numbers.emplace(plan_->numeric, variables_.Doubles());
+    if (plan_->numeric) numbers.emplace(plan_->numeric, variables_.Numbers());
     std::optional<ValueColumns> values;
     for (std::size_t first = 0; first < rows_; first += NumericColumns::kBlock) {
       const std::size_t count = std::min(NumericColumns::kBlock, rows_ - first);
+      // What a result replaces may be an object, which changes the tables as it goes.
+      if (!formula_.IsCurrent() || formula_.Current() != plan_) {
+        RunRows(first, first + count);
+        continue;
+      }
       if (numbers && numbers->IsReady() && RunBlock(*numbers, first, count)) continue;
       if (!values) values.emplace(*plan_, variables_.All());
       if (values->IsReady())
@@ -148,13 +147,26 @@ class TableRun {
   void RunBlocks(ValueColumns& columns, std::size_t first, std::size_t end) {
     for (; first < end; first += ValueColumns::kBlock) {
       const std::size_t count = std::min(ValueColumns::kBlock, end - first);
-      columns.Run(first, count);
+      if (!RunColumns(columns, first, count)) {
+        RunRows(first, first + count);
+        continue;
+      }
       for (std::size_t i = 0; i < count; ++i) {
         if (std::optional<Variant> result = columns.TakeResult(i))
           Store(first + i, [&result] { return std::move(*result); });
         else
           RunRows(first + i, first + i + 1);
       }
+    }
+  }
+
+  // False where memory runs out: row by row it may do, and each row tells of its own.
+  static bool RunColumns(ValueColumns& columns, std::size_t first, std::size_t count) {
+    try {
+      columns.Run(first, count);
+      return true;
+    } catch (const std::bad_alloc&) {
+      return false;
     }
   }
 
@@ -183,13 +195,15 @@ class TableRun {
   template <class Compute>
   void Store(std::size_t row, Compute compute) {
     try {
-      if constexpr (std::is_same_v<Result, double>)
-        results_[row] = ToDouble(compute());
-      else
-        results_[row] = compute();
-    } catch (const Error& error) {
+      RaisingErrors([&] {
+        if constexpr (std::is_same_v<Result, double>)
+          results_[row] = ToDouble(compute());
+        else
+          results_[row] = compute();
+      });
+    } catch (Error& error) {
       results_[row] = NoResult();
-      errors_.push_back({row, error});
+      errors_.push_back({row, std::move(error)});
     }
   }
 
@@ -217,34 +231,42 @@ std::vector<Variant> RowsOf(const Variant& array) {
 
 std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                             std::span<double> results) {
-  const Ref<Formula> alive = Hold(*this);
-  return TableRun<double>(*core_, columns, rows, results).Run();
+  CheckStack();  // a clock may come back here
+  return RaisingErrors([&] {
+    const Ref<Formula> alive = Hold(*this);
+    return TableRun<double>(*core_, columns, rows, results).Run();
+  });
 }
 
 std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                             std::span<Variant> results) {
-  const Ref<Formula> alive = Hold(*this);
-  return TableRun<Variant>(*core_, columns, rows, results).Run();
+  CheckStack();  // a clock may come back here
+  return RaisingErrors([&] {
+    const Ref<Formula> alive = Hold(*this);
+    return TableRun<Variant>(*core_, columns, rows, results).Run();
+  });
 }
 
 std::int32_t Formula::EvaluarTabla(const Variant& columns, std::int32_t rows, Variant& Result) {
-  if (!columns.Is(Subtype::Object)) Raise(Failure::ObjectRequired);
-  const Ref<Collection> given = columns.AsObject().As<Collection>();
-  if (!given) Raise(columns.AsObject() ? Failure::TypeMismatch : Failure::ObjectNotSet);
-  if (rows < 0) Raise(Failure::InvalidArgument);
-  const auto count = static_cast<std::size_t>(rows);
-  std::vector<std::vector<Variant>> values;
-  std::vector<Column> bound;
-  for (const Variant& array : given->List().Items()) values.push_back(RowsOf(array));
-  for (std::size_t i = 0; i < values.size(); ++i)
-    bound.push_back({Text(given->List().Key(i)), std::span<const Variant>(values[i])});
-  std::vector<Variant> results(count);
-  const std::vector<RowError> errors = EvaluarTabla(bound, count, std::span<Variant>(results));
-  for (const RowError& error : errors) results[error.row] = Variant::ErrorValue(error.error.number);
-  auto array = Make<VariantArray>(1, count);
-  for (std::size_t row = 0; row < count; ++row) array->At(0, row) = std::move(results[row]);
-  Result.Assign(std::move(array));
-  return static_cast<std::int32_t>(errors.size());
+  return RaisingErrors([&] {
+    if (!columns.Is(Subtype::Object)) Raise(Failure::ObjectRequired);
+    const Ref<Collection> given = columns.AsObject().As<Collection>();
+    if (!given) Raise(columns.AsObject() ? Failure::TypeMismatch : Failure::ObjectNotSet);
+    if (rows < 0) Raise(Failure::InvalidArgument);
+    const auto count = static_cast<std::size_t>(rows);
+    std::vector<std::vector<Variant>> values;
+    std::vector<Column> bound;
+    for (const Variant& array : given->List().Items()) values.push_back(RowsOf(array));
+    for (std::size_t i = 0; i < values.size(); ++i)
+      bound.push_back({Text(given->List().Key(i)), std::span<const Variant>(values[i])});
+    auto array = Make<VariantArray>(1, count);  // its rows stand one behind the other
+    const std::span<Variant> results(count > 0 ? &array->At(0, 0) : nullptr, count);
+    const std::vector<RowError> errors = EvaluarTabla(bound, count, results);
+    for (const RowError& error : errors)
+      results[error.row] = Variant::ErrorValue(error.error.number);
+    Result.Assign(std::move(array));
+    return static_cast<std::int32_t>(errors.size());
+  });
 }
 
 }  // namespace tovalin

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "evaluator/references.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -54,44 +55,44 @@ std::vector<Fault> StructuralFaults(const TokenList& list) {
   return faults;
 }
 
-// The name behind the "@" of a token, without the quotes around it, or nothing
-// for a token that has no such form. The literal "@" alone is no name.
-TextView NameBehindAt(const TokenList& list, const Token& token) {
-  TextView span = list.Span(token);
-  if (token.kind == TokenKind::Name && span.size() > 1 && (span[0] == u'"' || span[0] == u'\'')) {
-    if (span.back() == span[0]) span.remove_suffix(1);
-    span.remove_prefix(1);
-  }
-  return span.size() > 1 && span[0] == u'@' ? span.substr(1) : TextView();
+// What a name counts as among the operands of a formula.
+enum class Reading { Unknown, Operand, Opening };  // an operand must follow an Opening
+
+Reading ReadingOf(TextView name, const Symbols& symbols, const Campos* locals) {
+  if (ReadNumber(name) || (locals && locals->Find(name))) return Reading::Operand;
+  if (symbols.operators->Find(name) || symbols.functions->Find(name)) return Reading::Opening;
+  if (symbols.Find(name)) return Reading::Operand;
+  if (symbols.separators->List().Find(name) == KeyedList<Variant>::kNotFound)
+    return Reading::Unknown;
+  return name == u")" ? Reading::Operand : Reading::Opening;
 }
 
-bool IsKnown(TextView name, const Symbols& symbols, const Campos* locals) {
-  return ReadNumber(name) || (locals && locals->Find(name)) || symbols.operators->Find(name) ||
-         symbols.functions->Find(name) || symbols.Find(name) ||
-         symbols.separators->List().Find(name) != KeyedList<Variant>::kNotFound;
+// Whether an operand must follow the name.
+bool CheckReading(TokenList& list, const Token& token, TextView name, const Symbols& symbols,
+                  const Campos* locals) {
+  const Reading reading = ReadingOf(name, symbols, locals);
+  if (reading == Reading::Unknown)
+    list.faults.push_back(
+        MakeFault(FaultCode::UndefinedVariable, token, Text(kUndefined).append(name)));
+  return reading == Reading::Opening;
 }
 
-void AddUndefined(TokenList& list, const Token& token, TextView name) {
-  list.faults.push_back(
-      MakeFault(FaultCode::UndefinedVariable, token, Text(kUndefined).append(name)));
-}
-
-void CheckName(TokenList& list, Token& token, const Symbols& symbols, const Campos* locals) {
-  const TextView behind_at = NameBehindAt(list, token);
-  const TextView name = behind_at.empty() ? list.Span(token) : behind_at;
-  ResolveName(token, name, symbols, locals);
-  if (token.scope == Scope::None && !IsKnown(name, symbols, locals))
-    AddUndefined(list, token, name);
-  if (behind_at.empty() || token.scope == Scope::None) return;
-  token.start = static_cast<std::uint32_t>(name.data() - list.text.data());
-  token.length = static_cast<std::uint32_t>(name.size());
+bool CheckName(TokenList& list, Token& token, const Symbols& symbols, const Campos* locals) {
+  const std::uint32_t start = token.start;
+  const std::uint32_t length = token.length;
+  const TextView name = ResolveOperand(list, token, symbols, locals);
+  if (token.scope != Scope::None && name.size() == length) return false;
+  Token as_written = token;
+  as_written.start = start;
+  as_written.length = length;
+  return CheckReading(list, as_written, name, symbols, locals);
 }
 
 // A literal that begins with "@" deliberately counts as a name here.
-void CheckLiteral(TokenList& list, const Token& token, const Symbols& symbols,
+bool CheckLiteral(TokenList& list, const Token& token, const Symbols& symbols,
                   const Campos* locals) {
   const TextView name = NameBehindAt(list, token);
-  if (!name.empty() && !IsKnown(name, symbols, locals)) AddUndefined(list, token, name);
+  return !name.empty() && CheckReading(list, token, name, symbols, locals);
 }
 
 void CheckOperands(TokenList& list, const Symbols& symbols, const Campos* locals) {
@@ -103,18 +104,19 @@ void CheckOperands(TokenList& list, const Symbols& symbols, const Campos* locals
       case TokenKind::Open:
       case TokenKind::Comma:
         pending = true;
-        continue;
+        break;
       case TokenKind::Name:
-        CheckName(list, token, symbols, locals);
+        pending = CheckName(list, token, symbols, locals);
         break;
       case TokenKind::Literal:
-        CheckLiteral(list, token, symbols, locals);
+        pending = CheckLiteral(list, token, symbols, locals);
         break;
       case TokenKind::Number:
       case TokenKind::Close:
+      case TokenKind::Value:
+        pending = false;
         break;
     }
-    pending = false;
   }
   if (!pending) return;
   const Token& last = list.tokens.back();
@@ -131,18 +133,6 @@ void CheckTokens(TokenList& list, const Symbols& symbols, const Campos* locals) 
   for (int times = list.tokens.size() > 1 ? 2 : 1; times > 0; --times)
     list.faults.insert(list.faults.end(), faults.begin(), faults.end());
   CheckOperands(list, symbols, locals);
-}
-
-void ResolveName(Token& token, TextView name, const Symbols& symbols, const Campos* locals) {
-  if (locals && (token.record = locals->Find(name))) {
-    token.scope = Scope::Local;
-  } else if ((token.record = symbols.variables->Find(name))) {
-    token.scope = Scope::Variable;
-  } else if ((token.record = symbols.constants->Find(name))) {
-    token.scope = Scope::Constant;
-  } else {
-    token.scope = Scope::None;
-  }
 }
 
 Text NormalisedExpression(const TokenList& list) {

@@ -9,9 +9,6 @@ namespace tovalin {
 /// the names, `locals` (null for none) first.
 void CheckTokens(TokenList& list, const Symbols& symbols, const Campos* locals);
 
-/// Looks up a name token: a local variable, else a variable, else a constant.
-void ResolveName(Token& token, TextView name, const Symbols& symbols, const Campos* locals);
-
 /// The tokens joined, each followed by a blank; a single token stands alone.
 Text NormalisedExpression(const TokenList& list);
 

@@ -1,12 +1,9 @@
 #include "evaluator/numeric_columns.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-
-#include "evaluator/number_helpers.h"
-#include "frame/arithmetic.h"
-#include "frame/comparison.h"
-#include "tovalin/convert.h"
+#include <utility>
 
 // Compiled once more for wider vectors, which the program takes where the machine
 // has them: a third less time for a column of additions and divisions. There is no
@@ -43,9 +40,11 @@ TOVALIN_WIDE bool AreFinite(const double* values, std::size_t count) {
   return AllZero(values, count, [](double value) { return value - value; });
 }
 
-// Either side may be one number for all rows: its values are null then.
+// What a block computes from and into. The left or the right may be one number for all
+// rows: its values are null then.
 struct Operands {
   double* target;
+  const double* first;  // of an operation of three
   const double* left;
   const double* right;
   double number;
@@ -55,7 +54,8 @@ struct Operands {
 // A target may be one of the operands, row by row; never in part.
 template <class Operation>
 [[gnu::always_inline]] inline void Each(const Operands& operands, Operation operation) {
-  const auto [target, left, right, number, count] = operands;
+  double* const target = operands.target;
+  const auto [unused, first, left, right, number, count] = operands;
   if (!left) {
     for (std::size_t i = 0; i < count; ++i) target[i] = operation(number, right[i]);
   } else if (!right) {
@@ -65,83 +65,28 @@ template <class Operation>
   }
 }
 
-TOVALIN_WIDE void Compare(NumericCode code, const Operands& operands) {
-  switch (code) {
-    case NumericCode::Less:
-      return Each(operands, [](double a, double b) { return a < b ? 1.0 : 0.0; });
-    case NumericCode::LessOrEqual:
-      return Each(operands, [](double a, double b) { return a <= b ? 1.0 : 0.0; });
-    case NumericCode::Greater:
-      return Each(operands, [](double a, double b) { return a > b ? 1.0 : 0.0; });
-    case NumericCode::GreaterOrEqual:
-      return Each(operands, [](double a, double b) { return a >= b ? 1.0 : 0.0; });
-    case NumericCode::Equal:
-      return Each(operands, [](double a, double b) {
-        return a == b || comparison::EqualNumbers(a, b) ? 1.0 : 0.0;
-      });
-    default:
-      return Each(operands, [](double a, double b) { return a != b ? 1.0 : 0.0; });
+template <NumericCode kCode>
+TOVALIN_WIDE void ComputeBlock(const Operands& operands) {
+  if constexpr (OperandsOf(kCode) == 3) {
+    const auto [target, first, left, right, number, count] = operands;
+    for (std::size_t i = 0; i < count; ++i) target[i] = Compute<kCode>(first[i], left[i], right[i]);
+  } else if constexpr (OperandsOf(kCode) == 2) {
+    Each(operands, [](double a, double b) { return Compute<kCode>(a, b); });
+  } else {
+    for (std::size_t i = 0; i < operands.count; ++i)
+      operands.target[i] = Compute<kCode>(0, operands.right[i]);
   }
 }
 
-TOVALIN_WIDE void Combine(NumericCode code, const Operands& operands) {
-  switch (code) {
-    case NumericCode::Add:
-      return Each(operands, [](double a, double b) { return a + b; });
-    case NumericCode::Subtract:
-      return Each(operands, [](double a, double b) { return a - b; });
-    case NumericCode::Multiply:
-    case NumericCode::And:
-      return Each(operands, [](double a, double b) { return a * b; });
-    case NumericCode::TimesNegated:
-      return Each(operands, [](double a, double b) { return a * b * -1; });
-    case NumericCode::Divide:
-      return Each(operands, [](double a, double b) { return a / b; });
-    case NumericCode::Min:
-      return Each(operands, [](double a, double b) { return a < b ? a : b; });
-    case NumericCode::Max:
-    case NumericCode::Or:
-      return Each(operands, [](double a, double b) { return a > b ? a : b; });
-    case NumericCode::Negate:
-      return Each(operands, [](double a, double) { return a * -1; });
-    case NumericCode::Abs:
-      return Each(operands, [](double a, double) { return std::fabs(a); });
-    default:
-      return Compare(code, operands);
-  }
-}
+using BlockFunction = void (*)(const Operands& operands);
 
-TOVALIN_WIDE void Choose(double* target, const double* conditions, const double* yes,
-                         const double* no, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) target[i] = conditions[i] != 0 ? yes[i] : no[i];
+// A function for each code that computes.
+constexpr auto kBlockFunctions = []<std::size_t... kIndex>(std::index_sequence<kIndex...>) {
+  constexpr std::size_t kFirst = static_cast<std::size_t>(NumericCode::Add);
+  return std::array<BlockFunction, sizeof...(kIndex)>{
+      ComputeBlock<static_cast<NumericCode>(kIndex < kFirst ? kFirst : kIndex)>...};
 }
-
-// False where a row raises.
-bool Adjust(double* target, const double* values, const double* steps, const double* decimals,
-            std::size_t count) {
-  try {
-    for (std::size_t i = 0; i < count; ++i)
-      target[i] = evaluator::AjusteMedio(values[i], steps[i], ToLong(decimals[i]));
-    return true;
-  } catch (const Error&) {
-    return false;
-  }
-}
-
-// The places are nearly always the same in all rows.
-bool Round(const Operands& operands) {
-  try {
-    if (operands.right) {
-      Each(operands, [](double a, double b) { return evaluator::Redondear(a, ToLong(b)); });
-    } else {
-      const std::int32_t places = ToLong(operands.number);
-      Each(operands, [=](double a, double) { return evaluator::Redondear(a, places); });
-    }
-    return true;
-  } catch (const Error&) {
-    return false;
-  }
-}
+(std::make_index_sequence<kNumericCodes>());
 
 }  // namespace
 
@@ -150,17 +95,31 @@ NumericColumns::NumericColumns(const NumericProgram& program, std::span<const Bo
   stack_.reserve(program.depth);
   steps_.reserve(program.steps.size());
   for (const NumericStep& step : program.steps)
-    if (is_ready_) Take(step, columns);
+    if (is_ready_) Add(step, columns);
 }
 
-NumericColumns::Operand NumericColumns::Brought(const NumericStep& step,
-                                                std::span<const Bound> columns) {
-  if (step.operand == NumericOperand::Number) return {.number = step.number};
-  const auto bound = std::ranges::find(columns, step.source, &Bound::source);
-  if (bound != columns.end()) return {.column = bound->values};
-  const double* number = step.source->IfDouble();
-  if (!number || !arithmetic::IsFinite(*number)) is_ready_ = false;
-  return {.number = number ? *number : 0};
+NumericColumns::Operand NumericColumns::Immediate(NumericOperand kind,
+                                                  const ImmediateOperand& operand,
+                                                  std::span<const Bound> columns) {
+  if (kind == NumericOperand::Number) return {.number = operand.number};
+  // A name that was given twice has the last of its columns, as row by row.
+  const auto bound =
+      std::find_if(columns.rbegin(), columns.rend(),
+                   [&operand](const Bound& column) { return column.source == operand.source; });
+  if (bound == columns.rend()) {
+    const double* number = operand.source->IfDouble();
+    if (!number || !std::isfinite(*number)) is_ready_ = false;
+    return {.number = number ? *number : 0};
+  }
+  if (bound->doubles) return {.column = bound->doubles};
+  return {.block = Gathered(bound->values)};
+}
+
+const NumericColumns::Block* NumericColumns::Gathered(const Variant* values) {
+  for (const Gather& gather : gathers_)
+    if (gather.values == values) return gather.target.get();
+  gathers_.push_back({values, std::make_unique_for_overwrite<Block>()});
+  return gathers_.back().target.get();
 }
 
 NumericColumns::Operand NumericColumns::Pop() {
@@ -169,39 +128,33 @@ NumericColumns::Operand NumericColumns::Pop() {
   return operand;
 }
 
-void NumericColumns::Take(const NumericStep& step, std::span<const Bound> columns) {
-  if (step.code == NumericCode::Power) is_ready_ = false;
-  if (step.operand != NumericOperand::None) stack_.push_back(Brought(step, columns));
-  if (step.code != NumericCode::Load && is_ready_) TakeOperation(step.code);
+void NumericColumns::Add(const NumericStep& step, std::span<const Bound> columns) {
+  if (step.left_kind != NumericOperand::Stack)
+    stack_.push_back(Immediate(step.left_kind, step.left, columns));
+  if (step.right_kind != NumericOperand::Stack)
+    stack_.push_back(Immediate(step.right_kind, step.right, columns));
+  if (step.code != NumericCode::Load && is_ready_) AddOperation(step.code);
 }
 
 // What has the same operands in every row is computed here, once.
-void NumericColumns::TakeOperation(NumericCode code) {
+void NumericColumns::AddOperation(NumericCode code) {
   Step made;
   made.code = code;
-  if (OperandsOf(code) > 1) made.right = Pop();
-  made.left = Pop();
+  made.right = Pop();
+  if (OperandsOf(code) > 1) made.left = Pop();
   if (OperandsOf(code) == 3) {
     made.right = Spread(made.right);
     made.left = Spread(made.left);
     made.first = Spread(Pop());
   } else if (made.left.IsNumber() && made.right.IsNumber()) {
-    stack_.push_back({.number = Folded(code, made.left, made.right)});
+    const double number = RunOne(code, made.left.number, made.right.number);
+    if (std::isnan(number)) is_ready_ = false;
+    stack_.push_back({.number = number});
     return;
   }
   made.target = &slots_[stack_.size()];
   stack_.push_back({.block = made.target});
   steps_.push_back(made);
-}
-
-double NumericColumns::Folded(NumericCode code, const Operand& left, const Operand& right) {
-  NumericProgram program;
-  program.left = 1;
-  program.steps.push_back(MakeStep(NumericCode::Load, left.number));
-  program.steps.push_back(OperandsOf(code) == 1 ? MakeStep(code) : MakeStep(code, right.number));
-  const double number = program.Run();
-  if (std::isnan(number)) is_ready_ = false;
-  return number;
 }
 
 NumericColumns::Operand NumericColumns::Spread(const Operand& operand) {
@@ -210,7 +163,20 @@ NumericColumns::Operand NumericColumns::Spread(const Operand& operand) {
   return {.block = &spread_.back()};
 }
 
+bool NumericColumns::ReadVariants(std::size_t first, std::size_t count) {
+  for (const Gather& gather : gathers_) {
+    double* target = gather.target->data();
+    for (std::size_t i = 0; i < count; ++i) {
+      const double* number = gather.values[first + i].IfDouble();
+      if (!number) return false;
+      target[i] = *number;
+    }
+  }
+  return true;
+}
+
 bool NumericColumns::Run(std::size_t first, std::size_t count, double* results) {
+  if (!ReadVariants(first, count)) return false;
   const Operand& result = stack_.front();
   for (const Step& step : steps_) {
     // The last step writes where the results go.
@@ -230,26 +196,17 @@ bool NumericColumns::Run(std::size_t first, std::size_t count, double* results) 
 
 bool NumericColumns::RunStep(const Step& step, std::size_t first, std::size_t count,
                              double* target) {
-  const double* left = step.left.IsNumber() ? nullptr : step.left.Values(first);
-  const double* right = step.right.IsNumber() ? nullptr : step.right.Values(first);
-  const bool hides_left = MayHide(step.code);
-  const bool hides_right = hides_left || step.code == NumericCode::Divide;
-  if (hides_left && left && !AreFinite(left, count)) return false;
-  if (hides_right && right && !AreFinite(right, count)) return false;
-  const Operands operands = {target, left, right, left ? step.right.number : step.left.number,
-                             count};
-  switch (step.code) {
-    case NumericCode::Choose:
-      Choose(target, step.first.Values(first), left, right, count);
-      return true;
-    case NumericCode::Adjust:
-      return Adjust(target, step.first.Values(first), left, right, count);
-    case NumericCode::Round:
-      return Round(operands);
-    default:
-      Combine(step.code, operands);
-      return true;
-  }
+  const auto values = [first](const Operand& operand) {
+    return operand.IsNumber() ? nullptr : operand.Values(first);
+  };
+  const double* left = values(step.left);
+  const double* right = values(step.right);
+  if (MayHideLeft(step.code) && left && !AreFinite(left, count)) return false;
+  if (MayHideRight(step.code) && right && !AreFinite(right, count)) return false;
+  const double number = left ? step.right.number : step.left.number;
+  kBlockFunctions[static_cast<std::size_t>(step.code)](
+      {target, values(step.first), left, right, number, count});
+  return true;
 }
 
 }  // namespace tovalin

@@ -18,21 +18,23 @@ class NumericColumns {
  public:
   static constexpr std::size_t kBlock = 512;
 
-  /// A column in place of the variable whose value a program loads.
+  /// A column in place of the variable whose value a program loads: of doubles, or
+  /// of values.
   struct Bound {
     const Variant* source;
-    const double* values;
+    const double* doubles;
+    const Variant* values;
   };
 
   NumericColumns(const NumericProgram& program, std::span<const Bound> columns);
 
   /// Whether the program can be run over columns at all: every value that is not
-  /// bound to a column is a Double now, and no step has to look at single rows.
+  /// bound to a column is a Double now.
   bool IsReady() const { return is_ready_; }
 
-  /// Computes the rows from `first` on, at most kBlock of them. False when a row
-  /// of the block has to be walked: a division by zero, a result beyond Double.
-  /// The block's results are of no use then.
+  /// Computes the rows from `first` on, at most kBlock of them. False when a row of
+  /// the block has to be evaluated by values: a value that is no Double, a division
+  /// by zero, a result beyond Double. The block's results are of no use then.
   bool Run(std::size_t first, std::size_t count, double* results);
 
  private:
@@ -58,12 +60,20 @@ class NumericColumns {
     Block* target = nullptr;
   };
 
+  // A column of values that are copied into doubles for each block.
+  struct Gather {
+    const Variant* values;
+    std::unique_ptr<Block> target;
+  };
+
   static bool RunStep(const Step& step, std::size_t first, std::size_t count, double* target);
 
-  void Take(const NumericStep& step, std::span<const Bound> columns);
-  void TakeOperation(NumericCode code);
-  Operand Brought(const NumericStep& step, std::span<const Bound> columns);
-  double Folded(NumericCode code, const Operand& left, const Operand& right);
+  void Add(const NumericStep& step, std::span<const Bound> columns);
+  void AddOperation(NumericCode code);
+  Operand Immediate(NumericOperand kind, const ImmediateOperand& operand,
+                    std::span<const Bound> columns);
+  const Block* Gathered(const Variant* values);
+  bool ReadVariants(std::size_t first, std::size_t count);
   Operand Spread(const Operand& operand);
   Operand Pop();
 
@@ -71,6 +81,7 @@ class NumericColumns {
   std::deque<Block> spread_;        // numbers that a step of three operands takes, for all rows
   std::vector<Operand> stack_;      // as the steps find it at first, and leave it in the end
   std::vector<Step> steps_;
+  std::vector<Gather> gathers_;
   bool is_ready_ = true;
 };
 

@@ -1,8 +1,9 @@
 #include "evaluator/operators.h"
 
 #include <algorithm>
+#include <array>
 
-#include "evaluator/builtin_arguments.h"
+#include "evaluator/function_arguments.h"
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
 #include "tovalin/convert.h"
@@ -12,24 +13,6 @@ namespace tovalin {
 namespace {
 
 constexpr std::int16_t kMinusOne = -1;
-
-struct OperatorName {
-  TextView literal;
-  OperatorCode code;
-};
-
-constexpr OperatorName kNames[] = {
-    {u"+", OperatorCode::Add},           {u"-", OperatorCode::Subtract},
-    {u"*", OperatorCode::Multiply},      {u"/", OperatorCode::Divide},
-    {u"^", OperatorCode::Power},         {u"&", OperatorCode::Concatenate},
-    {u"=", OperatorCode::Equal},         {u">", OperatorCode::Greater},
-    {u"<", OperatorCode::Less},          {u">=", OperatorCode::GreaterOrEqual},
-    {u"<=", OperatorCode::LessOrEqual},  {u"<>", OperatorCode::Different},
-    {u"AND", OperatorCode::And},         {u"OR", OperatorCode::Or},
-    {u"IN", OperatorCode::In},           {u"BETWEEN", OperatorCode::Between},
-    {u"*-", OperatorCode::TimesNegated}, {u"-1*", OperatorCode::Negating},
-    {u"*-1", OperatorCode::Negated},
-};
 
 Variant Negated(const Variant& value) { return Multiply(value, kMinusOne); }
 
@@ -49,8 +32,8 @@ Variant Quotient(const Variant& left, const Variant& right) {
 
 bool IsWithin(const Variant& whole, const Variant& part) {
   if (whole.Is(Subtype::Null) || part.Is(Subtype::Null)) return false;
-  const builtins::TextArgument text(whole);
-  return !text.View().empty() && FindFolded(text, builtins::TextArgument(part)) != Text::npos;
+  const functions::TextArgument text(whole);
+  return !text.View().empty() && FindFolded(text, functions::TextArgument(part)) != Text::npos;
 }
 
 // Text without quotes and commas stays so when more of it is joined. What is joined
@@ -67,10 +50,82 @@ Variant Join(Variant left, const Variant& right) {
   return joined;
 }
 
-void ApplyUnary(OperatorCode code, ValueStack& stack) {
-  Variant value = Pop(stack);
-  const bool negates = code == OperatorCode::Subtract || code == OperatorCode::Negating;
-  stack.push_back(negates ? Negated(value) : std::move(value));
+bool IsBetween(const Variant& tested, const Variant& low, const Variant& high) {
+  return GreaterOrEqual(tested, low) && LessOrEqual(tested, high);
+}
+
+// An operation of two operands as the table holds it.
+template <auto kOperation>
+Variant Binary(std::span<Variant> operands) {
+  return kOperation(operands[0], operands[1]);
+}
+
+Variant Sum(std::span<Variant> operands) {
+  const bool are_texts = operands[0].Is(Subtype::String) && operands[1].Is(Subtype::String);
+  return are_texts ? Join(std::move(operands[0]), operands[1]) : Add(operands[0], operands[1]);
+}
+
+Variant Joined(std::span<Variant> operands) { return Join(std::move(operands[0]), operands[1]); }
+
+Variant NegatedProduct(std::span<Variant> operands) {
+  return Negated(Multiply(operands[0], operands[1]));
+}
+
+// Deliberately two values: the negation stands for the sign of the right one.
+Variant NegatedRight(std::span<Variant> operands) { return Negated(operands[1]); }
+
+Variant Between(std::span<Variant> operands) {
+  return IsBetween(operands[0], operands[1], operands[2]);
+}
+
+using Code = OperatorCode;
+using Type = OperandType;
+
+// Behind each literal: its priority, its operands, what they are and what they give.
+//
+// AND and OR deliberately stand at the level of "+", above the comparisons: formulas
+// in use are bracketed for that, and would change their values.
+constexpr Operator kOperators[] = {
+    {Code::Add, u"+", 3, 2, Type::Number, Type::Number, Sum, NumericCode::Add},
+    {Code::Subtract, u"-", 3, 2, Type::Number, Type::Number, Binary<Subtract>,
+     NumericCode::Subtract, true},
+    {Code::Divide, u"/", 4, 2, Type::Number, Type::Number, Binary<Quotient>, NumericCode::Divide},
+    {Code::Multiply, u"*", 4, 2, Type::Number, Type::Number, Binary<Multiply>,
+     NumericCode::Multiply},
+    {Code::TimesNegated, u"*-", 4, 2, Type::Number, Type::Number, NegatedProduct,
+     NumericCode::TimesNegated},
+    {Code::Negating, u"-1*", 4, 2, Type::Number, Type::Number, NegatedRight, NumericCode::None,
+     true, true},
+    {Code::Negated, u"*-1", 4, 2, Type::Number, Type::Number, NegatedRight, NumericCode::None,
+     false, true},
+    {Code::Power, u"^", 5, 2, Type::Number, Type::Number, Binary<Power>, NumericCode::Power},
+    {Code::Concatenate, u"&", 3, 2, Type::Any, Type::Text, Joined},
+    {Code::Greater, u">", 2, 2, Type::Any, Type::Logical, Binary<Greater>, NumericCode::Greater},
+    {Code::GreaterOrEqual, u">=", 2, 2, Type::Any, Type::Logical, Binary<GreaterOrEqual>,
+     NumericCode::GreaterOrEqual},
+    {Code::Less, u"<", 2, 2, Type::Any, Type::Logical, Binary<Less>, NumericCode::Less},
+    {Code::LessOrEqual, u"<=", 2, 2, Type::Any, Type::Logical, Binary<LessOrEqual>,
+     NumericCode::LessOrEqual},
+    {Code::Different, u"<>", 2, 2, Type::Any, Type::Logical, Binary<Different>,
+     NumericCode::Different},
+    {Code::Equal, u"=", 2, 2, Type::Any, Type::Logical, Binary<Equal>, NumericCode::Equal},
+    {Code::In, u"IN", 3, 2, Type::Text, Type::Logical, Binary<IsWithin>},
+    {Code::And, u"AND", 3, 2, Type::Logical, Type::Logical, Binary<And>, NumericCode::And},
+    {Code::Or, u"OR", 3, 2, Type::Logical, Type::Logical, Binary<Or>, NumericCode::Or},
+    {Code::Between, u"BETWEEN", 3, 3, Type::Any, Type::Logical, Between},
+};
+
+static_assert(
+    [] {
+      for (std::size_t i = 0; i < std::size(kOperators); ++i)
+        if (static_cast<std::size_t>(kOperators[i].code) != i) return false;
+      return std::size(kOperators) == static_cast<std::size_t>(OperatorCode::Unknown);
+    }(),
+    "a code is the place of its row");
+
+void ApplyAlone(const Operator* row, Variant& value) {
+  value = Normalised(std::move(value));
+  if (row && row->negates_alone) value = Negated(value);
 }
 
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
@@ -112,10 +167,15 @@ Variant NormalisedText(Variant value) {
 
 }  // namespace
 
+std::span<const Operator> Operators() { return kOperators; }
+
+const Operator* FindOperator(OperatorCode code) {
+  return code == OperatorCode::Unknown ? nullptr : &kOperators[static_cast<std::size_t>(code)];
+}
+
 OperatorCode CodeOf(TextView literal) {
-  for (const OperatorName& name : kNames)
-    if (name.literal == literal) return name.code;
-  return OperatorCode::Unknown;
+  const auto* row = std::ranges::find(kOperators, literal, &Operator::literal);
+  return row == std::end(kOperators) ? OperatorCode::Unknown : row->code;
 }
 
 Variant Pop(ValueStack& stack) {
@@ -139,81 +199,34 @@ Variant Normalised(Variant value) {
   return NormalisedText(value.IsByReference() ? Variant(value.Value()) : std::move(value));
 }
 
-std::size_t OperandsOf(OperatorCode code) {
-  switch (code) {
-    case OperatorCode::Between:
-      return 3;
-    case OperatorCode::Negated:
-    case OperatorCode::Negating:
-    case OperatorCode::Unknown:
-      return 0;
-    default:
-      return 2;
-  }
+std::span<Variant> TopOperands(ValueStack& stack, std::size_t count) {
+  while (stack.size() < count) stack.emplace(stack.begin());
+  const std::span<Variant> operands = std::span(stack).last(count);
+  for (Variant& operand : operands)
+    if (operand.Is(Subtype::String)) operand = Normalised(std::move(operand));
+  return operands;
 }
 
-Variant Combine(OperatorCode code, Variant& left, const Variant& right) {
-  switch (code) {
-    case OperatorCode::Add:
-      if (left.Is(Subtype::String) && right.Is(Subtype::String))
-        return Join(std::move(left), right);
-      return Add(left, right);
-    case OperatorCode::Subtract:
-      return Subtract(left, right);
-    case OperatorCode::Multiply:
-      return Multiply(left, right);
-    case OperatorCode::Divide:
-      return Quotient(left, right);
-    case OperatorCode::Power:
-      return Power(left, right);
-    case OperatorCode::TimesNegated:
-      return Negated(Multiply(left, right));
-    case OperatorCode::Concatenate:
-      return Join(std::move(left), right);
-    case OperatorCode::Less:
-      return Less(left, right);
-    case OperatorCode::LessOrEqual:
-      return LessOrEqual(left, right);
-    case OperatorCode::Greater:
-      return Greater(left, right);
-    case OperatorCode::GreaterOrEqual:
-      return GreaterOrEqual(left, right);
-    case OperatorCode::Equal:
-      return Equal(left, right);
-    case OperatorCode::Different:
-      return Different(left, right);
-    case OperatorCode::In:
-      return IsWithin(left, right);
-    case OperatorCode::And:
-      return And(left, right);
-    case OperatorCode::Or:
-      return Or(left, right);
-    default:
-      RaiseOwn(u"Evaluador", u"Operador sin definir");
+void ReplaceTop(ValueStack& stack, std::size_t count, Variant result) {
+  if (count == 0) {
+    stack.push_back(std::move(result));
+    return;
   }
-}
-
-Variant IsBetween(const Variant& tested, const Variant& low, const Variant& high) {
-  return GreaterOrEqual(tested, low) && LessOrEqual(tested, high);
+  stack.resize(stack.size() - count + 1);
+  stack.back() = std::move(result);
 }
 
 void ApplyOperator(OperatorCode code, ValueStack& stack) {
+  const Operator* row = FindOperator(code);
   if (stack.empty()) {
     stack.emplace_back();
-    return;
-  }
-  if (stack.size() == 1) return ApplyUnary(code, stack);
-  const Variant right = Pop(stack);
-  Variant left = Pop(stack);
-  if (code == OperatorCode::Between) {
-    const Variant tested = Pop(stack);
-    stack.push_back(IsBetween(tested, left, right));
-  } else if (code == OperatorCode::Negated || code == OperatorCode::Negating) {
-    // Deliberately two values: the negation stands for the sign of the right one.
-    stack.push_back(left);
-    stack.push_back(Negated(right));
+  } else if (stack.size() == 1) {
+    ApplyAlone(row, stack.front());
+  } else if (!row) {
+    RaiseOwn(u"Evaluador", u"Operador sin definir");
   } else {
-    stack.push_back(Combine(code, left, right));
+    Variant result = row->compute(TopOperands(stack, row->operands));
+    ReplaceTop(stack, row->keeps_left ? 1 : row->operands, std::move(result));
   }
 }
 

@@ -2,29 +2,31 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
+#include "evaluator/numeric_operations.h"
 #include "tovalin/variant.h"
 
 namespace tovalin {
 
-/// What an operator's literal computes.
+/// The operators in the order of the vocabulary.
 enum class OperatorCode : std::uint8_t {
   Add,
   Subtract,
-  Multiply,
   Divide,
-  Power,
+  Multiply,
   TimesNegated,  // "*-"
-  Negated,       // "-1*" and "*-1": a negation that stands between two operands
-  Negating,      // "-1*" also negates the only value of a stack
+  Negating,      // "-1*": a negation that stands between two operands
+  Negated,       // "*-1": the same
+  Power,
   Concatenate,
-  Less,
-  LessOrEqual,
   Greater,
   GreaterOrEqual,
-  Equal,
+  Less,
+  LessOrEqual,
   Different,
+  Equal,
   In,
   And,
   Or,
@@ -32,6 +34,29 @@ enum class OperatorCode : std::uint8_t {
   Unknown,  // an operator that a host added: it has no meaning here
 };
 
+/// What an operand, a parameter or a result is.
+enum class OperandType : std::uint8_t { Any, Number, Text, Date, Logical };
+
+/// Everything about one operator.
+struct Operator {
+  OperatorCode code;
+  TextView literal;       // matched exactly
+  std::int16_t priority;  // higher binds tighter; a host may change that of its table
+  std::uint8_t operands;
+  OperandType takes;
+  OperandType gives;
+  /// Computes the normalised operands, in the order written; may use them up.
+  Variant (*compute)(std::span<Variant> operands);
+  NumericCode numeric = NumericCode::None;
+  bool negates_alone = false;  // with a single value on the stack
+  bool keeps_left = false;     // the left operand stays on the stack, below the result
+};
+
+/// Every operator, in the order of the vocabulary.
+std::span<const Operator> Operators();
+/// The operator of that code, or null for Unknown.
+const Operator* FindOperator(OperatorCode code);
+/// The code of a literal, compared exactly.
 OperatorCode CodeOf(TextView literal);
 
 /// The values that a formula has pushed, the top at the end.
@@ -53,15 +78,14 @@ inline bool IsNormalised(const Variant& value) {
          IsNormalised(TextView(value.AsText()));
 }
 
-/// Applies an operator to the top of the stack. With a single value it is unary,
-/// with none it pushes Empty.
-void ApplyOperator(OperatorCode code, ValueStack& stack);
+/// The top `count` values of the stack as operands: normalised in place, with Empty
+/// in front where there are fewer.
+std::span<Variant> TopOperands(ValueStack& stack, std::size_t count);
+/// Puts a value in the place of the top `count`, which are there.
+void ReplaceTop(ValueStack& stack, std::size_t count, Variant result);
 
-/// How many values an operator makes one of, or 0 when it does not.
-std::size_t OperandsOf(OperatorCode code);
-/// The value of an operator of two normalised operands; `left` may be used up.
-Variant Combine(OperatorCode code, Variant& left, const Variant& right);
-/// BETWEEN, the operator of three.
-Variant IsBetween(const Variant& tested, const Variant& low, const Variant& high);
+/// Applies an operator to the top of the stack. With a single value it is unary,
+/// with none it pushes Empty. Raises kObjectError for an operator without a meaning.
+void ApplyOperator(OperatorCode code, ValueStack& stack);
 
 }  // namespace tovalin

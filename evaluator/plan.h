@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "evaluator/builtins.h"
+#include "evaluator/functions.h"
 #include "evaluator/numeric_program.h"
 #include "evaluator/operators.h"
 #include "evaluator/symbols.h"
@@ -52,9 +52,14 @@ struct Item {
 /// A value that stands in the plan itself.
 struct HeldValue {
   Variant value;
-  Campo* constant = nullptr;  // of a Constant
+  Campo* constant = nullptr;  // of a Constant, while the plan's stamp holds
   bool is_quoted = false;     // it is text, and stands as a literal
 };
+
+/// Whether code of the host may run when a value goes: the destructor of an object.
+inline bool RunsHostCode(const Variant& value) {
+  return value.Is(Subtype::Object) || value.Is(Subtype::Array);
+}
 
 /// A formula converted for walking: made once, walked many times, and made anew
 /// when its names may stand for something else.
@@ -72,8 +77,9 @@ struct Plan {
   std::vector<Item> items;
   std::unique_ptr<std::vector<Fault>> faults;  // null without any; with any, there are no items
   std::vector<HeldValue> held;
-  Ref<Campos> locals;  // pins the address in the stamp
-  Text text;           // the formula, without carriage returns
+  std::vector<std::uint32_t> at_signs;  // as in the TokenList
+  Ref<Campos> locals;                   // pins the address in the stamp
+  Text text;                            // the formula, without carriage returns
   // The postfix text that the trace shows: made when it is first shown, which gives it
   // an edition other than 0, and again when a constant has changed it.
   Text trace_postfix;
@@ -107,11 +113,13 @@ Ref<Collection> PostfixItems(const Plan& plan);
 /// Adds the item that a postfix Collection of a host holds.
 void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols, const Campos* locals);
 
-/// Looks the names of `plan` up again from item `from` on, as the tables are now.
-void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals);
+/// Looks the names of `plan` up again, as the tables are now: what a walk has passed
+/// too, so that the plan can be shown. It will not be taken for a plan of these tables.
+void LookUpAgain(Plan& plan, const Symbols& symbols, const Campos* locals);
 
-/// Gives the constants of a plan the values that they have now. Whether the
-/// postfix text is another one then.
-bool BindConstants(Plan& plan);
+/// Gives the constants of a plan the values that they have now. Where the postfix text
+/// is another one then, what the trace shows has to be made again. The former values go
+/// last; an object among them may change the tables.
+void BindConstants(Plan& plan);
 
 }  // namespace tovalin

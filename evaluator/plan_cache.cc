@@ -44,8 +44,8 @@ void PlanCache::LetCapacity(std::size_t capacity) {
 
 void PlanCache::Grow() {
   constexpr std::size_t kFewest = 16;
-  std::vector<Ref<Plan>> former = std::exchange(buckets_, {});
-  buckets_.resize(former.empty() ? kFewest : 2 * former.size());
+  std::vector<Ref<Plan>> former(buckets_.empty() ? kFewest : 2 * buckets_.size());
+  former.swap(buckets_);
   for (Ref<Plan>& chain : former) {
     while (chain) {
       Ref<Plan> plan = std::move(chain);

@@ -28,6 +28,7 @@ void Empty(TokenList& list) {
   if (!IsReusable(list)) list = TokenList();
   list.tokens.clear();
   list.faults.clear();
+  list.at_signs.clear();
 }
 
 // As new, but for the memory of its parts. What goes here may run a destructor of the
@@ -52,8 +53,9 @@ Ref<Plan> PlanStore::Get(TextView formula, const Ref<Campos>& locals) {
   Ref<Plan> plan = Ref<Plan>::Share(cache_.Find(formula, hash));
   if (plan && plan->MayRun(stamp)) {
     plan->came_again = true;
-    if (plan->has_constants && BindConstants(*plan)) plan->trace_edition = 0;
-    return plan;
+    if (!plan->has_constants) return plan;
+    BindConstants(*plan);
+    return plan->stamp == StampNames(symbols_, locals.get()) ? plan : Make(formula, locals);
   }
   // A plan that is being walked keeps the constants that it was converted with.
   if (plan && plan->walks > 0) return Make(formula, locals);
@@ -93,12 +95,14 @@ void PlanStore::Compile(Plan& plan, TextView formula, const Ref<Campos>& locals,
   else
     plan.faults = std::make_unique<std::vector<Fault>>(std::move(tokens_.faults));
   std::swap(plan.text, tokens_.text);
+  std::swap(plan.at_signs, tokens_.at_signs);
   MakeNumericProgram(plan);
 }
 
 TokenList PlanStore::Tokens(Text formula) {
   TokenList list;
   list.text = std::move(formula);
+  StripCarriageReturns(list.text);
   Tokenize(list, Elements(), symbols_.string_delimiter);
   return list;
 }

@@ -19,7 +19,7 @@ class PlanStore {
   /// The same for a plan that is not shared.
   Ref<Plan> Make(TextView formula, const Ref<Campos>& locals);
 
-  /// The tokens of a formula, their names not looked up.
+  /// The tokens of a formula, with carriage returns or without, their names not looked up.
   TokenList Tokens(Text formula);
   const ElementSearch& Elements();
 

@@ -24,23 +24,24 @@ Text TextOrEmpty(const Variant& value) {
 }
 
 // Whether the item's text is another one than before.
-bool BindConstant(HeldValue& held) {
-  const bool was_quoted = std::exchange(held.is_quoted, IsTextConstant(*held.constant));
-  if (!held.is_quoted) {
+bool BindConstant(HeldValue& held, std::vector<Variant>& former) {
+  if (RunsHostCode(held.value)) former.push_back(std::move(held.value));
+  if (!IsTextConstant(*held.constant)) {
     held.value = held.constant->Value();
-    return was_quoted;
+    return std::exchange(held.is_quoted, false);
   }
   Variant text = TextOrEmpty(held.constant->Value());
-  const bool same = was_quoted && held.value.AsText() == text.AsText();
+  const bool same = held.is_quoted && held.value.AsText() == text.AsText();
   if (!same) held.value = std::move(text);
+  held.is_quoted = true;
   return !same;
 }
 
-void SetFunction(Plan& plan, Item& item, Campo& record, const Builtin* builtin) {
+void SetFunction(Plan& plan, Item& item, Campo& record, const BuiltinFunction* builtin) {
   item.record = &record;
   item.kind = builtin ? ItemKind::Builtin : ItemKind::HostFunction;
   if (builtin)
-    item.builtin = BuiltinRow(*builtin);
+    item.builtin = FunctionIndex(*builtin);
   else
     plan.calls_host = true;
 }
@@ -65,7 +66,8 @@ void SetHeld(Plan& plan, Item& item, ItemKind kind, HeldValue held) {
 
 void SetConstant(Plan& plan, Item& item, Campo& record) {
   HeldValue held{{}, &record};
-  BindConstant(held);
+  std::vector<Variant> none;
+  BindConstant(held, none);
   SetHeld(plan, item, ItemKind::Constant, std::move(held));
   plan.has_constants = true;
 }
@@ -155,6 +157,9 @@ class Converter {
       case TokenKind::Literal:
         SetLiteral(plan_, item, list_.Span(token));
         break;
+      case TokenKind::Value:
+        SetHeld(plan_, item, ItemKind::Value, {token.value->Value()});
+        break;
       case TokenKind::Operator:
         SetOperator(item, *token.record, token.operator_code);
         break;
@@ -190,6 +195,8 @@ void PutItem(const Plan& plan, const Item& item, PutText put) {
     put(u"\"");
   } else if (held.constant) {
     put(Trim(held.constant->Name()));
+  } else if (item.kind == ItemKind::Constant) {
+    put(plan.Span(item));
   } else {
     put(TextOrEmpty(held.value));
   }
@@ -216,7 +223,7 @@ void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, con
   } else if ((record = symbols.constants->Find(text))) {
     SetConstant(plan, item, *record);
   } else if ((record = symbols.functions->Find(text))) {
-    SetFunction(plan, item, *record, BuiltinOf(text));
+    SetFunction(plan, item, *record, FunctionOf(text));
   } else if (text.size() > 1 && text.front() == u'"' && text.back() == u'"') {
     SetLiteral(plan, item, text.substr(1, text.size() - 2));
   }
@@ -243,12 +250,13 @@ void AppendPostfixText(Text& text, const Plan& plan) {
 Ref<Collection> PostfixItems(const Plan& plan) {
   auto items = Make<Collection>();
   for (const Item& item : plan.items) {
-    if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted) {
+    if (item.kind == ItemKind::Value)
+      items->List().Append(plan.ValueOf(item));
+    else if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted)
       // A copy, so that a later change of the constant is not seen.
       items->List().Append(plan.held[item.held].constant->Copy());
-      continue;
-    }
-    items->List().Append(ItemText(plan, item));
+    else
+      items->List().Append(ItemText(plan, item));
   }
   return items;
 }
@@ -271,19 +279,19 @@ void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols,
   }
 }
 
-void ClassifyAgain(Plan& plan, std::size_t from, const Symbols& symbols, const Campos* locals) {
-  for (std::size_t i = from; i < plan.items.size(); ++i) {
-    Item& item = plan.items[i];
+void LookUpAgain(Plan& plan, const Symbols& symbols, const Campos* locals) {
+  plan.stamp = NamesStamp{};
+  for (HeldValue& held : plan.held) held.constant = nullptr;
+  for (Item& item : plan.items) {
     if (item.kind == ItemKind::Number || item.HoldsValue()) continue;
     Classify(plan, item, plan.Span(item), symbols, locals);
   }
 }
 
-bool BindConstants(Plan& plan) {
-  bool changed = false;
+void BindConstants(Plan& plan) {
+  std::vector<Variant> former;
   for (HeldValue& held : plan.held)
-    if (held.constant) changed |= BindConstant(held);
-  return changed;
+    if (held.constant && BindConstant(held, former)) plan.trace_edition = 0;
 }
 
 }  // namespace tovalin

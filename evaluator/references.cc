@@ -1,54 +1,61 @@
-#include "evaluator/engine.h"
+#include "evaluator/references.h"
 
 namespace tovalin {
 namespace {
 
-// The length of the name at the start of `text`: up to a blank, a quote or one of
-// the characters that no name contains.
-std::size_t NameLength(TextView text, const Collection& special) {
-  std::size_t length = 0;
-  for (; length < text.size(); ++length) {
-    const char16_t c = text[length];
-    if (c <= u' ' || c == u'"' || c == u'\'') break;
-    const bool plain = c > 0x7F || (FoldCase(c) >= u'a' && FoldCase(c) <= u'z') ||
-                       (c >= u'0' && c <= u'9') || c == u'_';
-    if (!plain && special.List().Find(text.substr(length, 1)) != KeyedList<Variant>::kNotFound)
-      break;
+void LookUp(Token& token, TextView name, const Symbols& symbols, const Campos* locals) {
+  if (locals && (token.record = locals->Find(name))) {
+    token.scope = Scope::Local;
+  } else if ((token.record = symbols.variables->Find(name))) {
+    token.scope = Scope::Variable;
+  } else if ((token.record = symbols.constants->Find(name))) {
+    token.scope = Scope::Constant;
+  } else {
+    token.scope = Scope::None;
   }
-  return length;
-}
-
-// The end of the literal that begins at `start`, or npos when none begins there
-// or it does not end.
-std::size_t LiteralEnd(TextView text, std::size_t start, TextView delimiter) {
-  const TextView rest = text.substr(start);
-  const TextView opening = rest.starts_with(u'"') ? TextView(u"\"") : delimiter;
-  if (opening.empty() || !rest.starts_with(opening)) return TextView::npos;
-  const std::size_t close = text.find(opening, start + opening.size());
-  return close == TextView::npos ? text.size() : close + opening.size();
 }
 
 }  // namespace
 
-Text Engine::ReplaceReferences(const Text& formula, const Campos* locals) const {
-  if (formula.find(u'@') == Text::npos) return formula;
+TextView NameBehindAt(const TokenList& list, const Token& token) {
+  TextView span = list.Span(token);
+  if (token.kind == TokenKind::Name && span.size() > 1 && (span[0] == u'"' || span[0] == u'\'')) {
+    if (span.back() == span[0]) span.remove_suffix(1);
+    span.remove_prefix(1);
+  }
+  return span.size() > 1 && span[0] == u'@' ? span.substr(1) : TextView();
+}
+
+TextView NameOf(const TokenList& list, const Token& operand) {
+  const TextView behind_at = NameBehindAt(list, operand);
+  return behind_at.empty() ? list.Span(operand) : behind_at;
+}
+
+TextView ResolveOperand(TokenList& list, Token& operand, const Symbols& symbols,
+                        const Campos* locals) {
+  const TextView name = NameOf(list, operand);
+  LookUp(operand, name, symbols, locals);
+  if (operand.scope == Scope::None || name.size() == operand.length) return name;
+  if (list.text[operand.start] == u'@') list.at_signs.push_back(operand.start);
+  operand.start = static_cast<std::uint32_t>(name.data() - list.text.data());
+  operand.length = static_cast<std::uint32_t>(name.size());
+  return name;
+}
+
+Text WithoutAtSigns(TextView formula, const std::vector<std::uint32_t>& at_signs) {
   Text replaced;
   replaced.reserve(formula.size());
-  const TextView text = formula;
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t end = LiteralEnd(text, i, symbols_.string_delimiter);
-    if (end != TextView::npos) {
-      replaced.append(text.substr(i, end - i));
-      i = end;
-      continue;
+  auto at_sign = at_signs.begin();
+  std::uint32_t place = 0;  // without carriage returns
+  for (std::size_t i = 0; i < formula.size(); ++i) {
+    if (formula[i] == u'\r') {
+      replaced.push_back(u'\r');
+      if (formula.substr(i + 1).starts_with(u'\n')) replaced.push_back(formula[++i]);
+    } else if (at_sign != at_signs.end() && *at_sign == place++) {
+      ++at_sign;
+    } else {
+      replaced.push_back(formula[i]);
     }
-    if (text[i] == u'@') {
-      const TextView name =
-          text.substr(i + 1, NameLength(text.substr(i + 1), *symbols_.special_characters));
-      const bool known = (locals && locals->Find(name)) || symbols_.Find(name);
-      if (!name.empty() && known) ++i;
-    }
-    replaced.push_back(text[i++]);
   }
   return replaced;
 }

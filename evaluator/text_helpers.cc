@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "tovalin/error.h"
+#include "tovalin/variant.h"
 
 namespace tovalin::evaluator {
 namespace {
 
-constexpr std::size_t kLongestText = std::size_t{1} << 30;
 constexpr TextView kParticles[] = {u"de", u"del", u"la", u"las", u"los", u"y", u"e"};
 
 /// Raises 7 when `count` more pieces of `size` characters do not fit behind `length`.

@@ -10,7 +10,7 @@
 
 namespace tovalin {
 
-struct Builtin;
+struct BuiltinFunction;
 
 enum class TokenKind : std::uint8_t {
   Number,
@@ -20,7 +20,8 @@ enum class TokenKind : std::uint8_t {
   Open,
   Close,
   Comma,
-  Name,  // a variable, a constant, or nothing that is known
+  Name,   // a variable, a constant, or nothing that is known
+  Value,  // what a host put among its tokens and is no text: an operand as it stands
 };
 
 /// Where a name was found.
@@ -34,10 +35,13 @@ struct Token {
   bool is_opener = false;     // of a Function: it ends in a bracket
   std::uint32_t start = 0;
   std::uint32_t length = 0;
-  std::optional<std::int32_t> priority;  // of an Operator, if its row has one
-  Campo* record = nullptr;               // valid while the tables do not change
-  const Builtin* builtin = nullptr;      // of a Function that is built in
-  double number = 0;
+  std::optional<std::int32_t> priority;      // of an Operator, if its row has one
+  Campo* record = nullptr;                   // valid while the tables do not change
+  const BuiltinFunction* builtin = nullptr;  // of a Function that is built in
+  union {
+    double number = 0;     // of a Number
+    const Variant* value;  // of a Value
+  };
   Token* below = nullptr;  // the one that waits below it, when it waits for its place
 };
 
@@ -64,6 +68,8 @@ struct TokenList {
   Text text;
   std::vector<Token> tokens;
   std::vector<Fault> faults;  // spans in `text` until they are told to the host
+  /// Where an "@" stands in front of a name that was found, in order.
+  std::vector<std::uint32_t> at_signs;
 
   TextView Span(const Token& token) const {
     return TextView(text).substr(token.start, token.length);

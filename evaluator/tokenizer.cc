@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <tuple>
 
 #include "evaluator/number_token.h"
 
@@ -25,9 +26,9 @@ class Tokenizer {
       : list_(list), text_(list.text), elements_(elements), delimiter_(delimiter) {}
 
   void Run() {
-    while (end_ > 0 && text_[end_ - 1] == u' ') --end_;
+    std::tie(begin_, end_) = Trimmed(0, end_);
     text_ = text_.substr(0, end_);
-    for (SkipBlanks(); position_ < end_; SkipBlanks()) {
+    for (position_ = begin_; position_ < end_; SkipBlanks()) {
       if (text_[position_] == kQuote) {
         if (!QuotedLiteral()) return;
       } else if (!delimiter_.empty() && text_.substr(position_).starts_with(delimiter_)) {
@@ -81,7 +82,7 @@ class Tokenizer {
 
   void OperandAndElement() {
     // A word operator may begin with the blank that was skipped last.
-    const bool blank_before = position_ > 0 && text_[position_ - 1] == u' ';
+    const bool blank_before = position_ > begin_ && text_[position_ - 1] == u' ';
     const auto [element, start] = elements_.Find(text_, blank_before ? position_ - 1 : position_);
     if (!element) {
       AddOperand(position_, end_);
@@ -116,8 +117,10 @@ class Tokenizer {
   TextView text_;
   const ElementSearch& elements_;
   TextView delimiter_;
-  std::size_t position_ = 0;
+  // The formula without the blanks around it.
+  std::size_t begin_ = 0;
   std::size_t end_ = text_.size();
+  std::size_t position_ = 0;
 };
 
 }  // namespace
@@ -127,11 +130,18 @@ void Tokenize(TokenList& list, const ElementSearch& elements, TextView string_de
   Tokenizer(list, elements, string_delimiter).Run();
 }
 
-void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elements,
+void AppendHostToken(TokenList& list, const Variant& value, const ElementSearch& elements,
                      const Symbols& symbols) {
-  const TextView word = Trim(text);
   Token token;
   token.start = static_cast<std::uint32_t>(list.text.size());
+  if (!value.Is(Subtype::String)) {
+    token.kind = TokenKind::Value;
+    token.value = &value;
+    list.tokens.push_back(token);
+    return;
+  }
+  const TextView text = value.AsText();
+  const TextView word = Trim(text);
   token.length = static_cast<std::uint32_t>(text.size());
   list.text.append(text).push_back(u' ');
   const Element* element = elements.Find(word, 0).element;

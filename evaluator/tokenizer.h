@@ -10,9 +10,9 @@ namespace tovalin {
 /// here.
 void Tokenize(TokenList& list, const ElementSearch& elements, TextView string_delimiter);
 
-/// The token that a text of a host's token Collection stands for, appended to
-/// `list` together with its text.
-void AppendHostToken(TokenList& list, TextView text, const ElementSearch& elements,
+/// The token that an item of a host's token Collection stands for, appended to
+/// `list` together with its text. An item that is no text has to stay where it is.
+void AppendHostToken(TokenList& list, const Variant& value, const ElementSearch& elements,
                      const Symbols& symbols);
 
 }  // namespace tovalin

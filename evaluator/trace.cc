@@ -1,6 +1,7 @@
 #include "evaluator/trace.h"
 
 #include <bit>
+#include <utility>
 
 #include "frame/number_text.h"
 #include "frame/settings_store.h"
@@ -23,11 +24,16 @@ LiveChanges FormulaOf(const Plan& plan, const Text* expression) {
 
 }  // namespace
 
+// What is replaced goes last: it may be the host's last hold on the evaluator.
 void Trace::UseStore(Ref<SettingsStore> store) {
-  store_ = store && IsFileSettings(*store) ? nullptr : std::move(store);
+  const Ref<Plan> former = std::exchange(shown_, nullptr);
+  shown_bits_.reset();
+  if (store && IsFileSettings(*store)) store = nullptr;
+  std::swap(store_, store);
 }
 
 void Trace::Begin(const Ref<Plan>& plan, const Text* expression) noexcept {
+  const Ref<Plan> former = shown_;  // goes last: an object that it holds may let go of this
   try {
     const bool is_shown = ShowFormula(plan, expression);
     if (is_shown && !store_ && live_.Holds()) return;
@@ -39,6 +45,7 @@ void Trace::Begin(const Ref<Plan>& plan, const Text* expression) noexcept {
 
 void Trace::End(const Ref<Plan>& plan, const Text* expression, const Variant& result,
                 std::size_t left) noexcept {
+  const Ref<Plan> former = shown_;
   try {
     const bool is_formula_shown = ShowFormula(plan, expression);
     const bool is_result_shown = ShowResult(result, left);

@@ -1,7 +1,6 @@
 #include "evaluator/value_columns.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "evaluator/operators.h"
 
@@ -63,11 +62,12 @@ ValueColumns::Step ValueColumns::MakeStep(const Plan& plan, const Item& item,
                                           std::span<const Bound> columns) {
   Step step;
   if (item.kind == ItemKind::Builtin) {
-    step.builtin = &BuiltinAt(item.builtin);
-    step.takes = step.builtin->pops;
+    step.builtin = &FunctionAt(item.builtin);
+    step.takes = step.builtin->Parameters().size();
   } else if (item.kind == ItemKind::Operator) {
-    step.code = item.operator_code;
-    step.takes = OperandsOf(step.code);
+    step.operation = FindOperator(item.operator_code);
+    // An operator that leaves two values is left to the evaluation by rows.
+    if (step.operation && !step.operation->keeps_left) step.takes = step.operation->operands;
   } else if (IsPush(item.kind)) {
     const auto is_bound = [&item](const Bound& bound) {
       return item.kind == ItemKind::Variable && bound.source == &item.record->Value();
@@ -98,7 +98,7 @@ void ValueColumns::Run(std::size_t first, std::size_t count) {
     } else if (step.builtin) {
       Call(*step.builtin, operands);
     } else {
-      Operate(step.code, operands);
+      Operate(*step.operation, operands);
     }
     ++held;
   }
@@ -164,27 +164,25 @@ void ValueColumns::ForEachRow(std::span<Slot> operands, Compute compute) {
   result.UseConstant(result.constant);
 }
 
-void ValueColumns::Call(const Builtin& builtin, std::span<Slot> operands) {
-  const std::function<Date()> no_clock;
-  const BuiltinContext context{no_clock};
+void ValueColumns::Call(const BuiltinFunction& builtin, std::span<Slot> operands) {
+  const HostClock clock;  // no function of a column asks it
+  const FunctionContext context{clock};
   std::vector<Variant> arguments(operands.size());
   for (std::size_t i = 0; i < operands.size(); ++i)
     if (operands[i].stride == 0) arguments[i] = operands[i].At(0);
   ForEachRow(operands, [&](std::size_t row) {
     for (std::size_t i = 0; i < operands.size(); ++i)
       if (operands[i].stride != 0) arguments[i] = operands[i].Take(row);
-    return builtin.call(arguments, context);
+    return builtin.Call(arguments, context);
   });
 }
 
-void ValueColumns::Operate(OperatorCode code, std::span<Slot> operands) {
-  if (code == OperatorCode::Between)
-    return ForEachRow(operands, [&](std::size_t row) {
-      return IsBetween(operands[0].At(row), operands[1].At(row), operands[2].At(row));
-    });
+void ValueColumns::Operate(const Operator& operation, std::span<Slot> operands) {
+  std::array<Variant, FunctionParameters::kMost> values;
+  const std::span<Variant> taken = std::span(values).first(operands.size());
   ForEachRow(operands, [&](std::size_t row) {
-    Variant left = operands[0].Take(row);
-    return Combine(code, left, operands[1].At(row));
+    for (std::size_t i = 0; i < operands.size(); ++i) taken[i] = operands[i].Take(row);
+    return operation.compute(taken);
   });
 }
 

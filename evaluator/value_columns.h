@@ -43,11 +43,11 @@ class ValueColumns {
 
  private:
   struct Step {
-    const Formula::Column* column = nullptr;  // pushed, else
-    std::optional<Variant> constant;          // pushed, else
-    const Builtin* builtin = nullptr;         // called, else
-    OperatorCode code = OperatorCode::Unknown;
-    std::size_t takes = 0;  // from the stack
+    const Formula::Column* column = nullptr;   // pushed, else
+    std::optional<Variant> constant;           // pushed, else
+    const BuiltinFunction* builtin = nullptr;  // called, else
+    const Operator* operation = nullptr;       // applied
+    std::size_t takes = 0;                     // from the stack
   };
 
   // A value on the stack, for all rows of the block.
@@ -66,8 +66,8 @@ class ValueColumns {
 
   Step MakeStep(const Plan& plan, const Item& item, std::span<const Bound> columns);
   void PushColumn(const Formula::Column& column, std::size_t first, Slot& slot) const;
-  void Call(const Builtin& builtin, std::span<Slot> operands);
-  void Operate(OperatorCode code, std::span<Slot> operands);
+  void Call(const BuiltinFunction& builtin, std::span<Slot> operands);
+  void Operate(const Operator& operation, std::span<Slot> operands);
   template <class Compute>
   void ForEachRow(std::span<Slot> operands, Compute compute);
 

@@ -5,7 +5,6 @@
 
 #include "export/export_run.h"
 #include "export/numeric_widths.h"
-#include "frame/clock.h"
 #include "frame/guarded.h"
 #include "tovalin/convert.h"
 
@@ -54,14 +53,17 @@ void clsFileExport::LetPrecision(const Variant& vPrecision, std::uint8_t) const 
 }
 
 void clsFileExport::LetOrdenFechas(const Text& NewValue) {
-  const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
-  const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
-  date_order_ = order.code;
-  date_pattern_.clear();
-  for (const TextView part : order.parts) {
-    if (!date_pattern_.empty()) date_pattern_ += date_separator_;
-    date_pattern_ += part == kYear ? year_ : part;
-  }
+  RaisingErrors([&] {
+    const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
+    const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
+    Text pattern;
+    for (const TextView part : order.parts) {
+      if (!pattern.empty()) pattern += date_separator_;
+      pattern += part == kYear ? year_ : part;
+    }
+    date_order_ = order.code;
+    date_pattern_ = std::move(pattern);
+  });
 }
 
 // The host's clock may change or drop everything that the host gave, this object too.
@@ -75,8 +77,7 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
   try {
     error = Guarded([&] {
       run.emplace(ExportInput{rvarDatos.Value(), vcolCampos, vlngRows, vstrArchivoSalida,
-                              date_pattern_, text_qualifier_, format_ != TEXTO_DELIMITADO,
-                              clock_ ? clock_ : SystemNow});
+                              date_pattern_, text_qualifier_, format_ != TEXTO_DELIMITADO, clock_});
       run->Write();
     });
   } catch (...) {  // what the host's clock may throw

@@ -20,7 +20,7 @@ FileState StateOf(const std::optional<OutputFile>& file) {
 
 void ExportRun::Write() {
   data_file_.emplace(input_.path + u".txt");
-  LayoutDescription layout(input_.path, input_.clock(), input_.fixed_width);
+  LayoutDescription layout(input_.path, input_.clock.Now(), input_.fixed_width);
   RecordWriter records(input_.date_pattern, input_.text_qualifier, input_.fixed_width);
   for (std::int64_t row = 0; row <= input_.last_row; ++row) {
     if (row == 0) fields_ = ResolveFields(input_.fields.get());

@@ -5,7 +5,7 @@
 
 #include "export/field.h"
 #include "export/output_file.h"
-#include "frame/clock.h"
+#include "tovalin/clock.h"
 #include "tovalin/cls_file_export.h"
 
 namespace tovalin {
@@ -20,7 +20,7 @@ struct ExportInput {
   Text date_pattern;
   char16_t text_qualifier;
   bool fixed_width;
-  Clock clock;
+  HostClock clock;
 };
 
 /// One export: its files, and how far it came.

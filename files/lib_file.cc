@@ -3,30 +3,37 @@
 #include "files/attributes.h"
 #include "files/process.h"
 #include "files/text_file.h"
+#include "frame/guarded.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
 
 bool LibFile::DirExist(const Variant& vstrFile) const {
-  try {
-    // Deliberately strict: hosts take a read-only or hidden directory as absent.
-    const auto attributes = FileAttributes(ToText(vstrFile));
-    return attributes == kDirectory || attributes == (kDirectory | kArchive);
-  } catch (const Error&) {
-    return false;
-  }
+  return RaisingErrors([&] {
+    try {
+      // Deliberately strict: hosts take a read-only or hidden directory as absent.
+      const auto attributes = FileAttributes(ToText(vstrFile));
+      return attributes == kDirectory || attributes == (kDirectory | kArchive);
+    } catch (const Error&) {
+      return false;
+    }
+  });
 }
 
 bool LibFile::FileExist(const Variant& vstrFileName) const {
-  const Text path = ToText(vstrFileName);
-  return path.find(u'\0') == Text::npos && FileAttributes(path).has_value();
+  return RaisingErrors([&] {
+    const Text path = ToText(vstrFileName);
+    return path.find(u'\0') == Text::npos && FileAttributes(path).has_value();
+  });
 }
 
 void LibFile::Ejecutar(const Text& cmdLine, bool Sincronico) const {
-  if (Sincronico)
-    RunAndWait(cmdLine);
-  else
-    Launch(cmdLine);
+  RaisingErrors([&] {
+    if (Sincronico)
+      RunAndWait(cmdLine);
+    else
+      Launch(cmdLine);
+  });
 }
 
 std::int16_t LibFile::IsUNCName(const Text& strPathName) const {
@@ -38,20 +45,22 @@ std::int16_t LibFile::IsUNCName(const Text& strPathName) const {
 }
 
 Text LibFile::StripFileName(Text& rsFileName) const {
-  return rsFileName.substr(rsFileName.rfind(u'\\') + 1);
+  return RaisingErrors([&] { return rsFileName.substr(rsFileName.rfind(u'\\') + 1); });
 }
 
 Text LibFile::StripPath(const Text& vstrFile) const {
-  const std::size_t separator = vstrFile.rfind(u'\\');
-  // Without a directory the answer is "\" alone, deliberately: hosts append the
-  // file name to it.
-  Text directory = separator == Text::npos ? Text() : vstrFile.substr(0, separator);
-  if (!directory.ends_with(u'\\')) directory += u'\\';
-  return directory;
+  return RaisingErrors([&] {
+    const std::size_t separator = vstrFile.rfind(u'\\');
+    // Without a directory the answer is "\" alone, deliberately: hosts append the
+    // file name to it.
+    Text directory = separator == Text::npos ? Text() : vstrFile.substr(0, separator);
+    if (!directory.ends_with(u'\\')) directory += u'\\';
+    return directory;
+  });
 }
 
 Text LibFile::FileToText(const Text& FileName) const {
-  return FileExist(FileName) ? ReadTextFile(FileName) : Text();
+  return RaisingErrors([&] { return FileExist(FileName) ? ReadTextFile(FileName) : Text(); });
 }
 
 }  // namespace tovalin

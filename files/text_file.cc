@@ -14,7 +14,7 @@ namespace tovalin {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
-constexpr std::size_t kLongestText = std::numeric_limits<std::int32_t>::max();
+constexpr std::size_t kLongestFile = std::numeric_limits<std::int32_t>::max();
 
 bool IsDirectory(TextView path) { return (FileAttributes(path).value_or(0) & kDirectory) != 0; }
 
@@ -56,7 +56,7 @@ std::size_t ReadBlock(std::FILE* file, char* bytes, TextView path) {
 std::size_t LikelySize(std::FILE* file) {
   const long size = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : 0;
   std::fseek(file, 0, SEEK_SET);
-  return size > 0 && static_cast<std::size_t>(size) <= kLongestText ? static_cast<std::size_t>(size)
+  return size > 0 && static_cast<std::size_t>(size) <= kLongestFile ? static_cast<std::size_t>(size)
                                                                     : 0;
 }
 
@@ -67,7 +67,7 @@ std::string ReadBytes(TextView path) {
   bytes.reserve(LikelySize(file.get()) + kBlock);
   std::size_t size = 0;
   for (std::size_t count = 1; count > 0; size += count) {
-    if (size > kLongestText) Raise(Failure::OutOfMemory);
+    if (size > kLongestFile) Raise(Failure::OutOfMemory);
     bytes.resize(size + kBlock);
     count = ReadBlock(file.get(), bytes.data() + size, path);
   }
@@ -101,7 +101,7 @@ Text ReadTextFile(TextView path) {
   ForEachLine(bytes, [&](const char* first, const char* last) {
     size += static_cast<std::size_t>(last - first) + 2;
   });
-  if (size > kLongestText) Raise(Failure::OutOfMemory);
+  if (size > kLongestFile) Raise(Failure::OutOfMemory);
   Text text;
   text.reserve(size);
   ForEachLine(bytes, [&](const char* first, const char* last) {

@@ -7,7 +7,7 @@
 #include "formatting/dias360.h"
 #include "formatting/duration.h"
 #include "frame/calendar.h"
-#include "frame/clock.h"
+#include "frame/guarded.h"
 #include "frame/number_text.h"
 #include "frame/patterns.h"
 #include "tovalin/convert.h"
@@ -44,13 +44,16 @@ constexpr ClassInfo kClass{LibFecha::kClassName, kMembers};
 
 constexpr Date kMonday{2};
 
-/// Adds the names under "K1", "K2" ... to a collection that has no items.
-void FillOnce(Collection& collection, std::span<const Text> names) {
+/// Adds the names under "K1", "K2" ... to a collection that has no items; all or none.
+void FillOnce(Ref<Collection>& collection, std::span<const Text> names) {
+  if (collection->Count() > 0) return;  // a host's clock may have asked for it
+  auto filled = Make<Collection>();
   for (std::size_t i = 0; i < names.size(); ++i) {
     Text key = u"K";
     AppendNumber(key, static_cast<std::int64_t>(i + 1));
-    collection.Add(names[i], key);
+    filled->Add(names[i], key);
   }
+  collection = std::move(filled);
 }
 
 }  // namespace
@@ -60,23 +63,28 @@ LibFecha::LibFecha() : days_(Make<Collection>()), months_(Make<Collection>()) {}
 const ClassInfo& LibFecha::Class() const { return kClass; }
 
 Variant LibFecha::MonthBegin(Variant& vbdate) const {
-  if (!IsDate(vbdate)) return vbdate.Value();
-  const CivilDate date = DateOf(ToDate(vbdate));
-  return DateSerial(date.year, date.month, 1);
+  return RaisingErrors([&]() -> Variant {
+    if (!IsDate(vbdate)) return vbdate.Value();
+    const CivilDate date = DateOf(ToDate(vbdate));
+    return DateSerial(date.year, date.month, 1);
+  });
 }
 
 Text LibFecha::DateDiffStr(const Variant& vvarFechaIni, const Variant& vvarFechaFin) const {
-  return DateDifferenceText(ToDate(vvarFechaIni), ToDate(vvarFechaFin));
+  return RaisingErrors(
+      [&] { return DateDifferenceText(ToDate(vvarFechaIni), ToDate(vvarFechaFin)); });
 }
 
 Variant LibFecha::MonthEnd(const Variant& vbdate) const {
-  if (!IsDate(vbdate)) return vbdate.Value();
-  const CivilDate date = DateOf(ToDate(vbdate));
-  return DateSerial(date.year, date.month, DaysInMonth(date.year, date.month));
+  return RaisingErrors([&]() -> Variant {
+    if (!IsDate(vbdate)) return vbdate.Value();
+    const CivilDate date = DateOf(ToDate(vbdate));
+    return DateSerial(date.year, date.month, DaysInMonth(date.year, date.month));
+  });
 }
 
 Text LibFecha::cdbDate(const Variant& vFecha, const Text& vstrFormat) const {
-  return u"'" + Format(ToDate(vFecha), vstrFormat) + u"'";
+  return RaisingErrors([&] { return u"'" + Format(ToDate(vFecha), vstrFormat) + u"'"; });
 }
 
 std::int32_t LibFecha::Dias360(Date vInicial, Date vFin) const {
@@ -84,25 +92,29 @@ std::int32_t LibFecha::Dias360(Date vInicial, Date vFin) const {
 }
 
 Ref<Collection> LibFecha::DiasSemana() {
-  if (days_->Count() == 0) {
-    std::array<Text, 7> names;
-    // Deliberately the same day seven times: hosts show this list as it has
-    // always been, and seven different names would change their forms.
-    names.fill(Format(kMonday, u"ddd"));
-    FillOnce(*days_, names);
-  }
-  return days_;
+  return RaisingErrors([&] {
+    if (days_->Count() == 0) {
+      std::array<Text, 7> names;
+      // Deliberately the same day seven times: hosts show this list as it has
+      // always been, and seven different names would change their forms.
+      names.fill(Format(kMonday, u"ddd"));
+      FillOnce(days_, names);
+    }
+    return days_;
+  });
 }
 
 Ref<Collection> LibFecha::MesesDelAno() {
-  if (months_->Count() == 0) {
-    const int year = DateOf(clock_ ? clock_() : SystemNow()).year;
+  return RaisingErrors([&] {
+    if (months_->Count() > 0) return months_;
+    const Ref<LibFecha> alive = Hold(*this);
+    const int year = DateOf(clock_.Now()).year;
     std::array<Text, 12> names;
     for (std::size_t i = 0; i < names.size(); ++i)
       names[i] = Format(DateSerial(year, static_cast<int>(i + 1), 1), u"mmmm");
-    FillOnce(*months_, names);
-  }
-  return months_;
+    FillOnce(months_, names);
+    return months_;
+  });
 }
 
 std::int32_t LibFecha::Date2Julian(Date vDate) const {
@@ -114,7 +126,8 @@ bool LibFecha::IsLeapYear(std::int16_t& TestYear) const {
 }
 
 Text LibFecha::Duration(std::int32_t& TotalSeconds, std::int16_t& UpFormat) const {
-  return UpFormat == 0 ? ShortDuration(TotalSeconds) : LongDuration(TotalSeconds);
+  return RaisingErrors(
+      [&] { return UpFormat == 0 ? ShortDuration(TotalSeconds) : LongDuration(TotalSeconds); });
 }
 
 }  // namespace tovalin

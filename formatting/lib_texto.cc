@@ -2,6 +2,7 @@
 
 #include "formatting/phrase_case.h"
 #include "formatting/word_extraction.h"
+#include "frame/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {
@@ -20,13 +21,15 @@ constexpr ClassInfo kClass{LibTexto::kClassName, kMembers};
 const ClassInfo& LibTexto::Class() const { return kClass; }
 
 Text LibTexto::ExtraerPalabra(const Text& vData, std::uint8_t vPart) const {
-  return Text(tovalin::ExtraerPalabra(vData, vPart));
+  return RaisingErrors([&] { return Text(tovalin::ExtraerPalabra(vData, vPart)); });
 }
 
 Text LibTexto::ExtraerFrase(const Text& vData, std::uint8_t vPart) const {
-  return Text(tovalin::ExtraerFrase(vData, vPart));
+  return RaisingErrors([&] { return Text(tovalin::ExtraerFrase(vData, vPart)); });
 }
 
-Text LibTexto::TipoFrase(const Text& vstrWord) const { return tovalin::TipoFrase(vstrWord); }
+Text LibTexto::TipoFrase(const Text& vstrWord) const {
+  return RaisingErrors([&] { return tovalin::TipoFrase(vstrWord); });
+}
 
 }  // namespace tovalin

@@ -9,6 +9,7 @@
 #include "forms/strip_delimiter.h"
 #include "forms/tag_string.h"
 #include "forms/value_helpers.h"
+#include "frame/guarded.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -26,16 +27,17 @@ void LibGeneral::CheckTime(std::int16_t& KeyAscii) const {
 }
 
 Text LibGeneral::AddText(TextView vData, std::int32_t KeyAscii) const {
-  return tovalin::AddText(vData, KeyAscii);
+  return RaisingErrors([&] { return tovalin::AddText(vData, KeyAscii); });
 }
 
 Text LibGeneral::AddNumber(TextView vData, std::int32_t KeyAscii) const {
-  return tovalin::AddNumber(vData, KeyAscii);
+  return RaisingErrors([&] { return tovalin::AddNumber(vData, KeyAscii); });
 }
 
 void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
                           Ref<Object> rctr) const {
   if (!rctr) return;
+  const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     if (!ostrTextoBarra.empty()) return MsgBar(rctr, ostrTextoBarra);
     if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, separator_));
@@ -43,16 +45,20 @@ void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
 }
 
 Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) const {
-  const Ref<Object> control = RequireObject(rctrControl);
-  // The services are copied: what they call may put others in their place.
-  CheckAndMark(*control, separator_, HostServices(host_));
-  MsgBar(rctr, {});
-  return {};
+  return RaisingErrors([&] {
+    const Ref<const LibGeneral> alive = Hold(*this);
+    const Ref<Object> control = RequireObject(rctrControl);
+    CheckAndMark(*control, separator_, *Services());
+    MsgBar(rctr, {});
+    return Variant();
+  });
 }
 
 void LibGeneral::SelectText(Ref<Object> oControl) const {
-  const Ref<Object> control = oControl ? oControl : ActiveControl(HostServices(host_));
-  if (control) SelectContents(*control);
+  RaisingErrors([&] {
+    const Ref<Object> control = oControl ? oControl : ActiveControl(*Services());
+    if (control) SelectContents(*control);
+  });
 }
 
 bool LibGeneral::IsControl(Ref<Object> ctrControl) const {
@@ -60,33 +66,40 @@ bool LibGeneral::IsControl(Ref<Object> ctrControl) const {
 }
 
 Text LibGeneral::GetTag(TextView vstrTag, std::uint8_t vbytIndice) const {
-  return Text(tovalin::GetTag(vstrTag, vbytIndice, separator_));
+  return RaisingErrors([&] { return Text(tovalin::GetTag(vstrTag, vbytIndice, separator_)); });
 }
 
 Text LibGeneral::LetTag(TextView vstrTag, std::uint8_t vbytIndice, TextView vstrNewValue) const {
-  return tovalin::LetTag(vstrTag, vbytIndice, vstrNewValue, separator_);
+  return RaisingErrors(
+      [&] { return tovalin::LetTag(vstrTag, vbytIndice, vstrNewValue, separator_); });
 }
 
-Variant LibGeneral::Separador() const { return Text(1, separator_); }
+Variant LibGeneral::Separador() const {
+  return RaisingErrors([&] { return Variant(Text(1, separator_)); });
+}
 
 void LibGeneral::LetSeparador(const Variant& NewValue) {
-  const Text text = ToText(NewValue);
-  separator_ = text.empty() ? u' ' : text.front();
+  RaisingErrors([&] {
+    const Text text = ToText(NewValue);
+    separator_ = text.empty() ? u' ' : text.front();
+  });
 }
 
 void LibGeneral::AdicionarParametro(Text& rstrParametros, TextView vstrParametro,
                                     TextView vstrOperadorUnion, TextView vstrOperador,
                                     const Variant& vvarValor, std::int16_t vintTipo) const {
-  AppendCondition(rstrParametros,
-                  {vstrParametro, vstrOperadorUnion, vstrOperador, vvarValor, vintTipo});
+  RaisingErrors([&] {
+    AppendCondition(rstrParametros,
+                    {vstrParametro, vstrOperadorUnion, vstrOperador, vvarValor, vintTipo});
+  });
 }
 
 Text LibGeneral::StripDelimiter(TextView vString, TextView vDelimiters) const {
-  return tovalin::StripDelimiter(vString, vDelimiters);
+  return RaisingErrors([&] { return tovalin::StripDelimiter(vString, vDelimiters); });
 }
 
 Variant LibGeneral::Pot(const Variant& vvntBase, const Variant& vvntPotencia) const {
-  return WholePower(vvntBase, vvntPotencia);
+  return RaisingErrors([&] { return WholePower(vvntBase, vvntPotencia); });
 }
 
 Variant LibGeneral::EstaVacio(TextView vStr) const { return IsBlank(vStr); }
@@ -98,11 +111,16 @@ Variant LibGeneral::nvl(const Variant& varValue, const Variant& varDefault) cons
 bool LibGeneral::EsNulo(const Variant& vvarCampo) const { return IsNoValue(vvarCampo); }
 
 bool LibGeneral::Check(const Variant& vvarDato, std::int16_t vintType) const {
-  return PassesAs(vvarDato, vintType);
+  return RaisingErrors([&] { return PassesAs(vvarDato, vintType); });
+}
+
+void LibGeneral::LetAplicacion(const Text& NewValue) {
+  RaisingErrors([&] { application_ = NewValue; });
 }
 
 void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
   if (!uses_layouts_ || !ctrl) return;
+  const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     const Text layout = LayoutText(*ctrl);
     if (!layout.empty()) Settings()->Save(Text(application_), Section, Key, layout);
@@ -110,18 +128,26 @@ void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Objec
 }
 
 void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
-  if (!ctrl) return;
-  if (!uses_layouts_) {
-    if (KindOf(*ctrl) == ControlKind::Grid) Quietly([&] { FitGridColumns(*ctrl); });
-    return;
-  }
-  Text layout;
-  Quietly([&] { layout = Settings()->Get(Text(application_), Section, Key, {}); });
-  if (!layout.empty()) ApplyLayout(*ctrl, layout);
+  RaisingErrors([&] {
+    if (!ctrl) return;
+    if (!uses_layouts_) {
+      if (KindOf(*ctrl) == ControlKind::Grid) Quietly([&] { FitGridColumns(*ctrl); });
+      return;
+    }
+    Text layout;
+    Quietly([&] { layout = Settings()->Get(Text(application_), Section, Key, {}); });
+    if (!layout.empty()) ApplyLayout(*ctrl, layout);
+  });
+}
+
+// The former services go last: what they hold may let go of this object.
+void LibGeneral::UseHost(HostServices services) {
+  auto kept = std::make_shared<const HostServices>(std::move(services));
+  host_.swap(kept);
 }
 
 void LibGeneral::MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa) const {
-  ShowOnStatusBar(HostServices(host_), rctr, vstrTexto, vbolPausa);
+  RaisingErrors([&] { ShowOnStatusBar(*Services(), rctr, vstrTexto, vbolPausa); });
 }
 
 }  // namespace tovalin

@@ -1,5 +1,7 @@
 #include "forms/report_parameters.h"
 
+#include <exception>
+
 #include "frame/calendar.h"
 #include "tovalin/convert.h"
 
@@ -40,12 +42,17 @@ Text ReportText(const Variant& value, std::int16_t type) {
 void AppendCondition(Text& formula, const ReportCondition& condition) {
   // Taken before the formula changes: the texts may be parts of it.
   const Text left = Text(condition.parameter).append(condition.comparison);
-  if (!formula.empty()) {
-    const Text joiner = u" " + Text(condition.joiner) + u" ";
-    formula += joiner;
+  const Text joiner = u" " + Text(condition.joiner) + u" ";
+  const std::size_t former = formula.size();
+  try {
+    if (!formula.empty()) formula += joiner;
+    // A value that does not convert deliberately leaves the joiner there.
+    const Text value = ReportText(condition.value, condition.type);
+    formula.append(left).append(value);
+  } catch (const std::exception&) {  // memory
+    formula.resize(former);
+    throw;
   }
-  const Text value = ReportText(condition.value, condition.type);
-  formula.append(left).append(value);
 }
 
 }  // namespace tovalin

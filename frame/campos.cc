@@ -3,8 +3,11 @@
 #include <algorithm>
 
 #include "frame/deep_release.h"
+#include "frame/guarded.h"
+#include "frame/keys.h"
 #include "frame/positions.h"
 #include "tovalin/dispatch.h"
+#include "tovalin/enumerador.h"
 
 namespace tovalin {
 namespace {
@@ -43,6 +46,8 @@ constexpr MemberInfo kCamposMembers[] = {
     Get<&Campos::Count>(5, u"Count", u"The number of records"),
     Get<&Campos::SystemList>(6, u"SystemList", u"The comma-joined names of the system"),
     Let<&Campos::LetSystemList>(6, u"SystemList"),
+    Get<&Campos::Claves>(7, u"Claves", u"Los nombres de los registros, en su orden"),
+    Hidden(Method<&Campos::NewEnum>(kNewEnumId, u"_NewEnum", {})),
 };
 
 constexpr ClassInfo kCampoClass{Campo::kClassName, kCampoMembers};
@@ -54,38 +59,57 @@ const ClassInfo& Campo::Class() const { return kCampoClass; }
 const ClassInfo& Campos::Class() const { return kCamposClass; }
 
 Ref<Campo> Campo::Copy() const {
-  auto copy = Make<Campo>(name_);
-  copy->data_type_ = data_type_;
-  copy->size_ = size_;
-  copy->position_ = position_;
-  copy->value_ = value_;
-  copy->description_ = description_;
-  copy->formula_ = formula_;
-  copy->has_formula_ = has_formula_;
-  copy->source_name_ = source_name_;
-  copy->sintax_ = sintax_;
-  copy->direction_ = direction_;
-  copy->status_ = status_;
-  return copy;
+  return RaisingErrors([&] {
+    auto copy = Make<Campo>(name_);
+    copy->data_type_ = data_type_;
+    copy->size_ = size_;
+    copy->position_ = position_;
+    copy->value_ = value_;
+    copy->description_ = description_;
+    copy->formula_ = formula_;
+    copy->has_formula_ = has_formula_;
+    copy->source_name_ = source_name_;
+    copy->sintax_ = sintax_;
+    copy->direction_ = direction_;
+    copy->status_ = status_;
+    return copy;
+  });
 }
 
 void Campo::LetName(const Text& Name) {
-  name_ = Name;
-  for (Campos* table : tables_) ++table->version_;
+  RaisingErrors([&] {
+    name_ = Name;
+    for (Campos* table : tables_) ++table->version_;
+  });
 }
 
+// What is replaced goes last: its destructor may lead back here, and let go of the record.
 void Campo::LetValue(const Variant& Value) {
-  value_ = Value.Value();
+  const Variant former = std::exchange(value_, Value.Value());
   for (Campos* table : tables_) ++table->values_version_;
 }
 
 void Campo::LetFormula(const Text& Formula) {
-  formula_ = Formula;
-  has_formula_ = !Trim(Formula).empty();
-  for (Campos* table : tables_) ++table->version_;
+  RaisingErrors([&] {
+    formula_ = Formula;
+    has_formula_ = !Trim(Formula).empty();
+    for (Campos* table : tables_) ++table->version_;
+  });
 }
 
-Campo::~Campo() { DeepRelease().Take(value_); }
+void Campo::LetDescription(const Text& Description) {
+  RaisingErrors([&] { description_ = Description; });
+}
+void Campo::LetSourceName(const Text& SourceName) {
+  RaisingErrors([&] { source_name_ = SourceName; });
+}
+void Campo::LetSintax(const Text& Sintax) {
+  RaisingErrors([&] { sintax_ = Sintax; });
+}
+
+void Campo::LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
+
+Campo::~Campo() { DeepRelease().TakeValues(*this); }
 
 Campos::~Campos() {
   for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
@@ -93,19 +117,40 @@ Campos::~Campos() {
 }
 
 void Campos::Add(const Ref<Campo>& Campo, const Variant& Before, const Variant& After) {
-  if (!Campo) Raise(Failure::ObjectNotSet);
-  const TextView name = Campo->Name();
-  list_.Insert(InsertionPosition(list_, Before, After), Campo, &name);
-  Campo->tables_.push_back(this);
-  ++version_;
+  RaisingErrors([&] {
+    if (!Campo) Raise(Failure::ObjectNotSet);
+    const TextView name = Campo->Name();
+    const std::size_t position = InsertionPosition(list_, Before, After);
+    Campo->tables_.push_back(this);
+    try {
+      list_.Insert(position, Campo, &name);
+    } catch (...) {
+      Campo->tables_.pop_back();
+      throw;
+    }
+    ++version_;
+  });
+}
+
+void Campos::LetSystemList(const Text& SystemList) {
+  RaisingErrors([&] { system_list_ = SystemList; });
 }
 
 Ref<Campo> Campos::Item(const Variant& Index) const { return list_[PositionOf(list_, Index)]; }
 
+Ref<Collection> Campos::Claves() const {
+  return RaisingErrors([&] { return KeysOf(list_); });
+}
+
+Ref<Enumerador> Campos::NewEnum() {
+  return RaisingErrors([&] { return Make<Enumerador>(list_, Hold<Object>(*this)); });
+}
+
 void Campos::Remove(const Variant& Index) {
   const std::size_t position = PositionOf(list_, Index);
+  const Ref<Campo> record = list_[position];  // goes last, and perhaps the table with it
   // A record may stand in the table twice, under an old and a new name.
-  auto& tables = list_[position]->tables_;
+  auto& tables = record->tables_;
   tables.erase(std::find(tables.begin(), tables.end(), this));
   list_.Remove(position);
   ++version_;

@@ -14,16 +14,25 @@ std::size_t LengthOf(const Variant& value) {
   return value.Is(Subtype::String) ? value.AsText().size() : 0;
 }
 
+// A text that would be too long is not made in the first place.
+void RequireRoom(std::size_t length) {
+  if (length > kLongestText) Raise(Failure::OutOfMemory);
+}
+
 void AppendOperand(Text& text, const Variant& value) {
+  RequireRoom(text.size() + LengthOf(value));
   if (!value.Is(Subtype::Null)) AppendText(text, value);
+  RequireRoom(text.size());  // of a number it is known now
 }
 
 }  // namespace
 
 Variant Concatenate(const Variant& left, const Variant& right) {
   if (left.Is(Subtype::Null) && right.Is(Subtype::Null)) return Variant::Null();
+  const std::size_t length = LengthOf(left) + LengthOf(right);
+  RequireRoom(length);
   Text text;
-  text.reserve(std::max(kRoom, LengthOf(left) + LengthOf(right)));
+  text.reserve(std::max(kRoom, length));
   AppendOperand(text, left);
   AppendOperand(text, right);
   return text;

@@ -33,11 +33,7 @@ std::vector<Variant> CompleteArguments(const MemberInfo& member, std::span<Varia
   return complete;
 }
 
-Error NoSuchMember(TextView name) {
-  Error error = PlatformError(Failure::NoSuchMember);
-  error.description.append(u": ").append(name);
-  return error;
-}
+Error NoSuchMember(TextView name) { return ErrorAbout(Failure::NoSuchMember, name); }
 
 }  // namespace
 
@@ -58,7 +54,7 @@ std::optional<Error> Object::Invoke(TextView name, MemberKind kind, std::span<Va
 int Object::Attach(TextView name, EventSink sink) {
   const EventInfo* event = Class().FindEvent(name);
   if (!event) throw NoSuchMember(name);
-  return event->attach(*this, std::move(sink));
+  return RaisingErrors([&] { return event->attach(*this, std::move(sink)); });
 }
 
 void Object::Detach(TextView name, int attachment) {
@@ -90,6 +86,7 @@ std::optional<Error> Invoke(Object& object, const MemberInfo& member, std::span<
   // A handler may drop the host's last Ref on the object while its member runs.
   const Ref<Object> alive = Hold(object);
   return Guarded([&] {
+    CheckStack();
     std::vector<Variant> complete = CompleteArguments(member, arguments);
     result = member.call(object, complete);
   });

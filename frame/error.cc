@@ -1,5 +1,7 @@
 #include "tovalin/error.h"
 
+#include "frame/guarded.h"
+
 namespace tovalin {
 namespace {
 
@@ -42,10 +44,41 @@ Error PlatformError(Failure failure) {
   return {static_cast<std::int32_t>(failure), u"Tovalin", {}};
 }
 
-void Raise(Failure failure) { throw PlatformError(failure); }
+Error MemoryError() noexcept {
+  try {
+    return PlatformError(Failure::OutOfMemory);
+  } catch (const std::bad_alloc&) {
+    return {static_cast<std::int32_t>(Failure::OutOfMemory), u"Tovalin", u"Memoria"};
+  }
+}
+
+Error ErrorAbout(Failure failure, TextView name) noexcept {
+  try {
+    Error error = PlatformError(failure);
+    error.description.append(u": ").append(name);
+    return error;
+  } catch (const std::exception& exception) {
+    return ErrorOf(exception);
+  }
+}
+
+Error ErrorOf(const std::exception& exception) noexcept {
+  const bool is_memory = dynamic_cast<const std::bad_alloc*>(&exception) ||
+                         dynamic_cast<const std::length_error*>(&exception);
+  if (is_memory) return MemoryError();
+  try {
+    return {kObjectError, u"Tovalin", FromUtf8(exception.what())};
+  } catch (const std::bad_alloc&) {
+    return MemoryError();
+  }
+}
+
+void Raise(Failure failure) {
+  throw RaisingErrors([failure] { return PlatformError(failure); });
+}
 
 void RaiseOwn(TextView source, TextView description) {
-  throw Error{kObjectError, Text(source), Text(description)};
+  throw RaisingErrors([=] { return Error{kObjectError, Text(source), Text(description)}; });
 }
 
 }  // namespace tovalin

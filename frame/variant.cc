@@ -29,6 +29,13 @@ VariantArray& Variant::MutableArray() {
   return *value.array_;
 }
 
+// What was here goes last: its destructor may lead back to this very value, or to
+// `other`.
+void Variant::Replace(Variant& other) noexcept {
+  const Variant former(std::move(*this));
+  StealFrom(other);
+}
+
 void Variant::DropReference() {
   switch (subtype_) {
     case Subtype::String:

@@ -1,5 +1,6 @@
 #include <vector>
 
+#include "frame/guarded.h"
 #include "tovalin/campos.h"
 #include "tovalin/cls_file_export.h"
 #include "tovalin/collection.h"
@@ -42,16 +43,16 @@ Ref<Object> CreateObject(TextView class_name) {
   if (EqualFolded(name.substr(0, kLibraryPrefix.size()), kLibraryPrefix))
     name.remove_prefix(kLibraryPrefix.size());
   for (const Creatable& row : kCreatable)
-    if (EqualFolded(row.name, name)) return row.make();
-  Error error = PlatformError(Failure::CannotCreateObject);
-  error.description.append(u": ").append(class_name);
-  throw error;
+    if (EqualFolded(row.name, name)) return RaisingErrors(row.make);
+  throw ErrorAbout(Failure::CannotCreateObject, class_name);
 }
 
 std::vector<const ClassInfo*> Classes() {
-  std::vector<const ClassInfo*> classes;
-  for (const Creatable& row : kCreatable) classes.push_back(&row.make()->Class());
-  return classes;
+  return RaisingErrors([&] {
+    std::vector<const ClassInfo*> classes;
+    for (const Creatable& row : kCreatable) classes.push_back(&row.make()->Class());
+    return classes;
+  });
 }
 
 }  // namespace tovalin

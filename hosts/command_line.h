@@ -96,5 +96,8 @@ int RunConstants();
 /// changes, until the process is asked to end.
 int RunTrace(bool follow);
 int RunCall(const std::vector<std::string>& arguments);
+/// Runs the conformance tables of files and directories, by default those of the
+/// source tree or of the installation; kFaults when a case differs.
+int RunSelftest(std::vector<std::string> paths);
 
 }  // namespace tovalin::tool

@@ -154,6 +154,9 @@ class CommandLine {
     Add("trace", "Shows the trace of the last evaluation", [this] {
       return RunTrace(follow_);
     }).add_flag("--follow", follow_, "Shows it again at every change, until interrupted");
+    Add("selftest", "Checks the library against the conformance tables", [this] {
+      return RunSelftest(tables_);
+    }).add_option("FILE", tables_, "Tables or directories of tables");
     call_ = &Add("call",
                  "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...; without MEMBER lists "
                  "the members of a class, without CLASS the classes",
@@ -171,6 +174,7 @@ class CommandLine {
   TableOptions table_;
   ExportOptions export_;
   bool follow_ = false;
+  std::vector<std::string> tables_;
   CLI::App* call_ = nullptr;
 };
 

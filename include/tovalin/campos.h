@@ -10,6 +10,8 @@
 namespace tovalin {
 
 class Campos;
+class Collection;
+class Enumerador;
 
 /// The data type codes of a Campo.
 enum DataType : std::int32_t {
@@ -59,19 +61,19 @@ class TOVALIN_API Campo : public Object {
   const Variant& Value() const { return value_; }
   void LetValue(const Variant& Value);
   const Text& Description() const { return description_; }
-  void LetDescription(const Text& Description) { description_ = Description; }
+  void LetDescription(const Text& Description);
   /// The formula that gives a formula variable its value, empty for any other.
   const Text& Formula() const { return formula_; }
   void LetFormula(const Text& Formula);
   bool HasFormula() const { return has_formula_; }
   /// The bare word of a function.
   const Text& SourceName() const { return source_name_; }
-  void LetSourceName(const Text& SourceName) { source_name_ = SourceName; }
+  void LetSourceName(const Text& SourceName);
   /// The help syntax of a function.
   const Text& Sintax() const { return sintax_; }
-  void LetSintax(const Text& Sintax) { sintax_ = Sintax; }
+  void LetSintax(const Text& Sintax);
   const Variant& Direction() const { return direction_; }
-  void LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
+  void LetDirection(const Variant& Direction);
   std::int32_t Status() const { return status_; }
   void LetStatus(std::int32_t Status) { status_ = Status; }
 
@@ -121,9 +123,14 @@ class TOVALIN_API Campos : public Object {
   void Remove(const Variant& Index);
   std::int32_t Count() const { return static_cast<std::int32_t>(list_.Size()); }
 
+  /// The names under which the records stand, in their order.
+  Ref<Collection> Claves() const;
+  /// A walk over the records for late-bound hosts, which call it _NewEnum.
+  Ref<Enumerador> NewEnum();
+
   /// The comma-joined names that belong to the system.
   const Text& SystemList() const { return system_list_; }
-  void LetSystemList(const Text& SystemList) { system_list_ = SystemList; }
+  void LetSystemList(const Text& SystemList);
 
   bool IsSystem(TextView name) const;
 

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <optional>
+#include <utility>
 
 #include "tovalin/api.h"
 #include "tovalin/campos.h"
+#include "tovalin/clock.h"
 #include "tovalin/object.h"
 #include "tovalin/variant.h"
 
@@ -97,7 +98,7 @@ class TOVALIN_API clsFileExport : public Object {
 
   /// Replaces the system's clock, for the moment that the layout file tells. Without a
   /// function the system's comes back.
-  void UseClock(std::function<Date()> clock) { clock_ = std::move(clock); }
+  void UseClock(HostClock::Function clock) { clock_.Use(std::move(clock)); }
 
  private:
   static constexpr TextView kShortYear = u"yy";
@@ -110,7 +111,7 @@ class TOVALIN_API clsFileExport : public Object {
   char16_t date_separator_ = u'/';
   char16_t text_qualifier_ = u'"';
   Text date_pattern_;
-  std::function<Date()> clock_;  // empty: the system's
+  HostClock clock_;
   std::optional<FailureReport> last_failure_;
 };
 

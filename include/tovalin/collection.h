@@ -7,6 +7,8 @@
 
 namespace tovalin {
 
+class Enumerador;
+
 /// The general ordered container: Variants numbered from 1 in their order, each
 /// with a key or without. A key is text, compared without regard to case.
 ///
@@ -30,6 +32,11 @@ class TOVALIN_API Collection : public Object {
   Variant Item(const Variant& Index) const;
   void Remove(const Variant& Index);
   std::int32_t Count() const { return static_cast<std::int32_t>(list_.Size()); }
+
+  /// The keys in the order of the items, an empty text for an item without one.
+  Ref<Collection> Claves() const;
+  /// A walk over the items for late-bound hosts, which call it _NewEnum.
+  Ref<Enumerador> NewEnum();
 
   /// The list itself, for C++: positions count from 0 there.
   KeyedList<Variant>& List() { return list_; }

@@ -74,6 +74,7 @@ struct MemberInfo {
   std::size_t parameter_count = 0;
   ValueType result;
   TextView doc;
+  bool hidden = false;  // for other languages to call: no list for people shows it
   /// Calls the member with exactly parameter_count arguments. Throws Error.
   Variant (*call)(Object& object, std::span<Variant> arguments) = nullptr;
 
@@ -283,6 +284,15 @@ consteval MemberInfo Set(int id, TextView name, TextView doc = {},
                          std::initializer_list<Parameter> parameters = {{u"NewValue"}}) {
   return dispatch::Describe<kMember>(id, name, MemberKind::Set, parameters, doc);
 }
+
+/// The same member, but hidden.
+consteval MemberInfo Hidden(MemberInfo member) {
+  member.hidden = true;
+  return member;
+}
+
+/// The id of the member that gives an enumerator, as automation has it.
+inline constexpr int kNewEnumId = -4;
 
 namespace dispatch {
 

@@ -52,6 +52,10 @@ TOVALIN_API Error PlatformError(Failure failure);
 /// Throws PlatformError(failure).
 [[noreturn]] TOVALIN_API void Raise(Failure failure);
 
+/// Throws PlatformError(Failure::OutOfStack) when little is left of the thread's stack.
+/// Whatever calls code of the host checks it first: that code may call back.
+TOVALIN_API void CheckStack();
+
 /// Throws an error of the library's own making.
 [[noreturn]] TOVALIN_API void RaiseOwn(TextView source, TextView description);
 

@@ -8,6 +8,7 @@
 
 #include "tovalin/api.h"
 #include "tovalin/campos.h"
+#include "tovalin/clock.h"
 #include "tovalin/collection.h"
 #include "tovalin/event.h"
 #include "tovalin/formula.h"
@@ -211,8 +212,8 @@ class TOVALIN_API Evaluador : public Object {
   /// one another. `outcomes` is as long as `formulas`.
   void EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes);
 
-  /// Where DATE( ) and NOW( ) take the time from.
-  void UseClock(std::function<Date()> clock);
+  /// Where DATE( ) and NOW( ) take the time from; an empty one brings the system's back.
+  void UseClock(HostClock::Function clock);
   /// Where the trace of the last evaluation goes, in place of the settings file.
   void UseSettings(Ref<SettingsStore> settings);
 

@@ -3,8 +3,10 @@
 #include <deque>
 #include <functional>
 #include <utility>
+#include <vector>
 
 #include "tovalin/api.h"
+#include "tovalin/error.h"
 
 namespace tovalin {
 
@@ -14,7 +16,7 @@ namespace tovalin {
 /// A handler may attach and detach handlers, itself included: one attached while
 /// the event is raised is first called the next time, one detached is not called
 /// any more. An error thrown by a handler leaves the others uncalled and reaches
-/// the raiser.
+/// the raiser. Raising raises 28 where little is left of the stack.
 template <class... Arguments>
 class Event {
  public:
@@ -28,14 +30,18 @@ class Event {
 
   /// Does nothing for a number that is not attached.
   void Detach(int attachment) {
-    for (Entry& entry : handlers_)
-      if (entry.attachment == attachment) entry.attachment = kDetached;
+    for (Entry& entry : handlers_) {
+      if (entry.attachment != attachment) continue;
+      entry.attachment = kDetached;
+      has_detached_ = true;
+    }
     Sweep();
   }
 
   bool HasHandlers() const { return !handlers_.empty(); }
 
   void Raise(Arguments... arguments) {
+    CheckStack();
     Raising raising(*this);
     // A deque keeps its entries in place while handlers attach others.
     const std::size_t count = handlers_.size();
@@ -60,15 +66,21 @@ class Event {
     Event& event;
   };
 
-  // A detached handler may be running: it is dropped when no raise is under way.
+  // A detached handler may be running: it is dropped when no raise is under way. It
+  // goes last, since what it holds may lead back here, or be the owner of the event.
   void Sweep() {
-    if (depth_ == 0)
-      std::erase_if(handlers_, [](const Entry& entry) { return entry.attachment == kDetached; });
+    if (depth_ > 0 || !has_detached_) return;
+    has_detached_ = false;
+    std::vector<Handler> gone;
+    for (Entry& entry : handlers_)
+      if (entry.attachment == kDetached) gone.push_back(std::move(entry.handler));
+    std::erase_if(handlers_, [](const Entry& entry) { return entry.attachment == kDetached; });
   }
 
   std::deque<Entry> handlers_;
   int last_ = 0;
   int depth_ = 0;
+  bool has_detached_ = false;
 };
 
 }  // namespace tovalin

@@ -54,6 +54,15 @@ class KeyedList {
     /// A copy of the item: it stays valid whatever happens to the list. Empty
     /// when the present item was removed.
     T operator*() const { return AtEnd() || state_.removed ? T() : list_->items_[state_.position]; }
+    /// The key of the item, empty without one.
+    TextView Key() const {
+      return AtEnd() || state_.removed ? TextView() : list_->Key(state_.position);
+    }
+    /// Back to the first item.
+    void Restart() {
+      state_.position = 0;
+      state_.removed = false;
+    }
     Cursor& operator++() {
       if (!state_.removed) ++state_.position;
       state_.removed = false;
@@ -100,21 +109,33 @@ class KeyedList {
   }
 
   void Append(T item) {
+    MakeRoom();
     items_.push_back(std::move(item));
     if (index_) index_->nodes.push_back(nullptr);
   }
 
-  /// Raises 457, and changes nothing, when the key is there already.
+  /// Appends all of `items`, or none when it throws.
+  void AppendAll(const std::vector<T>& items) {
+    std::vector<T> copies = items;
+    items_.reserve(items_.size() + copies.size());
+    if (index_) index_->nodes.resize(items_.size() + copies.size());
+    items_.insert(items_.end(), std::make_move_iterator(copies.begin()),
+                  std::make_move_iterator(copies.end()));
+  }
+
+  /// Raises 457 when the key is there already. Changes nothing when it throws.
   void Insert(std::size_t position, T item, const TextView* key) {
     if (key && Find(*key) != kNotFound) Raise(Failure::DuplicateKey);
     if (key && !index_) {
-      index_ = std::make_unique<Index>();
-      index_->nodes.resize(items_.size());
+      auto index = std::make_unique<Index>();
+      index->nodes.resize(items_.size());
+      index_ = std::move(index);
     }
+    MakeRoom();
+    Node* node = key ? &*index_->positions.emplace(Text(*key), position).first : nullptr;
     const auto offset = static_cast<std::ptrdiff_t>(position);
     items_.insert(items_.begin() + offset, std::move(item));
     if (index_) {
-      Node* node = key ? &*index_->positions.emplace(Text(*key), position).first : nullptr;
       index_->nodes.insert(index_->nodes.begin() + offset, node);
       Renumber(position + 1);
     }
@@ -152,6 +173,16 @@ class KeyedList {
     Positions positions;
     std::vector<Node*> nodes;  // one for each item, null without a key
   };
+
+  // Room for one more item, so that nothing throws once the list begins to change.
+  void MakeRoom() {
+    GrowFor(items_);
+    if (index_) GrowFor(index_->nodes);
+  }
+  template <class U>
+  static void GrowFor(std::vector<U>& list) {
+    if (list.size() == list.capacity()) list.reserve(2 * list.size() + 1);
+  }
 
   void Renumber(std::size_t from) {
     for (std::size_t i = from; i < index_->nodes.size(); ++i)

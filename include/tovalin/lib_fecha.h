@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <utility>
 
 #include "tovalin/api.h"
+#include "tovalin/clock.h"
 #include "tovalin/collection.h"
 #include "tovalin/object.h"
 #include "tovalin/variant.h"
@@ -22,14 +22,14 @@ class TOVALIN_API LibFecha : public Object {
   static constexpr TextView kClassName = u"LibFecha";
 
   /// Tells the date and time at each call.
-  using Clock = std::function<Date()>;
+  using Clock = HostClock::Function;
 
   LibFecha();
   const ClassInfo& Class() const override;
 
   /// Puts another clock in the place of the system's local time; an empty one
   /// brings the system's back. Only the current year matters, to MesesDelAno.
-  void UseClock(Clock clock) { clock_ = std::move(clock); }
+  void UseClock(Clock clock) { clock_.Use(std::move(clock)); }
 
   /// The first day of the month of `vbdate`, without time. A value that is no
   /// date and does not read as one comes back as it is.
@@ -78,7 +78,7 @@ class TOVALIN_API LibFecha : public Object {
   Text Duration(std::int32_t& TotalSeconds, std::int16_t& UpFormat) const;
 
  private:
-  Clock clock_;
+  HostClock clock_;
   Ref<Collection> days_;
   Ref<Collection> months_;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "tovalin/api.h"
 #include "tovalin/control.h"
@@ -129,7 +130,7 @@ class TOVALIN_API LibGeneral : public Object {
 
   /// The application under which layouts are kept; empty at first.
   const Text& Aplicacion() const { return application_; }
-  void LetAplicacion(const Text& NewValue) { application_ = NewValue; }
+  void LetAplicacion(const Text& NewValue);
 
   /// Saves the layout of a control under `Section` and `Key`. A form is saved in
   /// its normal state only. Does nothing when `gbolCUI` is false. Raises nothing.
@@ -146,19 +147,22 @@ class TOVALIN_API LibGeneral : public Object {
   /// Shows a text on the status bar `rctr`; does nothing when it is none.
   void MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa = false) const;
 
-  /// Puts the host's services in place of the defaults.
-  void UseHost(HostServices services) { host_ = std::move(services); }
+  /// Puts the host's services in place of the defaults. A service that is running may do
+  /// so too.
+  void UseHost(HostServices services);
 
   /// Keeps layouts in `store`, or in DefaultSettings() when it is none.
   void UseSettings(Ref<SettingsStore> store) { settings_ = std::move(store); }
 
  private:
+  /// Held while one of them runs, which may put others in their place.
+  std::shared_ptr<const HostServices> Services() const { return host_; }
   Ref<SettingsStore> Settings() const { return settings_ ? settings_ : DefaultSettings(); }
 
   char16_t separator_ = u'»';
   bool uses_layouts_ = false;
   Text application_;
-  HostServices host_;
+  std::shared_ptr<const HostServices> host_ = std::make_shared<const HostServices>();
   Ref<SettingsStore> settings_;
 };
 

@@ -3,11 +3,13 @@
 // The whole library for a host. Start with evaluador.h.
 
 #include "tovalin/campos.h"
+#include "tovalin/clock.h"
 #include "tovalin/cls_file_export.h"
 #include "tovalin/collection.h"
 #include "tovalin/control.h"
 #include "tovalin/convert.h"
 #include "tovalin/dispatch.h"
+#include "tovalin/enumerador.h"
 #include "tovalin/error.h"
 #include "tovalin/evaluador.h"
 #include "tovalin/event.h"
@@ -24,3 +26,4 @@
 #include "tovalin/settings.h"
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
+#include "tovalin/version.h"

@@ -36,6 +36,9 @@ enum class Subtype : std::uint16_t {
   Array = 8204,  // Variants in two dimensions: kArrayFlag + Variant
 };
 
+/// The most characters that a text may come to; beyond it error 7 is raised.
+inline constexpr std::size_t kLongestText = std::size_t{1} << 30;
+
 inline constexpr std::uint16_t kArrayFlag = 8192;
 inline constexpr std::uint16_t kByReferenceFlag = 16384;
 inline constexpr std::int32_t kMissing = -2147352572;  // hexadecimal 80020004
@@ -103,8 +106,10 @@ class TOVALIN_API Variant {
   Variant& operator=(Variant&& other) noexcept {
     // A value that refers to itself is the value that it is.
     if (this == &other || (other.by_reference_ && other.target_ == this)) return *this;
-    if (HoldsReference()) DropReference();
-    StealFrom(other);
+    if (HoldsReference())
+      Replace(other);
+    else
+      StealFrom(other);
     return *this;
   }
   ~Variant() {
@@ -112,7 +117,7 @@ class TOVALIN_API Variant {
   }
 
   /// The subtype of the value; of a by-reference Variant, that of its target.
-  Subtype Kind() const { return by_reference_ ? target_->Kind() : subtype_; }
+  Subtype Kind() const { return Value().subtype_; }
   /// The automation code: the subtype's, plus 16384 when by reference.
   std::uint16_t Code() const;
   bool Is(Subtype subtype) const { return Kind() == subtype; }
@@ -120,8 +125,12 @@ class TOVALIN_API Variant {
   bool IsMissing() const { return Is(Subtype::Error) && Value().error_ == kMissing; }
 
   /// The value itself, or the target of a by-reference Variant.
-  const Variant& Value() const { return by_reference_ ? target_->Value() : *this; }
-  Variant& Value() { return by_reference_ ? target_->Value() : *this; }
+  const Variant& Value() const {
+    const Variant* value = this;
+    while (value->by_reference_) value = value->target_;
+    return *value;
+  }
+  Variant& Value() { return const_cast<Variant&>(std::as_const(*this).Value()); }
   /// Stores into the value itself, or into the target of a by-reference Variant.
   void Assign(Variant value) {
     if (value.by_reference_) value = Variant(value.Value());
@@ -164,6 +173,7 @@ class TOVALIN_API Variant {
   void CopyFrom(const Variant& other);
   void StealFrom(Variant& other) noexcept;
   void DropReference();
+  void Replace(Variant& other) noexcept;
 
   // The subtype says which member of the union lives. A by-reference Variant
   // keeps Empty as its own subtype and its target in target_.

@@ -35,6 +35,9 @@ const TokenCase kTokenCases[] = {
     {u"X & ' a + b '", "X|&|\"a + b\"", "X & \"a + b\" "},
     {u"'@'", "\"@\"", "\"@\""},
     {u"A +\r\nB", "A|+|B", "A + B "},
+    {u"@Salario Base*2", "Salario Base|*|2", "@Salario Base * 2 "},
+    {u"@5", "@5", "@5"},
+    {u"(\" OR 5\") OR 5", "(|\" OR 5\"|)|OR|5", "( \" OR 5\" ) OR 5 "},
     {u"DATE( )", "DATE(|)", "DATE( ) "},
     {u"DESAJUSTAR(X,'0',0)", "DESAJUSTAR(|X|,|\"0\"|,|0|)", "DESAJUSTAR( X , \"0\" , 0 ) "},
     {u"", "", ""},
@@ -75,6 +78,22 @@ const FaultCase kFaultCases[] = {
     {u"@Q + 1", {"Variable no definida Q"}},
     {u"A\n+ B", {"Variable no definida A\n"}},
     {u"AND B", {"Variable no definida AND B"}},
+    // The trim comes first: a word operator has no blank in front or behind then.
+    {u"OR 5", {"Variable no definida OR 5"}},
+    {u" OR 5", {"Variable no definida OR 5"}},
+    {u"\r\n  OR 5", {"Variable no definida OR 5"}},
+    {u"5 OR ", {"Variable no definida 5 OR"}},
+    // An "@" begins an operand, or it is a character that no name holds.
+    {u"B@A", {"Variable no definida B@A"}},
+    {u"A@", {"Variable no definida A@"}},
+    {u"@", {"Variable no definida @"}},
+    {u"@@A", {"Variable no definida @A"}},
+    {u"@ A", {"Variable no definida  A"}},
+    {u"@A B", {"Variable no definida A B"}},
+    {u"1 + @IN", {"Falta una expresión"}},
+    {u"'@in'", {"Falta una expresión"}},
+    {u"A + '@MEDIO('", {"Falta una expresión"}},
+    {u"A + '@,'", {"Falta una expresión"}},
 };
 
 TEST(CheckInfijo, TellsEveryFaultInOrder) {
@@ -188,8 +207,36 @@ TEST(Posfijo, TakesAnyCollectionOfAHost) {
   for (const char16_t* token : {u")", u"(", u"FOO(", u"+", u"1", u",", u"2"}) tokens->Add(token);
   tokens->Add(5.0);
   Ref<Collection> items;
-  EXPECT_EQ(ToUtf8(host.evaluator->Posfijo(tokens, items)), "1 + 2 FOO( ");
+  EXPECT_EQ(ToUtf8(host.evaluator->Posfijo(tokens, items)), "1 + 2 5 FOO( ");
   EXPECT_EQ(ToUtf8(host.evaluator->Posfijo(nullptr, items)), "");
+}
+
+TEST(Posfijo, KeepsTokensThatAreNoTextAsTheyAre) {
+  FormulaHost host;
+  auto tokens = Make<Collection>();
+  for (const Variant& token : {Variant(0.1 + 0.2), Variant(u"*"), Variant(std::int16_t{10}),
+                               Variant(u"-"), Variant(u"@A"), Variant(u"+"), Variant(Date{2})})
+    tokens->Add(token);
+  Ref<Collection> items;
+  EXPECT_EQ(ToUtf8(host.evaluator->Posfijo(tokens, items)), "0.3 10 * A - 01/01/1900 + ");
+  EXPECT_EQ(items->Item(std::int32_t{1}).AsDouble(), 0.1 + 0.2);
+  EXPECT_EQ(items->Item(std::int32_t{2}).AsInteger(), 10);
+  Variant result;
+  host.evaluator->EvaluatePosfijo(items, result);
+  EXPECT_EQ(result.AsDate().days, (0.1 + 0.2) * 10 - 2 + 2);
+}
+
+TEST(Posfijo, MakesTheCollectionThatALateBoundCallLeavesOut) {
+  FormulaHost host;
+  auto tokens = Make<Collection>();
+  tokens->Add(u"A");
+  Variant text;
+  std::vector<Variant> arguments{Variant(tokens)};
+  EXPECT_FALSE(host.evaluator->Invoke(u"Posfijo", MemberKind::Get, arguments, text));
+  EXPECT_EQ(ToText(text), u"A ");
+  arguments.emplace_back();  // an empty variable of the host
+  EXPECT_FALSE(host.evaluator->Invoke(u"Posfijo", MemberKind::Get, arguments, text));
+  EXPECT_EQ(arguments[1].AsObject().As<Collection>()->Count(), 1);
 }
 
 }  // namespace

@@ -71,6 +71,8 @@ const Case kCases[] = {
     {u"Salario Base * 2", "Double 3000"},
     {u"año + 1", "Double 2025"},
     {u"@A + @B", "Double 7"},
+    {u"@Salario Base * 2", "Double 3000"},
+    {u"@A\r\n+\r@B", "Double 7"},
     {u"'@'", "String @"},
     {u"A\r\n+\rB", "Double 7"},
     {u"", "Integer 0"},

@@ -93,6 +93,62 @@ TEST_F(FormulaVariables, KeepTheValueOfADependantThatFails) {
   EXPECT_EQ(host.evaluator->Variables()->Item(u"Malo")->Status(), Campo::kIdle);
 }
 
+// Each formula is tried once, however many read it: calls are counted, in front of what fails.
+TEST_F(FormulaVariables, ThatFailAreTriedOnce) {
+  constexpr int kMany = 3000;
+  const struct {
+    const char* name;
+    const char16_t* first;     // the formula of V0
+    const char16_t* second;    // what follows V0 in that of V1
+    const char16_t* evaluate;  // empty: the dependants of A
+    const char* result;
+  } kCases[] = {{"a text in a chain", u"A", u" * X", u"V900", "Error 13"},
+                {"the same, as dependants", u"A", u" * X", u"", ""},
+                {"a circle", u"V2999 + A", u"", u"", ""},
+                {"a chain that is too deep", u"A", u"", u"V2999", "Error 28"},
+                {"an error of the host", u"A + CUENTA( 'no' )", u"", u"V900", "Error 1234"}};
+  for (const auto& at : kCases) {
+    for (const bool counts : {true, false}) {
+      FormulaHost other;
+      int calls = 0;
+      other.evaluator->AddFunction(u"CUENTA(", u"CUENTA", u"", u"");
+      other.evaluator->Evaluate.Attach([&](const Text&, Variant& result, Ref<Collection>& pila) {
+        ++calls;
+        result = other.evaluator->LoadTopePila(pila);
+        if (result.Is(Subtype::String)) throw Error{1234, u"", u""};
+      });
+      for (int i = 0; i < kMany; ++i) {
+        const Text formula =
+            i == 0 ? Text(at.first) : Named(u"V", i - 1) + (i == 1 ? at.second : u" + 1");
+        other.evaluator->AddVble(Named(u"V", i), 7.0, u"", kNumeric,
+                                 counts ? u"CUENTA( 0 ) + " + formula : formula);
+      }
+      if (Text(at.evaluate).empty())
+        other.evaluator->CalcularDependencias(u"A");
+      else
+        EXPECT_EQ(other.Evaluate(at.evaluate), at.result) << at.name;
+      EXPECT_LE(calls, kMany + 1) << at.name;
+      EXPECT_EQ(other.evaluator->GetVariable(u"V2998", 0.0).AsDouble(), 7) << at.name;
+    }
+  }
+}
+
+// Whoever reads a formula that failed gets its error, the next evaluation tries it again.
+TEST_F(FormulaVariables, ThatFailKeepTheirError) {
+  CountCalls();
+  AddFormula(u"Falla", u"CUENTA( 1 ) + X");
+  AddFormula(u"Lector", u"Falla + 1");
+  const Text formulas[] = {u"Falla", u"Lector", u"A + Falla", u"A"};
+  Evaluador::Outcome outcomes[4];
+  host.evaluator->EvaluateBatch(formulas, outcomes);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(outcomes[i].error->number, 13) << i;
+  EXPECT_FALSE(outcomes[3].error);
+  EXPECT_EQ(calls, 1);
+  host.evaluator->SetVariable(u"X", 2.0);
+  EXPECT_EQ(host.Evaluate(u"Lector"), "Double 4");
+  EXPECT_EQ(calls, 2);
+}
+
 TEST_F(FormulaVariables, ReportTheFaultsOfTheirFormulas) {
   AddFormula(u"Roto", u"A + Quien");
   AddFormula(u"Sano", u"A + 1");
@@ -194,6 +250,42 @@ TEST_F(FormulaVariables, AreNamedByTheirReaders) {
       "VERDADERO,CDERECHA");
   EXPECT_EQ(ToUtf8(host.evaluator->ReplaceExpresion(u"@A+@Quien & '@A' & \"@B\" & @neto")),
             "A+@Quien & '@A' & \"@B\" & neto");
+}
+
+// One place reads "@": every member sees the same names.
+TEST_F(FormulaVariables, AreNamedBehindAtSignsToo) {
+  struct Row {
+    const char16_t* formula;
+    const char* replaced;
+    const char* names;
+  };
+  const Row rows[] = {
+      {u"@Salario Base * 2", "Salario Base * 2", "Salario Base"},
+      {u"(@salario base)+@A", "(salario base)+A", "Salario Base,A"},
+      {u"B@A + A", "B@A + A", "A"},
+      {u"@A\r\n + @Salario\r Base\r\n", "A\r\n + Salario\r Base\r\n", "A,Salario Base"},
+      {u"'@A' & \"@A\" & @A", "'@A' & \"@A\" & A", "A"},
+      {u"@A B + @@A", "@A B + @@A", ""},
+      {u"'@A", "'@A", "A"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(ToUtf8(host.evaluator->ReplaceExpresion(row.formula)), row.replaced);
+    EXPECT_EQ(FormulaHost::Joined(host.evaluator->VarExpresion(row.formula), ","), row.names);
+    host.Evaluate(row.formula);
+    EXPECT_EQ(host.settings->values["Evaluador/Posfijo/Expresion"], row.replaced);
+  }
+  host.evaluator->AddConstant(u"Tasa Fija", 3.0, u"", kNumeric);
+  EXPECT_EQ(FormulaHost::Joined(host.evaluator->ConstExpresion(u"@Tasa Fija+@A"), ","),
+            "Tasa Fija");
+  auto locals = Make<Campos>();
+  locals->Add(Make<Campo>(u"Mi Local"));
+  EXPECT_EQ(ToUtf8(host.evaluator->ReplaceExpresion(u"@Mi Local+1", &locals)), "Mi Local+1");
+}
+
+TEST_F(FormulaVariables, DependOnNamesBehindAtSignsAndAcrossLines) {
+  AddFormula(u"Doble", u"@Salario Base\r\n * 2");
+  host.evaluator->CalcularDependencias(u"Salario Base");
+  EXPECT_EQ(FormulaHost::Show(host.evaluator->GetVariable(u"Doble", 0.0)), "Double 3000");
 }
 
 }  // namespace

@@ -46,80 +46,6 @@ TEST(LibFecha, EveryMonthOfFourHundredYears) {
   }
 }
 
-TEST(LibFecha, MonthBoundsAtTheEndsOfTheCalendar) {
-  const LibFecha fecha;
-  Variant first(DayCount(100, 1, 1));
-  Variant last(DayCount(9999, 12, 31));
-  EXPECT_EQ(fecha.MonthBegin(first).AsDate(), DayCount(100, 1, 1));
-  EXPECT_EQ(fecha.MonthEnd(last).AsDate(), DayCount(9999, 12, 31));
-}
-
-TEST(LibFecha, MonthBoundsOfOtherValues) {
-  const LibFecha fecha;
-  Variant text(u"15/12/2023");
-  EXPECT_EQ(fecha.MonthBegin(text).AsDate(), DayCount(2023, 12, 1));
-  EXPECT_EQ(fecha.MonthEnd(text).AsDate(), DayCount(2023, 12, 31));
-  EXPECT_EQ(ToUtf8(text.AsText()), "15/12/2023");
-  Variant phrase(u"fin de mes");
-  EXPECT_EQ(ToUtf8(fecha.MonthBegin(phrase).AsText()), "fin de mes");
-  EXPECT_EQ(ToUtf8(fecha.MonthEnd(phrase).AsText()), "fin de mes");
-  Variant number(45000.5);
-  EXPECT_EQ(fecha.MonthBegin(number).AsDouble(), 45000.5);
-  Variant null = Variant::Null();
-  EXPECT_TRUE(fecha.MonthBegin(null).Is(Subtype::Null));
-  EXPECT_TRUE(fecha.MonthEnd(null).Is(Subtype::Null));
-}
-
-TEST(LibFecha, CdbDate) {
-  const LibFecha fecha;
-  const Date date = DayCount(2024, 2, 5);
-  struct Case {
-    Variant value;
-    const char16_t* pattern;
-    const char* text;
-  };
-  const Case kCases[] = {
-      {date, u"dd/mm/yyyy", "'05/02/2024'"},
-      {u"5/2/2024", u"yyyymmdd", "'20240205'"},
-      {date.days, u"yyyy-mm-dd", "'2024-02-05'"},
-      {std::int32_t{2}, u"dd/mm/yyyy", "'01/01/1900'"},
-      {Date{date.days + 0.75}, u"dd/mm/yyyy hh:nn", "'05/02/2024 18:00'"},
-  };
-  for (const Case& c : kCases)
-    EXPECT_EQ(ToUtf8(fecha.cdbDate(c.value, c.pattern)), c.text) << c.text;
-  EXPECT_EQ(Raised([&] { fecha.cdbDate(u"mañana", u"dd/mm/yyyy"); }), 13);
-  EXPECT_EQ(Raised([&] { fecha.cdbDate(1e9, u"dd/mm/yyyy"); }), 6);
-}
-
-TEST(LibFecha, Date2JulianPadsTheDay) {
-  const LibFecha fecha;
-  EXPECT_EQ(fecha.Date2Julian(DayCount(2024, 2, 5)), 2024036);
-  EXPECT_EQ(fecha.Date2Julian(Date{DayCount(2024, 12, 31).days + 0.999}), 2024366);
-  EXPECT_EQ(fecha.Date2Julian(DayCount(100, 1, 1)), 100001);
-  EXPECT_EQ(Raised([&] { fecha.Date2Julian(Date{1e9}); }), 5);
-}
-
-TEST(LibFecha, LeapYears) {
-  const LibFecha fecha;
-  struct Case {
-    std::int16_t year;
-    bool leap;
-  };
-  for (const auto& [year, leap] : {Case{1900, false},
-                                   {2000, true},
-                                   {2024, true},
-                                   {0, true},
-                                   {24, true},
-                                   {30, false},
-                                   {96, true},
-                                   {9996, true}}) {
-    std::int16_t number = year;
-    EXPECT_EQ(fecha.IsLeapYear(number), leap) << year;
-  }
-  for (std::int16_t year : {std::int16_t{-4}, std::int16_t{10000}, std::int16_t{32767}})
-    EXPECT_EQ(Raised([&] { fecha.IsLeapYear(year); }), 5) << year;
-}
-
 std::string Joined(const Collection& collection) {
   std::string joined;
   for (const Variant& item : collection) joined += ToUtf8(item.AsText()) + " ";
@@ -150,15 +76,18 @@ TEST(LibFecha, ClockOutsideTheCalendarLeavesNoNames) {
   EXPECT_EQ(fecha.MesesDelAno()->Count(), 12);
 }
 
-TEST(LibFecha, DateTextsOfValues) {
-  const LibFecha fecha;
-  EXPECT_EQ(ToUtf8(fecha.DateDiffStr(u"15/01/2022", DayCount(2023, 3, 18))),
-            "1 Año 2 Meses y 3 Días");
-  EXPECT_EQ(Raised([&] { fecha.DateDiffStr(u"hoy", Date{0}); }), 13);
-  std::int32_t seconds = 93784;
-  for (std::int16_t form : {std::int16_t{0}, std::int16_t{1}, std::int16_t{-1}})
-    EXPECT_EQ(ToUtf8(fecha.Duration(seconds, form)),
-              form == 0 ? "1d 02h:03m:04s" : "1 day, 2 hrs 3 mins 4 secs");
+TEST(LibFecha, SurvivesAClockThatDropsIt) {
+  auto fecha = Make<LibFecha>();
+  fecha->UseClock([&fecha, moment = DayCount(2024, 2, 29)] {
+    const Date now = moment;
+    fecha->UseClock(nullptr);
+    EXPECT_EQ(fecha->MesesDelAno()->Count(), 12);
+    fecha = nullptr;
+    return now;
+  });
+  LibFecha& target = *fecha;
+  EXPECT_EQ(target.MesesDelAno()->Count(), 12);
+  EXPECT_FALSE(fecha);
 }
 
 TEST(LibFecha, AnswersLateBound) {

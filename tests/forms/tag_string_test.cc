@@ -9,41 +9,6 @@
 namespace tovalin {
 namespace {
 
-struct TagCase {
-  const char16_t* tag;
-  int index;
-  const char* field;
-};
-
-TEST(GetTag, GivesTheFieldsThatASeparatorEnds) {
-  const TagCase kCases[] = {
-      {u"a»b»", 1, "a"}, {u"a»b»", 2, "b"},  {u"a»b»", 5, ""}, {u"a»b»c", 3, ""},
-      {u"", 1, ""},      {u"", 0, ""},       {u"a»b»", 0, ""}, {u"»", 0, ""},
-      {u"»»x»", 1, ""},  {u"»»x»", 3, "x"},  {u"abc", 1, ""},  {u"ñandú»", 1, "ñandú"},
-      {u"a»»c»", 2, ""}, {u"a>>b>>", 1, ""},
-  };
-  const LibGeneral general;
-  for (const TagCase& c : kCases)
-    EXPECT_EQ(ToUtf8(general.GetTag(c.tag, static_cast<std::uint8_t>(c.index))), c.field)
-        << ToUtf8(c.tag) << " " << c.index;
-}
-
-TEST(LetTag, ChangesOneFieldAndNothingElse) {
-  const LibGeneral general;
-  EXPECT_EQ(ToUtf8(general.LetTag(u"a»b»c»", 2, u"XY")), "a»XY»c»");
-  EXPECT_EQ(ToUtf8(general.LetTag(u"a»b", 2, u"Z")), "a»b");
-  EXPECT_EQ(ToUtf8(general.LetTag(u"a»b»c", 1, u"")), "»b»c");
-  EXPECT_EQ(ToUtf8(general.LetTag(u"a»", 1, u"p»q")), "p»q»");
-  EXPECT_EQ(ToUtf8(general.LetTag(u"a»", 0, u"x")), "a»");
-}
-
-TEST(TagString, IndexZeroWithoutSeparatorIsAnInvalidArgument) {
-  const LibGeneral general;
-  EXPECT_EQ(RaisedBy([&] { general.GetTag(u"abc", 0); }).number, 5);
-  EXPECT_EQ(RaisedBy([&] { general.LetTag(u"abc", 0, u"x"); }).number, 5);
-  EXPECT_EQ(RaisedBy([&] { general.LetTag(u"", 0, u"x"); }).number, 5);
-}
-
 TEST(Separador, KeepsOneCharacter) {
   LibGeneral general;
   EXPECT_EQ(ToUtf8(ToText(general.Separador())), "»");

@@ -8,6 +8,8 @@
 
 #include "tovalin/campos.h"
 #include "tovalin/convert.h"
+#include "tovalin/dispatch.h"
+#include "tovalin/enumerador.h"
 
 namespace tovalin {
 namespace {
@@ -169,6 +171,81 @@ TEST(Iteration, StaysRightWhileItemsComeAndGo) {
     EXPECT_EQ(item.AsLong(), 1);
     doomed = nullptr;
   }
+}
+
+// What a late-bound walk meets: "key=item " for each item. Calls `change` at each.
+std::string LateBoundWalk(Object& list, const std::function<void(const std::string&)>& change) {
+  const MemberInfo* new_enum = list.Class().Find(kNewEnumId, MemberKind::Method);
+  EXPECT_TRUE(new_enum && new_enum->hidden);
+  Variant items;
+  EXPECT_FALSE(list.Invoke(u"_newenum", MemberKind::Method, {}, items));
+  const Ref<Object> walk = items.AsObject();
+  std::string met;
+  for (;;) {
+    Variant item;
+    Variant found;
+    Variant key;
+    Variant arguments[] = {Variant::ByReference(item)};
+    EXPECT_FALSE(walk->Invoke(u"Siguiente", MemberKind::Method, arguments, found));
+    EXPECT_FALSE(walk->Invoke(u"Clave", MemberKind::Get, {}, key));
+    if (!found.AsBoolean()) return met;
+    const auto record = item.Is(Subtype::Object) ? item.AsObject().As<Campo>() : Ref<Campo>();
+    const std::string shown = ToUtf8(record ? record->Name() : ToText(item));
+    met += ToUtf8(key.AsText()) + "=" + shown + " ";
+    change(shown);
+  }
+}
+
+TEST(Iteration, WorksLateBound) {
+  auto collection = Make<Collection>();
+  collection->Add(u"a", u"Uno");
+  collection->Add(u"b");
+  collection->Add(u"c", u"Tres");
+  EXPECT_EQ(LateBoundWalk(*collection, [](const std::string&) {}), "Uno=a =b Tres=c ");
+  EXPECT_EQ(LateBoundWalk(*collection,
+                          [&](const std::string& item) {
+                            if (item != "a") return;
+                            collection->Remove(u"Uno");
+                            collection->Add(u"d");
+                          }),
+            "Uno=a =b Tres=c =d ");
+  Variant keys;
+  EXPECT_FALSE(collection->Invoke(u"Claves", MemberKind::Get, {}, keys));
+  EXPECT_EQ(LateBoundWalk(*keys.AsObject(), [](const std::string&) {}), "= =Tres = ");
+
+  auto table = Make<Campos>();
+  table->Add(Make<Campo>(u"Saldo"));
+  table->Add(Make<Campo>(u"Tasa"));
+  table->Item(u"Tasa")->LetName(u"Otro");
+  EXPECT_EQ(LateBoundWalk(*table, [](const std::string&) {}), "Saldo=Saldo Tasa=Otro ");
+  EXPECT_EQ(table->Claves()->Item(std::int32_t{2}).AsText(), u"Tasa");
+}
+
+TEST(Iteration, StartsAgainAndOutlivesItsList) {
+  auto collection = Make<Collection>();
+  collection->Add(1.0);
+  const Ref<Enumerador> items = collection->NewEnum();
+  Variant item;
+  collection->Remove(1);
+  EXPECT_FALSE(items->Siguiente(item));
+  collection->Add(2.0);
+  EXPECT_FALSE(items->Siguiente(item));  // it has ended
+  items->Reiniciar();
+  collection = nullptr;  // the walk holds it
+  EXPECT_TRUE(items->Siguiente(item));
+  EXPECT_EQ(item.AsDouble(), 2.0);
+  Ref<Enumerador> of_a_local;
+  {
+    Collection local;
+    local.Add(3.0);
+    of_a_local = local.NewEnum();
+  }
+  EXPECT_FALSE(of_a_local->Siguiente(item));
+  // A walk that assigns into the variable that holds it.
+  Variant self = Variant(items);
+  items->Reiniciar();
+  EXPECT_TRUE(items->Siguiente(self));
+  EXPECT_EQ(self.AsDouble(), 2.0);
 }
 
 TEST(Campos, KeepsRecordsUnderTheirNames) {

@@ -13,6 +13,8 @@ foreach(case_file ${case_files})
                                      ${PROJECT_SOURCE_DIR} ${cases_left_out})
   list(APPEND tool_tests tool.${name})
 endforeach()
+add_test(NAME tool.conformance COMMAND tovalin_tool selftest ${PROJECT_SOURCE_DIR}/tests/conformance)
+list(APPEND tool_tests tool.conformance)
 if(NOT WIN32)  # signals
   add_test(NAME tool.follow_trace COMMAND ${CMAKE_CURRENT_LIST_DIR}/follow_trace.sh
                                           $<TARGET_FILE:tovalin_tool>)
@@ -31,6 +33,9 @@ set_tests_properties(
   ${tool_tests}
   PROPERTIES TIMEOUT 300 ENVIRONMENT
              "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config;XDG_RUNTIME_DIR=${PROJECT_BINARY_DIR}/run")
+# Each of some thousand formulas is computed in six ways: minutes, under sanitizers
+# on a busy machine.
+set_tests_properties(tool.conformance PROPERTIES TIMEOUT 600)
 if(WIN32)
   # It looks at the last evaluation of the user, who is the same for all tests.
   set_tests_properties(tool.vocabulary PROPERTIES RUN_SERIAL ON)

@@ -3,14 +3,16 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "evaluator/builtin_families.h"
+#include "evaluator/functions.h"
 #include "tovalin/convert.h"
 #include "tovalin/error.h"
 
 // How the built-in functions read their arguments. Every conversion is one of
 // tovalin/convert.h, so that all functions answer the same mistake alike.
 
-namespace tovalin::builtins {
+namespace tovalin::functions {
+
+using Arguments = std::span<const Variant>;
 
 /// The text of any value, without a copy when the value is a text.
 class TextArgument {
@@ -40,16 +42,4 @@ inline std::size_t CountArgument(const Variant& value) {
   return static_cast<std::size_t>(count);
 }
 
-/// A function of its first argument, Null when that is Null.
-template <BuiltinCall kCall>
-Variant NullFirst(Arguments arguments, const BuiltinContext& context) {
-  return arguments.front().Is(Subtype::Null) ? Variant::Null() : kCall(arguments, context);
-}
-
-/// A function of its last argument, Null when that is Null.
-template <BuiltinCall kCall>
-Variant NullLast(Arguments arguments, const BuiltinContext& context) {
-  return arguments.back().Is(Subtype::Null) ? Variant::Null() : kCall(arguments, context);
-}
-
-}  // namespace tovalin::builtins
+}  // namespace tovalin::functions
