@@ -4,7 +4,7 @@
 
 declare -A packages=(
   [build]="g++ cmake ninja-build libcli11-dev"
-  [test]="libgtest-dev libgmock-dev pkgconf valgrind libicu-dev libnumbertext-dev"
+  [test]="libgtest-dev libgmock-dev libicu-dev libnumbertext-dev pkgconf valgrind"
   [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix libcli11-dev googletest wine wine64"
   [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"
   [bench]="libbenchmark-dev libmuparser-dev liblua5.4-dev pkgconf"

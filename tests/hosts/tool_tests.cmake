@@ -13,7 +13,7 @@ foreach(name ${tool_cases})
                    ${cases_left_out})
   list(APPEND tool_tests tool.${name})
 endforeach()
-add_test(NAME tool.conformance COMMAND ${tool} selftest ${PROJECT_SOURCE_DIR}/tests/conformance)
+add_test(NAME tool.conformance COMMAND tovalin_tool selftest ${PROJECT_SOURCE_DIR}/tests/conformance)
 list(APPEND tool_tests tool.conformance)
 if(NOT WIN32)  # signals
   add_test(NAME tool.follow_trace COMMAND ${CMAKE_CURRENT_LIST_DIR}/follow_trace.sh
