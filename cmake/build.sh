@@ -3,10 +3,10 @@
 # and how everything is configured.
 
 declare -A packages=(
-  [build]="g++ cmake ninja-build libcli11-dev"
+  [build]="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev"
   [test]="libgtest-dev libgmock-dev pkgconf libicu-dev libnumbertext-dev"
-  [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix"
-  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"
+  [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev"
+  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev nlohmann-json3-dev"
   [bench]="libbenchmark-dev libmuparser-dev liblua5.4-dev pkgconf"
   [format]="git clang-format-14"
 )

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/replaced_file.h"
 #include "hosts/csv_parser.h"
 #include "hosts/input.h"
-#include "hosts/replaced_file.h"
 #include "tovalin/text.h"
 
 namespace tovalin::tool {
