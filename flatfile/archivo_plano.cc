@@ -9,6 +9,7 @@
 #include "flatfile/problem.h"
 #include "flatfile/schema_ini.h"
 #include "flatfile/text_file.h"
+#include "flatfile/words.h"
 #include "frame/replaced_file.h"
 #include "tovalin/convert.h"
 
@@ -40,13 +41,15 @@ class ArchivoPlano::Core {
     return layout;
   }
   void Set(Layout value) { layout = std::make_shared<const Layout>(std::move(value)); }
-  void Begin(const Layout& used) {
+  const Layout* Begin(const std::shared_ptr<const Layout>& begun) {
+    const Layout& used = *begun;
     log = flat::ErrorLog(static_cast<std::size_t>(limit));
     refused = 0;
     published = false;
     records.assign(used.records.size(), 0);
     kinds.clear();
     for (const RecordLayout& record : used.records) kinds.push_back(record.name);
+    return &used;
   }
 };
 
@@ -141,6 +144,15 @@ void ArchivoPlano::DesdeExport(const Ref<clsFileExport>& vExport, const Ref<Camp
 
 Ref<Collection> ArchivoPlano::Columnas() const { return ToCollection(NamesOf(*core_->Required())); }
 
+Ref<Collection> ArchivoPlano::ClasesDeRegistro(const Text& oPapel) const {
+  const auto role = flat::FindWord<Role>(flat::kRoleWords, ToUtf8(ToLower(oPapel)));
+  if (!oPapel.empty() && !role) Raise(Failure::InvalidArgument);
+  std::vector<Text> names;
+  for (const RecordLayout& record : core_->Required()->records)
+    if (!role || record.role == *role) names.push_back(record.name);
+  return ToCollection(names);
+}
+
 Ref<Collection> ArchivoPlano::CamposDe(const Text& oRegistro) const {
   const auto layout = core_->Required();
   std::vector<Text> names;
@@ -186,21 +198,41 @@ void ArchivoPlano::SetEvaluadorDeFormulas(const Ref<Evaluador>& NewValue) {
 bool ArchivoPlano::PermitirParcial() const { return core_->partial; }
 void ArchivoPlano::LetPermitirParcial(bool NewValue) { core_->partial = NewValue; }
 
-bool ArchivoPlano::Escribir(const std::function<bool(Fila&)>& fuente,
-                            std::span<const Text> columnas, const Text& vArchivo) {
-  const Ref<ArchivoPlano> alive = Hold(*this);
-  const auto layout = core_->Required();
-  const Running running(core_->busy);
-  core_->Begin(*layout);
-  const flat::WriteContext context{
-      {columnas.begin(), columnas.end()}, core_->parameters, core_->evaluator};
-  flat::FileWriter writer(*layout, context, vArchivo, core_->log);
-  for (Fila row; fuente(row); row = {}) writer.Write(row.valores, row.registro);
-  core_->published = writer.Finish(core_->partial);
-  core_->refused = writer.Refused();
-  core_->records = writer.Records();
-  return core_->published && core_->log.Count() == 0;
+class ArchivoPlano::Escritura::Core {
+ public:
+  Core(ArchivoPlano& file, std::span<const Text> columns, const Text& path)
+      : alive_(Hold(file)),
+        file_(*file.core_),
+        layout_(file_.Required()),
+        running_(file_.busy),
+        context_{{columns.begin(), columns.end()}, file_.parameters, file_.evaluator},
+        writer_(*file_.Begin(layout_), context_, path, file_.log) {}
+
+  void Write(std::span<const Variant> values, TextView kind) { writer_.Write(values, kind); }
+  bool Finish() {
+    file_.published = writer_.Finish(file_.partial);
+    file_.refused = writer_.Refused();
+    file_.records = writer_.Records();
+    return file_.published && file_.log.Count() == 0;
+  }
+
+ private:
+  Ref<ArchivoPlano> alive_;
+  ArchivoPlano::Core& file_;
+  std::shared_ptr<const Layout> layout_;
+  Running running_;
+  flat::WriteContext context_;
+  flat::FileWriter writer_;
+};
+
+ArchivoPlano::Escritura::Escritura(ArchivoPlano& archivo, std::span<const Text> columnas,
+                                   const Text& vArchivo)
+    : core_(std::make_unique<Core>(archivo, columnas, vArchivo)) {}
+ArchivoPlano::Escritura::~Escritura() = default;
+void ArchivoPlano::Escritura::Fila(std::span<const Variant> valores, TextView registro) {
+  core_->Write(valores, registro);
 }
+bool ArchivoPlano::Escritura::Terminar() { return core_->Finish(); }
 
 bool ArchivoPlano::Escribir(const Variant& vDatos, const Text& vArchivo, const Text& oColumnas) {
   if (!vDatos.Is(Subtype::Array)) Raise(Failure::TypeMismatch);
@@ -211,43 +243,35 @@ bool ArchivoPlano::Escribir(const Variant& vDatos, const Text& vArchivo, const T
   if (names.size() > array.Columns())
     flat::RaiseFault("Datos", "el arreglo tiene " + std::to_string(array.Columns()) +
                                   " columnas y se esperan " + std::to_string(names.size()));
-  std::size_t next = 0;
-  return Escribir(
-      [&](Fila& row) {
-        if (next == array.Rows()) return false;
-        row.valores = {&array.At(0, next++), array.Columns()};
-        return true;
-      },
-      names, vArchivo);
+  Escritura writing(*this, names, vArchivo);
+  for (std::size_t row = 0; row < array.Rows(); ++row)
+    writing.Fila({&array.At(0, row), array.Columns()});
+  return writing.Terminar();
 }
 
 bool ArchivoPlano::EscribirFilas(const Text& vArchivo, const Text& oColumnas) {
   const std::vector<Text> names =
       oColumnas.empty() ? NamesOf(*core_->Required()) : SplitNames(oColumnas);
-  std::int32_t number = 0;
+  Escritura writing(*this, names, vArchivo);
   std::vector<Variant> values;
-  Text kind;
-  return Escribir(
-      [&](Fila& row) {
-        auto given = Make<Collection>();
-        bool any = false;
-        kind.clear();
-        PedirFila.Raise(++number, given, kind, any);
-        if (!any) return false;
-        values.clear();
-        if (given) values = given->List().Items();
-        for (Variant& value : values) value = Variant(value.Value());
-        row = {values, kind};
-        return true;
-      },
-      names, vArchivo);
+  for (std::int32_t number = 1;; ++number) {
+    auto given = Make<Collection>();
+    Text kind;
+    bool any = false;
+    PedirFila.Raise(number, given, kind, any);
+    if (!any) return writing.Terminar();
+    values.clear();
+    if (given) values = given->List().Items();
+    for (Variant& value : values) value = Variant(value.Value());
+    writing.Fila(values, kind);
+  }
 }
 
 bool ArchivoPlano::LeerFilas(const std::function<bool(const Leida&)>& toma, const Text& vArchivo) {
   const Ref<ArchivoPlano> alive = Hold(*this);
   const auto layout = core_->Required();
   const Running running(core_->busy);
-  core_->Begin(*layout);
+  core_->Begin(layout);
   flat::FileReader reader(*layout, vArchivo, core_->log);
   const auto keep = [&] {
     core_->refused = reader.Refused();
@@ -306,10 +330,7 @@ bool ArchivoPlano::Convertir(const Ref<ArchivoPlano>& vOrigen, const Text& vEntr
                              const Text& vArchivo) {
   if (!vOrigen) Raise(Failure::ObjectNotSet);
   if (vOrigen.get() == this) Raise(Failure::InvalidArgument);
-  const Ref<ArchivoPlano> alive = Hold(*this);
   const auto source = vOrigen->core_->Required();
-  const auto layout = core_->Required();
-  const Running running(core_->busy);
   // The columns are the fields of all details; a record leaves those of other kinds Null.
   std::vector<Text> names;
   std::vector<std::vector<std::size_t>> places(source->records.size());
@@ -322,9 +343,7 @@ bool ArchivoPlano::Convertir(const Ref<ArchivoPlano>& vOrigen, const Text& vEntr
       if (found == names.end()) names.push_back(field.name);
     }
   }
-  core_->Begin(*layout);
-  const flat::WriteContext context{names, core_->parameters, core_->evaluator};
-  flat::FileWriter writer(*layout, context, vArchivo, core_->log);
+  Escritura writing(*this, names, vArchivo);
   std::vector<Variant> row;
   const bool clean = vOrigen->LeerFilas(
       [&](const Leida& read) {
@@ -333,15 +352,14 @@ bool ArchivoPlano::Convertir(const Ref<ArchivoPlano>& vOrigen, const Text& vEntr
         row.assign(names.size(), Variant::Null());
         for (std::size_t i = 0; i < read.valores.size(); ++i)
           row[places[kind][i]] = read.valores[i];
-        writer.Write(row, {});
+        writing.Fila(row);
         return true;
       },
       vEntrada);
   for (const Fallo& fault : vOrigen->Fallos()) core_->log.Add(fault);
-  core_->published = (clean || core_->partial) && writer.Finish(core_->partial);
-  core_->refused = writer.Refused() + vOrigen->FilasRechazadas();
-  core_->records = writer.Records();
-  return core_->published && clean && core_->log.Count() == 0;
+  const bool written = (clean || core_->partial) && writing.Terminar();
+  core_->refused += vOrigen->core_->refused;
+  return written && clean;
 }
 
 const std::vector<ArchivoPlano::Fallo>& ArchivoPlano::Fallos() const { return core_->log.Faults(); }

@@ -37,6 +37,9 @@ constexpr MemberInfo kMembers[] = {
     Get<&Plano::Columnas>(8, u"Columnas", u"Los nombres de las columnas de las filas, en su orden"),
     Method<&Plano::CamposDe>(9, u"CamposDe", {Optional(u"oRegistro", u"")},
                              u"Los nombres de los campos de un registro, o del primer detalle"),
+    Method<&Plano::ClasesDeRegistro>(
+        26, u"ClasesDeRegistro", {Optional(u"oPapel", u"")},
+        u"Los nombres de las clases de registros: todas, o las de inicio, detalle o fin"),
     Get<&Plano::Parametro>(10, u"Parametro", kParameterDoc, {{u"Nombre"}}),
     Let<&Plano::LetParametro>(10, u"Parametro", kParameterDoc, {{u"Nombre"}, {u"NewValue"}}),
     Get<&Plano::EvaluadorDeFormulas>(11, u"EvaluadorDeFormulas", kEvaluatorDoc),

@@ -115,13 +115,15 @@ void FieldWriter::FormText(const Variant& value) {
 }
 
 void FieldWriter::FormLogical(const Variant& value) {
-  const auto is_text = [&](const Text& text) {
-    return value.Is(Subtype::String) && value.AsText() == text;
+  const auto is = [&](const Text& text, TextView word) {
+    return value.Is(Subtype::String) &&
+           (value.AsText() == text || EqualFolded(value.AsText(), word));
   };
   const bool is_boolean = value.Is(Subtype::Boolean);
-  if (!is_boolean && !is_text(field_.true_text) && !is_text(field_.false_text))
+  const bool is_true = is(field_.true_text, u"True");
+  if (!is_boolean && !is_true && !is(field_.false_text, u"False"))
     throw Problem{"no es un valor lógico"};
-  const bool truth = is_boolean ? value.AsBoolean() : is_text(field_.true_text);
+  const bool truth = is_boolean ? value.AsBoolean() : is_true;
   length_ = encoder_.Append(bytes_, truth ? field_.true_text : field_.false_text);
 }
 

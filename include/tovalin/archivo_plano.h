@@ -69,6 +69,9 @@ class TOVALIN_API ArchivoPlano : public Object {
 
   /// The names of the columns that rows have, in their order.
   Ref<Collection> Columnas() const;
+  /// The names of the kinds of records in their order: all, or those of one part of the file,
+  /// "inicio", "detalle" or "fin". Raises 5 for another.
+  Ref<Collection> ClasesDeRegistro(const Text& oPapel = {}) const;
   /// The names of the fields of a kind of record, by default the first detail.
   Ref<Collection> CamposDe(const Text& oRegistro = {}) const;
 
@@ -135,15 +138,23 @@ class TOVALIN_API ArchivoPlano : public Object {
   };
   const std::vector<Fallo>& Fallos() const;
 
-  /// A row to be written: values in the order of the columns.
-  struct Fila {
-    std::span<const Variant> valores;
-    TextView registro;  // chooses the kind, if not empty
+  /// A file that is being written row by row. It holds its ArchivoPlano, which can write
+  /// and read nothing else meanwhile.
+  class TOVALIN_API Escritura {
+   public:
+    Escritura(ArchivoPlano& archivo, std::span<const Text> columnas, const Text& vArchivo);
+    /// Without Terminar nothing is published.
+    ~Escritura();
+    /// Writes a row, whose values are in the order of the columns; a name in `registro`
+    /// chooses its kind of record. What is wrong with it is in Fallos.
+    void Fila(std::span<const Variant> valores, TextView registro = {});
+    /// Publishes the file: see ArchivoPlano::Escribir.
+    bool Terminar();
+
+   private:
+    class Core;
+    std::unique_ptr<Core> core_;
   };
-  /// Escribir with rows from a function that answers whether there was one more. What it
-  /// points to must stay until the next call.
-  bool Escribir(const std::function<bool(Fila&)>& fuente, std::span<const Text> columnas,
-                const Text& vArchivo);
   /// A record that was read: values in the order of CamposDe.
   struct Leida {
     std::int64_t numero;
