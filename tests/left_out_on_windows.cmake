@@ -6,4 +6,5 @@ set(sources_left_out
 )
 set(tests_left_out
     Failures.OfAFullDisk  # /dev/full, and a link to it
+    FlatFile.AFileThatCannotBeThereIsRaised
 )

@@ -9,7 +9,9 @@ endforeach()
 add_test(NAME tool.archivos_page COMMAND ${CMAKE_CURRENT_LIST_DIR}/page_cases.sh
                                          $<TARGET_FILE:tovalin_tool>
                                          ${PROJECT_SOURCE_DIR}/docs/archivos.md ${PROJECT_SOURCE_DIR})
-list(APPEND tool_tests tool.archivos_page)
+add_test(NAME tool.flat_kill COMMAND ${CMAKE_CURRENT_LIST_DIR}/flat_kill.sh
+                                     $<TARGET_FILE:tovalin_tool>)
+list(APPEND tool_tests tool.archivos_page tool.flat_kill)
 add_test(NAME tool.follow_trace COMMAND ${CMAKE_CURRENT_LIST_DIR}/follow_trace.sh
                                         $<TARGET_FILE:tovalin_tool>)
 list(APPEND tool_tests tool.follow_trace)
