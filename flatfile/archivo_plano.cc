@@ -1,6 +1,7 @@
 #include "tovalin/archivo_plano.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "flatfile/export_layout.h"
 #include "flatfile/file_reader.h"
@@ -230,9 +231,13 @@ ArchivoPlano::Escritura::Escritura(ArchivoPlano& archivo, std::span<const Text> 
     : core_(std::make_unique<Core>(archivo, columnas, vArchivo)) {}
 ArchivoPlano::Escritura::~Escritura() = default;
 void ArchivoPlano::Escritura::Fila(std::span<const Variant> valores, TextView registro) {
+  if (!core_) RaiseOwn(kClassName, u"La escritura ya terminó");
   core_->Write(valores, registro);
 }
-bool ArchivoPlano::Escritura::Terminar() { return core_->Finish(); }
+bool ArchivoPlano::Escritura::Terminar() {
+  if (!core_) RaiseOwn(kClassName, u"La escritura ya terminó");
+  return std::exchange(core_, nullptr)->Finish();
+}
 
 bool ArchivoPlano::Escribir(const Variant& vDatos, const Text& vArchivo, const Text& oColumnas) {
   if (!vDatos.Is(Subtype::Array)) Raise(Failure::TypeMismatch);

@@ -62,6 +62,8 @@ FieldWriter::FieldWriter(const Layout& layout, const FieldLayout& field)
       fill_(Encoded(encoder_, field.fill)),
       mark_(Encoded(encoder_, field.mark)) {
   if (field.IsMoment()) pattern_ = ParseDatePattern(field.pattern);
+  for (const char16_t c : {u'\n', u'\r', layout.delimiter, layout.quote})
+    if (c != 0 && !layout.fixed) breaks_[c] = true;  // checked to be ASCII
 }
 
 void FieldWriter::Append(std::string& record, const Variant& value) {
@@ -227,7 +229,8 @@ void FieldWriter::FormMoment(const Variant& value) {
 }
 
 void FieldWriter::AppendFixed(std::string& record) {
-  if (std::ranges::find_if(bytes_, [](char c) { return c == '\n' || c == '\r'; }) != bytes_.end())
+  if ((field_.type == FieldType::Text || is_null_) &&
+      bytes_.find_first_of("\r\n") != std::string::npos)
     throw Problem{"el texto tiene un fin de línea"};
   if (field_.width == 0) {
     record += bytes_;
@@ -262,32 +265,17 @@ void FieldWriter::AppendMisfit(std::string& record) const {
   }
 }
 
-void FieldWriter::RequirePlain() const {
-  const auto breaks = [this](char c) {
-    return c == '\n' || c == '\r' || c == static_cast<char>(layout_.delimiter);
-  };
-  if (std::ranges::any_of(bytes_, breaks))
-    throw Problem{"el texto tiene el separador o un fin de línea y va sin comillas"};
-}
-
 void FieldWriter::AppendDelimited(std::string& record) {
   const auto quote = static_cast<char>(layout_.quote);
-  const auto is_special = [&](char c) {
-    return c == '\n' || c == '\r' || c == static_cast<char>(layout_.delimiter) ||
-           (c == quote && layout_.quote != 0);
-  };
-  const bool is_text = field_.type == FieldType::Text && !is_null_;
-  bool quoted =
-      layout_.quotes == QuoteUse::Always || (is_text && layout_.quotes == QuoteUse::Texts);
+  const bool breaks = std::ranges::any_of(
+      bytes_, [this](char c) { return breaks_[static_cast<unsigned char>(c)]; });
+  const bool is_text = field_.type == FieldType::Text;
   // An empty text is no Null, and only quotes tell.
-  if (layout_.quotes != QuoteUse::Never && !is_null_)
-    quoted = quoted || (is_text && bytes_.empty()) || std::ranges::any_of(bytes_, is_special);
-  if (layout_.quote == 0 || layout_.quotes == QuoteUse::Never) quoted = false;
-  if (is_null_) quoted = false;
+  const bool quoted = !is_null_ && layout_.quote != 0 &&
+                      (breaks || layout_.quotes == QuoteUse::Always ||
+                       (is_text && (bytes_.empty() || layout_.quotes == QuoteUse::Texts)));
   if (!quoted) {
-    RequirePlain();
-    if (layout_.quote != 0 && bytes_.starts_with(quote))
-      throw Problem{"el texto comienza con la comilla y va sin comillas"};
+    if (breaks) throw Problem{"el texto tiene el separador o un fin de línea y va sin comillas"};
     record += bytes_;
     return;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -35,7 +36,6 @@ class FieldWriter {
   void AppendFixed(std::string& record);
   void AppendMisfit(std::string& record) const;
   void AppendDelimited(std::string& record);
-  void RequirePlain() const;
 
   const Layout& layout_;
   const FieldLayout& field_;
@@ -44,8 +44,9 @@ class FieldWriter {
   DatePattern pattern_;
   std::string fill_;  // the fill and the mark in the encoding
   std::string mark_;
-  std::string bytes_;       // of the present value, not yet filled or quoted
-  std::size_t length_ = 0;  // of it, in characters
+  std::array<bool, 256> breaks_{};  // the bytes that need quotes
+  std::string bytes_;               // of the present value, not yet filled or quoted
+  std::size_t length_ = 0;          // of it, in characters
   bool is_null_ = false;
   Text text_;
   Text cased_;

@@ -148,7 +148,7 @@ class TOVALIN_API ArchivoPlano : public Object {
     /// Writes a row, whose values are in the order of the columns; a name in `registro`
     /// chooses its kind of record. What is wrong with it is in Fallos.
     void Fila(std::span<const Variant> valores, TextView registro = {});
-    /// Publishes the file: see ArchivoPlano::Escribir.
+    /// Publishes the file: see ArchivoPlano::Escribir. The ArchivoPlano is free then.
     bool Terminar();
 
    private:

@@ -19,7 +19,7 @@ TEST_F(FlatMemory, WritingAndReadingKeepNoRows) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "the sanitizers keep freed memory";
 #endif
-  constexpr std::size_t kRows = 100'000;
+  constexpr std::size_t kRows = 40'000;
   const auto file = WithLayout(R"({"fields": [{"name": "A"}, {"name": "B", "type": "integer"}]})");
   const std::vector<Text> columns{u"A", u"B"};
   const auto write = [&](std::size_t rows) {
@@ -31,7 +31,7 @@ TEST_F(FlatMemory, WritingAndReadingKeepNoRows) {
   };
   write(1000);
   const std::int64_t before = StatusKilobytes("VmHWM:");
-  write(kRows);  // of which the file has 10 MB
+  write(kRows);  // of which the file has 4 MB
   EXPECT_LT(StatusKilobytes("VmHWM:") - before, 2048);
 
   // Each row is refused: the faults kept are few.

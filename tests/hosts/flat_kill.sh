@@ -3,7 +3,7 @@
 # is what was there before, or the whole new file, and never a part.
 #   flat_kill.sh TOOL [KILLS]
 set -euo pipefail
-tool=$1 kills=${2:-20}
+tool=$(realpath "$1") kills=${2:-20}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export XDG_CONFIG_HOME=$work/config
