@@ -57,10 +57,11 @@ std::size_t Encoder::Append(std::string& bytes, TextView text) const {
   // Most texts are plain: they are copied before anything is asked of them.
   const std::size_t start = bytes.size();
   bytes.resize(start + text.size());
+  char* target = bytes.data() + start;
   char16_t all = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    all |= text[i];
-    bytes[start + i] = static_cast<char>(text[i]);
+  for (const char16_t c : text) {
+    all |= c;
+    *target++ = static_cast<char>(c);
   }
   if (all < 0x80) return text.size();
   bytes.resize(start);

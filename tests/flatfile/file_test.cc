@@ -1,3 +1,5 @@
+#include <random>
+
 #include "flatfile/flat_fixture.h"
 
 namespace tovalin {
@@ -147,6 +149,40 @@ TEST_F(FlatFile, VerifyingFindsWhatWasChanged) {
   EXPECT_FALSE(file->Verificar(Path()));
 }
 
+// Whatever was done to a file or a layout, it is told and nothing worse.
+TEST_F(FlatFile, DamagedFilesAndLayoutsDoNoHarm) {
+  std::mt19937 random(94);
+  const auto damaged = [&](std::string bytes) {
+    static const std::string kBytes = "019A ;\"\r\n{}[]:,-x\xF1\xC3";
+    for (auto changes = 1 + random() % 3; changes > 0; --changes) {
+      const std::size_t at = random() % bytes.size();
+      const std::string byte(1, kBytes[random() % kBytes.size()]);
+      bytes.replace(at, random() % 2, byte.substr(random() % 2));
+    }
+    return bytes;
+  };
+  int faulty = 0;
+  for (int i = 0; i < 500; ++i) {
+    Put(damaged(kPayrollFile));
+    EXPECT_NO_THROW(faulty += !file->Verificar(Path()));
+  }
+  EXPECT_GT(faulty, 300);
+  int refused = 0;
+  for (int i = 0; i < 500; ++i) {
+    try {
+      const auto other = WithLayout(damaged(kPayroll));
+      other->LetParametro(u"Pago", Date{45356});
+      other->LetParametro(u"Factor", 2.0);
+      if (other->Escribir(Payments(), Path())) {
+        EXPECT_TRUE(other->Verificar(Path()));
+      }
+    } catch (const Error&) {
+      ++refused;
+    }
+  }
+  EXPECT_GT(refused, 100);
+}
+
 TEST_F(FlatFile, RowsComeFromEventsAndTheHostChoosesTheirKind) {
   file->PedirFila.Attach([](std::int32_t number, Ref<Collection>& values, Text& kind, bool& any) {
     any = number <= 2;
@@ -195,6 +231,22 @@ TEST_F(FlatFile, ConvertsFromOneLayoutToAnother) {
   EXPECT_FALSE(file->Convertir(ledger, Path("libro.csv"), Path()));
   EXPECT_EQ(Faults(*file), "2|detalle|Valor|0.291|no es un número del campo\n");
   EXPECT_EQ(Contents(), kPayrollFile);
+}
+
+// Records and quoted texts lie across the blocks that a file is read in.
+TEST_F(FlatFile, LongTextsComeBackWhole) {
+  const auto texts = WithLayout(Delimited(R"("type": "string")"));
+  std::vector<Row> rows;
+  for (std::size_t i = 0; i < 300; ++i) {
+    Text text(i * 7919 % 3000, static_cast<char16_t>(u'a' + i % 26));
+    for (std::size_t at = i; at < text.size(); at += 97) text[at] = u"\n\",ñ"[at % 4];
+    rows.push_back({text});
+  }
+  ASSERT_TRUE(texts->Escribir(TableOf(rows), Path())) << Faults(*texts);
+  const Variant read = texts->Leer(Path());
+  ASSERT_EQ(read.AsArray().Rows(), rows.size()) << Faults(*texts);
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    EXPECT_EQ(read.AsArray().At(0, i).AsText(), rows[i][0].AsText());
 }
 
 TEST_F(FlatFile, LateBoundHostsHaveItAll) {

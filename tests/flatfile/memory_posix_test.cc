@@ -28,6 +28,7 @@ TEST_F(FlatMemory, WritingAndReadingKeepNoRows) {
       writing.Fila(std::vector<Variant>{Text(100, u'x'), static_cast<std::int32_t>(row)});
     ASSERT_TRUE(writing.Terminar());
     ASSERT_TRUE(file->Verificar(Path()));
+    EXPECT_EQ(file->Registros(), static_cast<std::int32_t>(rows));
   };
   write(1000);
   const std::int64_t before = StatusKilobytes("VmHWM:");
