@@ -6,6 +6,7 @@
 
 #include "flatfile/characters.h"
 #include "flatfile/problem.h"
+#include "frame/guarded.h"
 
 namespace tovalin::flat {
 namespace {
@@ -14,21 +15,15 @@ constexpr std::size_t kBlock = std::size_t{1} << 16;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kNotFound = std::string::npos;
 
-[[noreturn]] void RaiseUnreadable(Failure failure, const Text& path) {
-  Error error = PlatformError(failure);
-  error.description.append(u": ").append(path);
-  throw error;
-}
-
 }  // namespace
 
 RecordSplitter::RecordSplitter(const Layout& layout, const Text& path)
     : layout_(layout), path_(path), file_(OpenFile(path, FileUse::Read)) {
   if (!file_)
-    RaiseUnreadable(errno == ENOENT   ? Failure::FileNotFound
-                    : errno == EACCES ? Failure::PermissionDenied
-                                      : Failure::PathAccess,
-                    path);
+    throw ErrorAbout(errno == ENOENT   ? Failure::FileNotFound
+                     : errno == EACCES ? Failure::PermissionDenied
+                                       : Failure::PathAccess,
+                     path);
   while (!at_end_ && buffer_.size() < kByteOrderMark.size()) ReadMore();
   if (!IsSingleByte(layout.encoding) && buffer_.starts_with(kByteOrderMark))
     begin_ = kByteOrderMark.size();
@@ -41,7 +36,7 @@ bool RecordSplitter::ReadMore() {
   buffer_.resize(size + kBlock);
   const std::size_t read = std::fread(buffer_.data() + size, 1, kBlock, file_.get());
   buffer_.resize(size + read);
-  if (read < kBlock && std::ferror(file_.get())) RaiseUnreadable(Failure::PathAccess, path_);
+  if (read < kBlock && std::ferror(file_.get())) throw ErrorAbout(Failure::PathAccess, path_);
   at_end_ = read == 0;
   return read > 0;
 }

@@ -2,17 +2,14 @@
 
 #include <cerrno>
 
+#include "frame/guarded.h"
 #include "frame/host_file.h"
 
 namespace tovalin::flat {
 
 std::string ReadWholeFile(const Text& path) {
   constexpr std::size_t kMost = std::size_t{1} << 24;
-  const auto raise = [&](Failure failure) {
-    Error error = PlatformError(failure);
-    error.description.append(u": ").append(path);
-    throw error;
-  };
+  const auto raise = [&](Failure failure) { throw ErrorAbout(failure, path); };
   const File file = OpenFile(path, FileUse::Read);
   if (!file)
     raise(errno == ENOENT   ? Failure::FileNotFound

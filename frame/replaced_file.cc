@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "frame/guarded.h"
 #include "frame/host_file.h"
 #include "frame/write_failure.h"
 
@@ -83,13 +84,10 @@ void ReplacedFile::Commit() {
 void ReplacedFile::RaiseUnwritable(int cause) const {
   const Failure failure = WriteFailure(cause);
   if (path_.empty() && failure == Failure::DiskFull) Raise(failure);
-  Error error = PlatformError(failure);
-  error.description += u": ";
   const std::u8string name = path_.u8string();
-  error.description += name.empty()
-                           ? Text(u"salida estándar")
-                           : FromUtf8({reinterpret_cast<const char*>(name.data()), name.size()});
-  throw error;
+  throw ErrorAbout(
+      failure, name.empty() ? Text(u"salida estándar")
+                            : FromUtf8({reinterpret_cast<const char*>(name.data()), name.size()}));
 }
 
 }  // namespace tovalin
