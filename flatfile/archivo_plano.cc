@@ -9,7 +9,6 @@
 #include "flatfile/text_file.h"
 #include "flatfile/words.h"
 #include "frame/guarded.h"
-#include "frame/host_file.h"
 #include "frame/replaced_file.h"
 
 // The layout and the properties; archivo_plano_files.cc writes and reads.
@@ -75,7 +74,7 @@ void ArchivoPlano::LeerDiseno(const Text& vArchivo) {
 }
 void ArchivoPlano::GuardarDiseno(const Text& vArchivo) const {
   RaisingErrors([&] {
-    ReplacedFile file(ToNativePath(vArchivo));
+    ReplacedFile file(flat::PathToWrite(vArchivo));
     file.Write(flat::WriteLayoutJson(*core_->Required()));
     file.Commit();
   });

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "flatfile/problem.h"
+#include "flatfile/text_file.h"
 #include "frame/guarded.h"
-#include "frame/host_file.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::flat {
@@ -32,7 +32,7 @@ FileWriter::FileWriter(const Layout& layout, const WriteContext& context, const 
       log_(log),
       formulas_(context.evaluator, context.columns, *context.parameters),
       totals_(layout),
-      file_(ToNativePath(path)),
+      file_(PathToWrite(path)),
       records_(layout.records.size()) {
   for (std::size_t record = 0; record < layout.records.size(); ++record) {
     kinds_.push_back({&layout.records[record], {}});

@@ -3,9 +3,13 @@
 #include <cerrno>
 
 #include "frame/guarded.h"
-#include "frame/host_file.h"
 
 namespace tovalin::flat {
+
+NativePath PathToWrite(const Text& path) {
+  if (path.empty()) Raise(Failure::BadFileName);
+  return ToNativePath(path);
+}
 
 std::string ReadWholeFile(const Text& path) {
   constexpr std::size_t kMost = std::size_t{1} << 24;

@@ -266,6 +266,23 @@ TEST_F(FlatFile, LateBoundHostsHaveItAll) {
   EXPECT_EQ(Contents(), kPayrollFile);
   EXPECT_EQ(call(u"Verificar", MemberKind::Method, {Path()}), "");
   EXPECT_TRUE(result.AsBoolean());
+
+  int seen = 0;
+  object->Attach(u"FilaLeida", [&](std::span<Variant> arguments) {
+    ++seen;
+    arguments[3].Assign(true);  // Cancelar
+  });
+  EXPECT_EQ(call(u"LeerFilas", MemberKind::Method, {Path()}), "");
+  EXPECT_EQ(seen, 1);
+  object->Attach(u"PedirFila", [&](std::span<Variant> arguments) {
+    const Ref<Collection> values = arguments[1].Value().AsObject().As<Collection>();
+    for (const char16_t* value : {u"A", u"1", u"1"}) values->Add(value);
+    arguments[3].Assign(arguments[0].AsLong() <= 3);  // Hay
+  });
+  EXPECT_EQ(call(u"EscribirFilas", MemberKind::Method, {Path()}), "");
+  EXPECT_TRUE(result.AsBoolean());
+  EXPECT_EQ(call(u"Registros", MemberKind::Get, {u"abono"}), "");
+  EXPECT_EQ(result.AsLong(), 3);
 }
 
 TEST_F(FlatFile, AFileThatCannotBeThereIsRaised) {
@@ -279,6 +296,7 @@ TEST_F(FlatFile, AFileThatCannotBeThereIsRaised) {
   };
   EXPECT_EQ(number(Path("no\\existe\\archivo.txt")), 75);
   EXPECT_EQ(number(u"\\dev\\full"), 61);
+  EXPECT_EQ(number(u""), 52);
   EXPECT_THROW(file->Verificar(Path("ninguno.txt")), Error);
 }
 
