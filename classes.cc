@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "frame/object/guarded.h"
+#include "tovalin/archivo_plano.h"
 #include "tovalin/campos.h"
 #include "tovalin/cls_file_export.h"
 #include "tovalin/collection.h"
@@ -29,9 +30,9 @@ constexpr Creatable Row() {
 }
 
 constexpr Creatable kCreatable[] = {
-    Row<Evaluador>(),     Row<LibMonto>(),   Row<LibTexto>(), Row<LibFecha>(),
-    Row<clsFileExport>(), Row<LibGeneral>(), Row<LibFile>(),  Row<LibConstan>(),
-    Row<Collection>(),    Row<Campos>(),     Row<Campo>(),
+    Row<Evaluador>(),     Row<LibMonto>(),     Row<LibTexto>(),   Row<LibFecha>(),
+    Row<clsFileExport>(), Row<ArchivoPlano>(), Row<LibGeneral>(), Row<LibFile>(),
+    Row<LibConstan>(),    Row<Collection>(),   Row<Campos>(),     Row<Campo>(),
 };
 
 constexpr TextView kLibraryPrefix = u"Tovalin.";

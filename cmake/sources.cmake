@@ -56,6 +56,7 @@ set(TOVALIN_SOURCES
     frame/system/clock_windows.cc
     frame/system/host_file_posix.cc
     frame/system/host_file_windows.cc
+    frame/system/replaced_file.cc
     frame/system/stack_posix.cc
     frame/system/stack_windows.cc
     frame/system/write_failure.cc
@@ -117,6 +118,24 @@ set(TOVALIN_SOURCES
     export/output_file.cc
     export/record_writer.cc
     export/value_text.cc
+    flatfile/archivo_plano.cc
+    flatfile/archivo_plano_files.cc
+    flatfile/archivo_plano_members.cc
+    flatfile/characters.cc
+    flatfile/export_layout.cc
+    flatfile/field_reader.cc
+    flatfile/field_writer.cc
+    flatfile/file_reader.cc
+    flatfile/file_writer.cc
+    flatfile/formulas.cc
+    flatfile/layout_check.cc
+    flatfile/layout_json.cc
+    flatfile/moment.cc
+    flatfile/record_splitter.cc
+    flatfile/scaled_number.cc
+    flatfile/schema_ini.cc
+    flatfile/text_file.cc
+    flatfile/totals.cc
     forms/control.cc
     forms/focus.cc
     forms/host_services.cc
@@ -151,13 +170,13 @@ set(TOVALIN_TOOL_SOURCES
     hosts/cli/encoding.cc
     hosts/cli/export_command.cc
     hosts/cli/export_report.cc
+    hosts/cli/flat_command.cc
     hosts/cli/formula_cases.cc
     hosts/cli/formula_commands.cc
     hosts/cli/formula_table.cc
     hosts/cli/input.cc
     hosts/cli/main.cc
     hosts/cli/member_listing.cc
-    hosts/cli/replaced_file.cc
     hosts/cli/selftest_command.cc
     hosts/cli/system_posix.cc
     hosts/cli/system_windows.cc

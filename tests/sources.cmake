@@ -54,6 +54,14 @@ set(export_tests
     export/properties_test.cc
 )
 
+set(flatfile_tests
+    flatfile/field_test.cc
+    flatfile/file_test.cc
+    flatfile/layout_test.cc
+    flatfile/memory_posix_test.cc
+    flatfile/round_trip_test.cc
+)
+
 set(forms_tests
     forms/control_test.cc
     forms/focus_test.cc
@@ -90,6 +98,7 @@ set(tool_cases
     check
     eval
     export
+    flat
     selftest
     table
     vocabulary

@@ -28,4 +28,11 @@ enum class FileUse { Read, Write };  // Write creates or empties the file
 /// own. Empty, with the cause in errno, when it cannot be opened.
 File OpenFile(TextView path, FileUse use);
 
+/// std::fopen for any path of the system, closed to child processes.
+std::FILE* OpenStream(const std::filesystem::path& path, const char* mode);
+
+/// Sends what was flushed to the disk itself. False, with the cause in errno, when the
+/// disk does not take it; a file that cannot be sent, such as a pipe, counts as sent.
+bool SyncToDisk(std::FILE* file);
+
 }  // namespace tovalin

@@ -1,4 +1,8 @@
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <string>
 
 #include "frame/system/host_file.h"
 #include "tovalin/error.h"
@@ -16,6 +20,14 @@ File OpenFile(TextView path, FileUse use) {
   File file(std::fopen(ToNativePath(path).c_str(), use == FileUse::Read ? "rbe" : "wbe"));
   if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
   return file;
+}
+
+std::FILE* OpenStream(const std::filesystem::path& path, const char* mode) {
+  return std::fopen(path.c_str(), (std::string(mode) + 'e').c_str());
+}
+
+bool SyncToDisk(std::FILE* file) {
+  return fsync(fileno(file)) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 }  // namespace tovalin

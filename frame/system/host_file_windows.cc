@@ -1,3 +1,8 @@
+#include <io.h>
+
+#include <cstring>
+#include <string>
+
 #include "frame/system/host_file.h"
 #include "tovalin/error.h"
 
@@ -13,5 +18,12 @@ File OpenFile(TextView path, FileUse use) {
   if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
   return file;
 }
+
+std::FILE* OpenStream(const std::filesystem::path& path, const char* mode) {
+  const std::wstring wide(mode, mode + std::strlen(mode));
+  return _wfopen(path.c_str(), (wide + L'N').c_str());
+}
+
+bool SyncToDisk(std::FILE* file) { return _commit(_fileno(file)) == 0; }
 
 }  // namespace tovalin

@@ -89,6 +89,25 @@ struct ExportOptions {
 /// kFaults when the class answers False; what is on the disk is told then.
 int RunExport(const ExportOptions& options);
 
+struct FlatOptions {
+  std::string layout;
+  std::string input;
+  std::string output;    // empty: standard output
+  std::string encoding;  // of the CSV file, empty: UTF-8
+  std::string record;    // a kind of record
+  std::string section;   // of a schema.ini
+  std::vector<std::string> parameters;
+  bool partial = false;
+};
+/// The rows of a CSV file to a flat file. kFaults when rows were refused, with each fault
+/// on standard error.
+int RunFlatWrite(const FlatOptions& options);
+/// The records of a flat file to a CSV file.
+int RunFlatRead(const FlatOptions& options);
+int RunFlatVerify(const FlatOptions& options);
+/// Prints a layout as JSON, from JSON, a schema.ini or the description of an export.
+int RunFlatLayout(const FlatOptions& options);
+
 int RunFunctions();
 int RunOperators();
 int RunConstants();

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "frame/text/utf8.h"
+#include "hosts/cli/system.h"
 
 namespace tovalin::tool {
 namespace {
@@ -86,7 +87,7 @@ std::string SeparatorHint(const CsvRow& header) {
 }
 
 CsvWriter::CsvWriter(const std::string& path, Encoding encoding)
-    : file_(path), encoding_(encoding), buffer_(kBlock) {}
+    : file_(PathOf(path)), encoding_(encoding), buffer_(kBlock) {}
 
 // A field is written where it stays, without asking for room at every byte. `most` is
 // the most bytes that it may take.
@@ -167,7 +168,7 @@ void CsvWriter::Flush() {
   if (encoding_ == Encoding::CodePage1252)
     WriteInCodePage(utf8);
   else
-    file_.Write(utf8.data(), utf8.size());
+    file_.Write(utf8);
   used_ = 0;
   row_ = kFlushed;
 }
@@ -180,7 +181,7 @@ void CsvWriter::WriteInCodePage(std::string_view utf8) {
     RaiseOwn(u"tovalin", FromUtf8("La línea " + std::to_string(lines_) +
                                   " de la salida tiene un carácter que no está en la página de "
                                   "códigos 1252"));
-  file_.Write(encoded_.data(), encoded_.size());
+  file_.Write(encoded_);
 }
 
 void CsvWriter::Finish() {

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/system/replaced_file.h"
 #include "hosts/cli/csv_parser.h"
 #include "hosts/cli/input.h"
-#include "hosts/cli/replaced_file.h"
 #include "tovalin/text.h"
 
 namespace tovalin::tool {

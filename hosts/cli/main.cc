@@ -16,9 +16,9 @@ namespace tovalin::tool {
 namespace {
 
 constexpr const char* kExitCodes =
-    "Exit codes: 0 done; 1 faults in a formula, cells with errors, or an export that failed;\n"
-    "2 a raised error, told on standard error; 100 and more a command line that is not\n"
-    "understood. Of several lines or cells the worst counts.";
+    "Exit codes: 0 done; 1 faults in a formula, cells with errors, an export that failed,\n"
+    "or faults in a flat file; 2 a raised error, told on standard error; 100 and more a\n"
+    "command line that is not understood. Of several lines or cells the worst counts.";
 
 void AddSymbolOptions(CLI::App& command, SymbolOptions& options) {
   // One value after each option, as often as it is given: the formula may follow.
@@ -54,6 +54,14 @@ void AddExportOptions(CLI::App& command, ExportOptions& options) {
       ->required();
 }
 
+void AddLayoutOption(CLI::App& command, FlatOptions& options) {
+  command
+      .add_option("--layout", options.layout,
+                  "The layout: JSON, a schema.ini or the .ref of an export")
+      ->required();
+  command.add_option("--section", options.section, "Of the schema.ini, by default the first");
+}
+
 // A formula may begin with "-": a blank in front keeps it from being taken for
 // an option.
 std::vector<std::string> ShieldFormulas(std::vector<std::string> arguments) {
@@ -81,6 +89,7 @@ class CommandLine {
     app_.set_version_flag("--version", std::string("tovalin ") + kVersion);
     AddFormulaCommands();
     AddFileCommands();
+    AddFlatCommands();
     AddOtherCommands();
   }
 
@@ -148,6 +157,37 @@ class CommandLine {
                      export_);
   }
 
+  void AddFlatCommands() {
+    CLI::App& flat = *app_.add_subcommand("flat", "Flat files by a layout");
+    flat.require_subcommand(1);
+    const auto add = [&](const char* name, const char* help, int (*run)(const FlatOptions&)) {
+      CLI::App* command = flat.add_subcommand(name, help);
+      command->callback([this, run] { chosen_ = [this, run] { return run(flat_); }; });
+      return command;
+    };
+    CLI::App* write = add("write", "Writes the rows of a CSV file", RunFlatWrite);
+    CLI::App* read = add("read", "Reads a flat file as CSV", RunFlatRead);
+    CLI::App* verify = add("verify", "Checks a flat file, its counts and totals", RunFlatVerify);
+    for (CLI::App* command : {write, read, verify}) {
+      AddLayoutOption(*command, flat_);
+      command->add_option("IN", flat_.input, "The file to be read")->required();
+    }
+    for (CLI::App* command : {write, read})
+      AddEncoding(*command, flat_.encoding, "Of the CSV file: utf-8 (the default) or 1252");
+    write->add_option("-o,--output", flat_.output, "The flat file, whole or not at all")
+        ->required();
+    read->add_option("-o,--output", flat_.output, "The CSV file, whole or not at all");
+    write->add_option("--param", flat_.parameters, "A value of headers and trailers, NAME=VALUE")
+        ->take_all()
+        ->allow_extra_args(false);
+    write->add_flag("--partial", flat_.partial, "Publishes the file without the rows refused");
+    read->add_option("--record", flat_.record, "The kind of record, by default the first detail");
+    CLI::App* layout = add("layout", "Prints a layout as JSON", RunFlatLayout);
+    layout->add_option("--from", flat_.layout, "JSON, a schema.ini or the .ref of an export")
+        ->required();
+    layout->add_option("--section", flat_.section, "Of the schema.ini, by default the first");
+  }
+
   void AddOtherCommands() {
     Add("functions", "Lists the functions", RunFunctions);
     Add("operators", "Lists the operators", RunOperators);
@@ -174,6 +214,7 @@ class CommandLine {
   CLI::Option* lines_option_ = nullptr;
   TableOptions table_;
   ExportOptions export_;
+  FlatOptions flat_;
   bool follow_ = false;
   std::vector<std::string> tables_;
   CLI::App* call_ = nullptr;

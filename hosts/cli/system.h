@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/system/host_file.h"
+
 // What the tool asks of the system that it runs on.
 
 namespace tovalin::tool {
@@ -21,9 +23,6 @@ void UseBytes();
 inline std::filesystem::path PathOf(std::string_view utf8) {
   return std::u8string(utf8.begin(), utf8.end());
 }
-
-/// fopen for any path.
-std::FILE* OpenStream(const std::filesystem::path& path, const char* mode);
 
 /// While one exists, being asked to end waits to be noticed.
 class EndRequest {

@@ -21,10 +21,6 @@ std::vector<std::string> Arguments(int count, char** values) {
 
 void UseBytes() {}
 
-std::FILE* OpenStream(const std::filesystem::path& path, const char* mode) {
-  return std::fopen(path.c_str(), mode);
-}
-
 EndRequest::EndRequest() {
   const sigset_t signals = EndSignals();
   sigprocmask(SIG_BLOCK, &signals, nullptr);

@@ -53,10 +53,6 @@ void UseBytes() {
   static const Utf8Console console;
 }
 
-std::FILE* OpenStream(const std::filesystem::path& path, const char* mode) {
-  return _wfopen(path.c_str(), std::wstring(mode, mode + std::strlen(mode)).c_str());
-}
-
 EndRequest::EndRequest() {
   end_event = CreateEventW(nullptr, true, false, nullptr);
   SetConsoleCtrlHandler(&OnEnd, true);

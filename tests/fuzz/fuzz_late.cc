@@ -27,6 +27,16 @@ constexpr Restriction kRestrictions[] = {
     {u"Ejecutar", -1},                   // runs commands
     {u"FileToText", 0},                  // reads what may have no end, such as /dev/zero
     {u"GenerarArchivoPlanoDesdeBD", 3},  // writes and replaces files
+    {u"GuardarDiseno", 0},               // the same, and reads
+    {u"LeerDiseno", 0},
+    {u"LeerSchemaIni", 0},
+    {u"LeerDescripcion", 0},
+    {u"Escribir", 1},
+    {u"EscribirFilas", 0},
+    {u"Convertir", -1},  // two paths
+    {u"Leer", 0},
+    {u"LeerFilas", 0},
+    {u"Verificar", 0},
 };
 
 class Silence : public SettingsStore {

@@ -13,6 +13,13 @@ foreach(name ${tool_cases})
                    ${cases_left_out})
   list(APPEND tool_tests tool.${name})
 endforeach()
+if(NOT WIN32)  # signals, and a page that shows another system's paths
+  add_test(NAME tool.archivos_page
+           COMMAND ${CMAKE_CURRENT_LIST_DIR}/page_cases.sh ${tool}
+                   ${PROJECT_SOURCE_DIR}/docs/archivos.md ${PROJECT_SOURCE_DIR})
+  add_test(NAME tool.flat_kill COMMAND ${CMAKE_CURRENT_LIST_DIR}/flat_kill.sh ${tool})
+  list(APPEND tool_tests tool.archivos_page tool.flat_kill)
+endif()
 add_test(NAME tool.conformance COMMAND tovalin_tool selftest ${PROJECT_SOURCE_DIR}/tests/conformance)
 list(APPEND tool_tests tool.conformance)
 if(NOT WIN32)  # signals

@@ -1,15 +1,15 @@
-#include "hosts/cli/replaced_file.h"
+#include "frame/system/replaced_file.h"
 
 #include <cerrno>
-#include <filesystem>
 #include <random>
+#include <string>
 #include <utility>
 
+#include "frame/object/guarded.h"
+#include "frame/system/host_file.h"
 #include "frame/system/write_failure.h"
-#include "hosts/cli/input.h"
-#include "hosts/cli/system.h"
 
-namespace tovalin::tool {
+namespace tovalin {
 namespace {
 
 namespace fs = std::filesystem;
@@ -26,7 +26,7 @@ fs::path TemporaryName(fs::path path) {
 
 }  // namespace
 
-ReplacedFile::ReplacedFile(std::string path) : path_(std::move(path)) {
+ReplacedFile::ReplacedFile(fs::path path) : path_(std::move(path)) {
   if (path_.empty())
     file_ = stdout;
   else
@@ -35,15 +35,12 @@ ReplacedFile::ReplacedFile(std::string path) : path_(std::move(path)) {
 
 void ReplacedFile::Open() {
   std::error_code ignored;
-  target_ = fs::canonical(PathOf(path_), ignored);
-  if (target_.empty()) target_ = PathOf(path_);  // nothing is there
+  const fs::path real = fs::canonical(path_, ignored);  // empty when nothing is there
+  target_ = real.empty() ? path_ : real;
   const fs::file_status status = fs::status(target_, ignored);
   const bool exists = fs::is_regular_file(status);
-  if (exists) {
-    // A file that may not be written may not be replaced either.
-    const InputFile writable(OpenStream(target_, "r+b"));
-    if (!writable) RaiseUnwritable(errno);
-  }
+  // A file that may not be written may not be replaced either.
+  if (exists && !File(OpenStream(target_, "r+b"))) RaiseUnwritable(errno);
   if (exists || !fs::exists(fs::symlink_status(target_, ignored)))
     temporary_ = TemporaryName(target_);
   file_ = OpenStream(temporary_.empty() ? target_ : temporary_, "wb");
@@ -58,14 +55,24 @@ ReplacedFile::~ReplacedFile() {
   fs::remove(temporary_, ignored);
 }
 
-void ReplacedFile::Write(const char* bytes, std::size_t size) {
+void ReplacedFile::Write(std::string_view bytes) {
   errno = 0;
-  if (std::fwrite(bytes, 1, size, file_) != size) RaiseUnwritable(errno);
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) RaiseUnwritable(errno);
+}
+
+void ReplacedFile::WriteOver(std::int64_t offset, std::string_view bytes) {
+  if (temporary_.empty()) RaiseUnwritable(ESPIPE);
+  errno = 0;
+  if (std::fseek(file_, static_cast<long>(offset), SEEK_SET) != 0) RaiseUnwritable(errno);
+  Write(bytes);
+  if (std::fseek(file_, 0, SEEK_END) != 0) RaiseUnwritable(errno);
 }
 
 void ReplacedFile::Commit() {
   errno = 0;
   if (std::fflush(file_) != 0) RaiseUnwritable(errno);
+  // Before the name: after a power failure it must not lead to half a file.
+  if (!temporary_.empty() && !SyncToDisk(file_)) RaiseUnwritable(errno);
   if (file_ != stdout && std::fclose(std::exchange(file_, nullptr)) != 0) RaiseUnwritable(errno);
   if (temporary_.empty()) return;
   std::error_code failed;
@@ -75,9 +82,12 @@ void ReplacedFile::Commit() {
 }
 
 void ReplacedFile::RaiseUnwritable(int cause) const {
-  const Failure failure = WriteFailure(cause, target_);
+  const Failure failure = WriteFailure(cause);
   if (path_.empty() && failure == Failure::DiskFull) Raise(failure);
-  RaiseAbout(failure, path_.empty() ? "salida estándar" : path_);
+  const std::u8string name = path_.u8string();
+  throw ErrorAbout(
+      failure, name.empty() ? Text(u"salida estándar")
+                            : FromUtf8({reinterpret_cast<const char*>(name.data()), name.size()}));
 }
 
-}  // namespace tovalin::tool
+}  // namespace tovalin
