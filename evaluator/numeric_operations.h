@@ -9,6 +9,7 @@
 #include "evaluator/number_helpers.h"
 #include "frame/arithmetic.h"
 #include "frame/comparison.h"
+#include "frame/power.h"
 #include "tovalin/convert.h"
 
 // The operations of numeric programs on doubles, each written once: a program of
@@ -69,7 +70,7 @@ inline double IfDefinedPower(double base, double exponent) {
   const bool is_defined =
       arithmetic::IsFinite(base) && arithmetic::IsFinite(exponent) &&
       (base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent)));
-  return is_defined ? std::pow(base, exponent) : kNoNumber;
+  return is_defined ? RaisedTo(base, exponent) : kNoNumber;
 }
 
 /// What `compute` gives, or no number where it raises.
