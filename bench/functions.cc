@@ -4,7 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/engines.h"
-#include "frame/patterns.h"
+#include "frame/format/patterns.h"
 #include "tovalin/lib_fecha.h"
 #include "tovalin/lib_monto.h"
 

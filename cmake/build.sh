@@ -3,10 +3,11 @@
 # and how everything is configured.
 
 declare -A packages=(
-  [build]="g++ cmake ninja-build libcli11-dev"
+  [build]="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev"
   [test]="libgtest-dev libgmock-dev libicu-dev libnumbertext-dev pkgconf valgrind"
-  [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix libcli11-dev googletest wine wine64"
-  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev"
+  [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix libcli11-dev nlohmann-json3-dev googletest
+    wine wine64"
+  [fuzz]="g++ cmake ninja-build clang-14 libclang-rt-14-dev nlohmann-json3-dev libcli11-dev"
   [bench]="libbenchmark-dev libmuparser-dev liblua5.4-dev pkgconf"
   [format]="git clang-format-14"
 )

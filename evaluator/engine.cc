@@ -6,7 +6,7 @@
 
 #include "evaluator/formula_chain.h"
 #include "evaluator/references.h"
-#include "frame/temporarily.h"
+#include "frame/object/temporarily.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -22,6 +22,13 @@ bool HasSpecial(const Text& formula) {
 
 bool EndsInQuotes(const Text& text) {
   return text.size() > 1 && text.front() == u'"' && text.back() == u'"';
+}
+
+// Whether an object may be among the values that a handler left. A handler may leave
+// many: then for all that one knows.
+bool MayHoldObjects(const ValueStack& stack) {
+  constexpr std::size_t kFew = 16;
+  return stack.size() > kFew || std::ranges::any_of(stack, &Variant::MayOwnObjects);
 }
 
 // The bottom value is deliberately the result: formulas that leave several rely
@@ -66,11 +73,16 @@ Engine::Calculation::Calculation(Engine& engine, Ref<Campos> locals)
       engine_(engine),
       locals_(std::move(locals)),
       outer_(engine.calculation_),
+      outermost_(outer_ ? outer_->outermost_ : *this),
       marks_(&own_marks_),
       values_(StampValues()),
       names_(StampNames(engine.symbols_, nullptr)) {
-  if (outer_ && outer_->values_ == values_ && outer_->locals_ == locals_) marks_ = outer_->marks_;
   engine.calculation_ = this;
+  if (!outer_) return;
+  if (outer_->values_ == values_ && outer_->locals_ == locals_) marks_ = outer_->marks_;
+  const bool other_locals =
+      outermost_.locals_ == locals_ && outermost_.values_.locals != values_.locals;
+  values_changed_ = other_locals || outermost_.values_.values != values_.values;
 }
 
 Engine::Calculation::~Calculation() { engine_.calculation_ = outer_; }
@@ -91,22 +103,9 @@ void Engine::Calculation::Touch(const Ref<Campo>& record) {
   Finish();
 }
 
-void Engine::Calculation::NoteComputed(const Ref<Campo>& record) {
-  Calculation& outermost = Outermost();
-  const bool same_locals =
-      locals_ != outermost.locals_ || values_.locals == outermost.values_.locals;
-  if (same_locals && values_.values == outermost.values_.values) {
-    outermost.touched_.push_back(record);
-  } else {
-    outermost.changed_.push_back(record);
-    outermost.changed_at_ = outermost.marks_->Next();
-  }
-}
-
-Engine::Calculation& Engine::Calculation::Outermost() {
-  Calculation* outermost = this;
-  while (outermost->outer_) outermost = outermost->outer_;
-  return *outermost;
+void Engine::Calculation::NoteChanged(const Ref<Campo>& record) {
+  outermost_.changed_.push_back(record);
+  outermost_.changed_at_ = outermost_.marks_->Next();
 }
 
 Engine::Calculation::ValuesStamp Engine::Calculation::StampValues() const {
@@ -120,7 +119,7 @@ Engine::Calculation::ValuesStamp Engine::Calculation::StampValues() const {
 // evaluates again, and their number would grow with every level. What is computed on
 // the way has dependants itself, and so has what handlers ask for.
 void Engine::Calculation::Finish() {
-  if (outer_ || finishing_) return;
+  if (outer_ || finishing_ || (touched_.empty() && changed_.empty())) return;
   const Temporarily finishing(finishing_, true);
   while (!touched_.empty() || !changed_.empty()) {
     const std::size_t before = changed_at_;
@@ -246,17 +245,17 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
           Step(plan, i, locals, stack);
         else
           stack.push_back(item.record->Value());
-        holds_objects |= RunsHostCode(stack.back());
+        holds_objects |= stack.back().MayOwnObjects();
         break;
       case ItemKind::Constant:
       case ItemKind::Literal:
       case ItemKind::Value:
         stack.push_back(plan.ValueOf(item));
-        holds_objects |= RunsHostCode(stack.back());
+        holds_objects |= stack.back().MayOwnObjects();
         break;
       case ItemKind::Builtin: {
         const BuiltinFunction& function = FunctionAt(item.builtin);
-        if (holds_objects || function.Parameters().empty())
+        if (holds_objects || (!function.is_pure && clock_.IsHosts()))
           Step(plan, i, locals, stack);
         else
           CallBuiltin(function, stack);
@@ -264,7 +263,7 @@ Engine::Outcome Engine::Walk(Plan& plan, const Ref<Campos>& locals) {
       }
       case ItemKind::HostFunction:
         Step(plan, i, locals, stack);
-        holds_objects = true;  // for all that one knows
+        holds_objects = MayHoldObjects(stack);
         break;
       case ItemKind::Text:
         stack.emplace_back(plan.Span(item));
@@ -337,25 +336,27 @@ bool Engine::MustCompute(const Campo& record) const {
 
 Ref<Plan> Engine::FormulaPlan(Campo& record, const Ref<Campos>& locals) {
   formula_plans_.Tidy(static_cast<std::size_t>(symbols_.variables->Count()));
-  Ref<Plan> plan = KeptFormulaPlan(record, locals);
-  if (!plan) {
-    plan = PrepareApart(record.Formula(), locals);
-    formula_plans_.Of(record) = plan;
-  }
+  const Ref<Plan>& kept = formula_plans_.Of(record);
+  const bool is_usable = kept && kept->walks == 0 && IsCurrent(*kept, locals.get());
+  Ref<Plan> plan = is_usable && !kept->has_constants ? kept : FormulaPlanAgain(record, locals);
   if (plan->faults) reports_.push_back({record.Formula(), plan->text, plan->Faults()});
   return plan;
 }
 
-// The plan that is kept of a record, if it may be walked. Any other goes before a new one
-// is made: a value in it may run code of the host.
-Ref<Plan> Engine::KeptFormulaPlan(Campo& record, const Ref<Campos>& locals) {
+// The plan of a record with its constants bound, or a new one. A former plan goes before
+// the new one is made: a value in it may run code of the host.
+Ref<Plan> Engine::FormulaPlanAgain(Campo& record, const Ref<Campos>& locals) {
+  const auto is_usable = [&](const Plan& plan) {
+    return plan.walks == 0 && IsCurrent(plan, locals.get());
+  };
   while (Ref<Plan> plan = formula_plans_.Of(record)) {
-    const bool is_usable = plan->walks == 0 && IsCurrent(*plan, locals.get());
-    if (is_usable && plan->has_constants) BindConstants(*plan);
-    if (is_usable && (!plan->has_constants || IsCurrent(*plan, locals.get()))) return plan;
+    if (is_usable(*plan)) BindConstants(*plan);
+    if (is_usable(*plan)) return plan;
     formula_plans_.Of(record) = nullptr;
   }
-  return nullptr;
+  Ref<Plan> plan = PrepareApart(record.Formula(), locals);
+  formula_plans_.Of(record) = plan;
+  return plan;
 }
 
 }  // namespace tovalin

@@ -66,7 +66,12 @@ class Engine {
     /// at its end.
     void Touch(const Ref<Campo>& record);
     /// A formula variable was computed: what depends on it is due at the end.
-    void NoteComputed(const Ref<Campo>& record);
+    void NoteComputed(const Ref<Campo>& record) {
+      if (values_changed_)
+        NoteChanged(record);
+      else
+        outermost_.touched_.push_back(record);
+    }
 
    private:
     friend class Engine;
@@ -80,8 +85,8 @@ class Engine {
       friend bool operator==(const ValuesStamp&, const ValuesStamp&) = default;
     };
 
-    Calculation& Outermost();
     ValuesStamp StampValues() const;
+    void NoteChanged(const Ref<Campo>& record);
     void Finish();
     void ComputeDependants(const Records& roots);
     void ComputeAgain(const Records& roots, std::size_t before);
@@ -93,6 +98,7 @@ class Engine {
     Engine& engine_;
     Ref<Campos> locals_;
     Calculation* outer_;
+    Calculation& outermost_;
     FormulaMarks own_marks_;
     FormulaMarks* marks_;
     ValuesStamp values_;  // when it began
@@ -103,6 +109,7 @@ class Engine {
     Records changed_;
     std::size_t changed_at_ = 0;  // the next formula when the last of them changed
     bool finishing_ = false;
+    bool values_changed_ = false;  // since the outermost evaluation began
   };
 
   /// The outcome of a plan of numbers alone, if its program gets through: it reads
@@ -147,7 +154,7 @@ class Engine {
   void CallBuiltin(const BuiltinFunction& function, ValueStack& stack);
   void CallHost(const Ref<Campo>& function, ValueStack& stack);
   Ref<Plan> FormulaPlan(Campo& record, const Ref<Campos>& locals);
-  Ref<Plan> KeptFormulaPlan(Campo& record, const Ref<Campos>& locals);
+  Ref<Plan> FormulaPlanAgain(Campo& record, const Ref<Campos>& locals);
   bool CallsHost() const { return owner_.Evaluate.HasHandlers() || clock_.IsHosts(); }
   bool NeedsComputing(const Campo& record) const;
   bool MustCompute(const Campo& record) const;

@@ -7,7 +7,7 @@
 #include "evaluator/infix_check.h"
 #include "evaluator/references.h"
 #include "evaluator/tokenizer.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/convert.h"
 
 // The members of Evaluador that check, convert and evaluate formulas.
@@ -140,7 +140,8 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
     if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
     const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
     // Where a former plan went, an object in it may have changed the tables.
-    const bool may_run = !recent && core_->engine.IsCurrent(*prepared.plan, locals.get());
+    const bool may_run =
+        !recent && prepared.plan->numeric && core_->engine.IsCurrent(*prepared.plan, locals.get());
     if (may_run && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
     Engine::Calculation calculation(core_->engine, locals);
     Engine::Outcome outcome = core_->Walk(calculation, prepared, locals);
@@ -156,11 +157,14 @@ Engine::Outcome Evaluador::Core::Walk(Engine::Calculation& calculation,
                                       const Engine::Prepared& prepared, const Ref<Campos>& locals) {
   Plan& plan = *prepared.plan;
   const bool calls_host = plan.calls_host;
-  engine.KeepCurrent(plan, locals.get());
-  if (calls_host) trace.Begin(prepared.plan, prepared.Expression());
+  if (calls_host) {
+    engine.KeepCurrent(plan, locals.get());
+    trace.Begin(prepared.plan, prepared.Expression());
+  }
   try {
     Engine::Outcome outcome = calculation.Walk(prepared.plan);
-    engine.KeepCurrent(plan, locals.get());
+    // The trace has its text made from the names.
+    if (plan.trace_edition == 0) engine.KeepCurrent(plan, locals.get());
     return outcome;
   } catch (...) {
     engine.KeepCurrent(plan, locals.get());

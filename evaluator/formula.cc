@@ -4,7 +4,7 @@
 
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {
@@ -94,11 +94,17 @@ Ref<Collection> Formula::Errores() const {
   });
 }
 
+bool Formula::EvaluarAgain(Variant& Result) {
+  const Ref<Formula> alive = Hold(*this);
+  core_->Current();
+  return Evaluar(Result);
+}
+
 // Nothing but the number moves on the road of most formulas.
 bool Formula::Evaluar(Variant& Result) {
   return RaisingErrors([&] {
-    const Ref<Formula> alive = core_->IsCurrent() ? nullptr : Hold(*this);
-    const NumericProgram& numeric = core_->Current()->numeric;
+    if (!core_->IsCurrent()) return EvaluarAgain(Result);
+    const NumericProgram& numeric = core_->LastPlan()->numeric;
     const double number = numeric.Run();
     if (std::isnan(number)) {
       core_->WalkInto(Result);

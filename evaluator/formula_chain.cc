@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "frame/conversion.h"
-#include "frame/temporarily.h"
+#include "frame/object/temporarily.h"
+#include "frame/value/conversion.h"
 
 namespace tovalin {
 
@@ -29,20 +29,20 @@ void FormulaChain::Compute(const Ref<Campo>& record) {
 void FormulaChain::ComputeAll(const Ref<Campo>& record) {
   Push(record);
   while (!waiting_.empty()) {
-    if (const Ref<Campo> needed = NextNeeded(waiting_.back()))
-      Push(needed);
+    if (Campo* needed = NextNeeded(waiting_.back()))
+      Push(Ref<Campo>::Share(needed));
     else
       ComputeLast();
   }
 }
 
 void FormulaChain::ComputeLast() {
-  const Ref<Campo> done = waiting_.back().record;
   Variant value = NumberAsDouble(ValueOf(*waiting_.back().plan));
+  const Ref<Campo>& done = waiting_.back().record;
   Variant former = marks_.Store(*done, std::move(value));
   engine_.calculation_->NoteComputed(done);
   Pop();
-  if (!RunsHostCode(former)) return;
+  if (!former.MayOwnObjects()) return;
   former = Variant();
   CheckTables();
 }
@@ -53,12 +53,12 @@ void FormulaChain::CheckTables() {
     is_current_ = false;
 }
 
-void FormulaChain::Push(const Ref<Campo>& record) {
+void FormulaChain::Push(Ref<Campo> record) {
   if (engine_.depth_ + Depth() > Engine::kDeepest) Raise(Failure::OutOfStack);
   Ref<Plan> plan = engine_.FormulaPlan(*record, locals_);
   if (!waiting_.empty() && plan->stamp != waiting_.back().plan->stamp) is_current_ = false;
-  waiting_.push_back({record, std::move(plan)});
-  record->LetStatus(Campo::kBeingComputed);
+  waiting_.push_back({std::move(record), std::move(plan)});
+  waiting_.back().record->LetStatus(Campo::kBeingComputed);
 }
 
 void FormulaChain::Pop() {
@@ -66,15 +66,14 @@ void FormulaChain::Pop() {
   waiting_.pop_back();
 }
 
-Ref<Campo> FormulaChain::NextNeeded(Waiting& waiting) const {
+Campo* FormulaChain::NextNeeded(Waiting& waiting) const {
   if (!is_alone_ || !is_current_) return nullptr;
   const std::vector<Item>& items = waiting.plan->items;
   while (waiting.next < items.size()) {
     const Item& item = items[waiting.next];
     if (item.HasRecord() && item.kind != ItemKind::Variable) break;  // an operation
     ++waiting.next;
-    if (item.kind == ItemKind::Variable && engine_.MustCompute(*item.record))
-      return Ref<Campo>::Share(item.record);
+    if (item.kind == ItemKind::Variable && engine_.MustCompute(*item.record)) return item.record;
   }
   return nullptr;
 }

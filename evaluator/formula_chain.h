@@ -32,10 +32,10 @@ class FormulaChain {
 
   void ComputeAll(const Ref<Campo>& record);
   void ComputeLast();
-  void Push(const Ref<Campo>& record);
+  void Push(Ref<Campo> record);
   void Pop();
   int Depth() const { return static_cast<int>(waiting_.size()); }
-  Ref<Campo> NextNeeded(Waiting& waiting) const;
+  Campo* NextNeeded(Waiting& waiting) const;
   Variant ValueOf(Plan& plan);
   void CheckTables();
 

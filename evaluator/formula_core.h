@@ -24,6 +24,7 @@ class Formula::Core {
   bool IsCurrent() const {
     return plan_ && link_->core && plan_->stamp == StampNames(link_->core->symbols, locals_.get());
   }
+  const Ref<Plan>& LastPlan() const { return plan_; }
   /// The plan as the tables are now. Raises when the evaluator is gone.
   const Ref<Plan>& Current() {
     if (!IsCurrent()) PrepareAgain();

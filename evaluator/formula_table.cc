@@ -7,7 +7,7 @@
 #include "evaluator/formula_core.h"
 #include "evaluator/numeric_columns.h"
 #include "evaluator/value_columns.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/convert.h"
 #include "tovalin/formula.h"
 
@@ -112,7 +112,10 @@ class TableRun {
 
   std::vector<RowError> Run() {
     std::optional<NumericColumns> numbers;
-    if (plan_->numeric) numbers.emplace(plan_->numeric, variables_.Numbers());
+    if (plan_->numeric) {
+      numbers.emplace(plan_->numeric, variables_.Numbers());
+      block_.resize(NumericColumns::kBlock);
+    }
     std::optional<ValueColumns> values;
     for (std::size_t first = 0; first < rows_; first += NumericColumns::kBlock) {
       const std::size_t count = std::min(NumericColumns::kBlock, rows_ - first);
@@ -122,8 +125,7 @@ class TableRun {
         continue;
       }
       if (numbers && numbers->IsReady() && RunBlock(*numbers, first, count)) continue;
-      if (!values) values.emplace(*plan_, variables_.All());
-      if (values->IsReady())
+      if (AreReady(values))
         RunBlocks(*values, first, first + count);
       else
         RunRows(first, first + count);
@@ -160,7 +162,15 @@ class TableRun {
     }
   }
 
-  // False where memory runs out: row by row it may do, and each row tells of its own.
+  // Where memory runs out in columns, row by row it may do, and each row tells of its own.
+  bool AreReady(std::optional<ValueColumns>& columns) {
+    try {
+      if (!columns) columns.emplace(*plan_, variables_.All());
+      return columns->IsReady();
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+  }
   static bool RunColumns(ValueColumns& columns, std::size_t first, std::size_t count) {
     try {
       columns.Run(first, count);
@@ -212,7 +222,7 @@ class TableRun {
   BoundVariables variables_;
   std::size_t rows_;
   std::span<Result> results_;
-  std::array<double, NumericColumns::kBlock> block_;
+  std::vector<double> block_;  // a block of results that are stored as no Doubles
   std::vector<RowError> errors_;
 };
 

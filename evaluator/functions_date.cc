@@ -3,7 +3,7 @@
 #include "evaluator/function_arguments.h"
 #include "evaluator/number_helpers.h"
 #include "formatting/dias360.h"
-#include "frame/calendar.h"
+#include "frame/value/calendar.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::functions {

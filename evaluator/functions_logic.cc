@@ -1,6 +1,6 @@
 #include "evaluator/function_arguments.h"
 #include "evaluator/text_helpers.h"
-#include "frame/comparison.h"
+#include "frame/value/comparison.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::functions {

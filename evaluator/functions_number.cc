@@ -3,8 +3,8 @@
 #include "evaluator/function_arguments.h"
 #include "evaluator/number_helpers.h"
 #include "formatting/words.h"
-#include "frame/arithmetic.h"
-#include "frame/patterns.h"
+#include "frame/format/patterns.h"
+#include "frame/value/arithmetic.h"
 #include "tovalin/convert.h"
 #include "tovalin/error.h"
 

@@ -7,7 +7,7 @@
 #include "evaluator/text_helpers.h"
 #include "formatting/padding.h"
 #include "formatting/word_extraction.h"
-#include "frame/code_page.h"
+#include "frame/text/code_page.h"
 #include "tovalin/convert.h"
 #include "tovalin/error.h"
 

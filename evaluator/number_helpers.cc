@@ -6,8 +6,8 @@
 #include <optional>
 #include <span>
 
-#include "frame/number_text.h"
-#include "frame/power.h"
+#include "frame/system/power.h"
+#include "frame/value/number_text.h"
 #include "tovalin/error.h"
 
 namespace tovalin::evaluator {

@@ -7,9 +7,9 @@
 #include <limits>
 
 #include "evaluator/number_helpers.h"
-#include "frame/arithmetic.h"
-#include "frame/comparison.h"
-#include "frame/power.h"
+#include "frame/system/power.h"
+#include "frame/value/arithmetic.h"
+#include "frame/value/comparison.h"
 #include "tovalin/convert.h"
 
 // The operations of numeric programs on doubles, each written once: a program of

@@ -4,8 +4,8 @@
 #include <array>
 
 #include "evaluator/function_arguments.h"
-#include "frame/arithmetic.h"
-#include "frame/comparison.h"
+#include "frame/value/arithmetic.h"
+#include "frame/value/comparison.h"
 #include "tovalin/convert.h"
 #include "tovalin/locale.h"
 

@@ -56,11 +56,6 @@ struct HeldValue {
   bool is_quoted = false;     // it is text, and stands as a literal
 };
 
-/// Whether code of the host may run when a value goes: the destructor of an object.
-inline bool RunsHostCode(const Variant& value) {
-  return value.Is(Subtype::Object) || value.Is(Subtype::Array);
-}
-
 /// A formula converted for walking: made once, walked many times, and made anew
 /// when its names may stand for something else.
 struct Plan {

@@ -5,7 +5,7 @@
 #include "evaluator/element_search.h"
 #include "evaluator/number_token.h"
 #include "evaluator/plan.h"
-#include "frame/conversion.h"
+#include "frame/value/conversion.h"
 
 namespace tovalin {
 namespace {
@@ -25,7 +25,7 @@ Text TextOrEmpty(const Variant& value) {
 
 // Whether the item's text is another one than before.
 bool BindConstant(HeldValue& held, std::vector<Variant>& former) {
-  if (RunsHostCode(held.value)) former.push_back(std::move(held.value));
+  if (held.value.MayOwnObjects()) former.push_back(std::move(held.value));
   if (!IsTextConstant(*held.constant)) {
     held.value = held.constant->Value();
     return std::exchange(held.is_quoted, false);

@@ -3,9 +3,9 @@
 #include <bit>
 #include <utility>
 
-#include "frame/number_text.h"
-#include "frame/settings_store.h"
-#include "frame/temporarily.h"
+#include "frame/object/temporarily.h"
+#include "frame/settings/settings_store.h"
+#include "frame/value/number_text.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -33,9 +33,9 @@ void Trace::UseStore(Ref<SettingsStore> store) {
 }
 
 void Trace::Begin(const Ref<Plan>& plan, const Text* expression) noexcept {
-  const Ref<Plan> former = shown_;  // goes last: an object that it holds may let go of this
+  Ref<Plan> former;
   try {
-    const bool is_shown = ShowFormula(plan, expression);
+    const bool is_shown = ShowFormula(plan, expression, former);
     if (is_shown && !store_ && live_.Holds()) return;
     Put(FormulaOf(*plan, expression), is_shown ? kFormulaTexts : 0);
   } catch (...) {
@@ -45,9 +45,9 @@ void Trace::Begin(const Ref<Plan>& plan, const Text* expression) noexcept {
 
 void Trace::End(const Ref<Plan>& plan, const Text* expression, const Variant& result,
                 std::size_t left) noexcept {
-  const Ref<Plan> former = shown_;
+  Ref<Plan> former;
   try {
-    const bool is_formula_shown = ShowFormula(plan, expression);
+    const bool is_formula_shown = ShowFormula(plan, expression, former);
     const bool is_result_shown = ShowResult(result, left);
     if (is_formula_shown && is_result_shown && !store_ && live_.Holds()) return;
     LiveChanges changes = FormulaOf(*plan, expression);
@@ -74,7 +74,7 @@ void Trace::Forget() {
 
 // Whether the formula is the one that was shown last: not if the text has no plan to itself,
 // or a handler evaluated another one.
-bool Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
+bool Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression, Ref<Plan>& former) {
   const bool is_shown = !expression && shown_ == plan && shown_edition_ == plan->trace_edition;
   if (is_shown) return true;
   if (plan->trace_edition == 0) {
@@ -83,7 +83,7 @@ bool Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression) {
     plan->trace_postfix = postfix_;  // without room to spare
     plan->trace_edition = ++last_edition_;
   }
-  shown_ = expression ? nullptr : plan;
+  former = std::exchange(shown_, expression ? nullptr : plan);
   shown_edition_ = plan->trace_edition;
   return false;
 }

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "evaluator/plan.h"
-#include "frame/live_trace.h"
+#include "frame/settings/live_trace.h"
 #include "tovalin/settings.h"
 
 namespace tovalin {
@@ -28,7 +28,7 @@ class Trace {
   bool UsesStore() const { return static_cast<bool>(store_); }
 
  private:
-  bool ShowFormula(const Ref<Plan>& plan, const Text* expression);
+  bool ShowFormula(const Ref<Plan>& plan, const Text* expression, Ref<Plan>& former);
   bool ShowResult(const Variant& result, std::size_t left);
   void Put(const LiveChanges& changes, std::size_t same);
   void Save(const LiveChanges& changes);

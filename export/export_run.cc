@@ -2,8 +2,8 @@
 
 #include "export/layout_description.h"
 #include "export/record_writer.h"
-#include "frame/code_page.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
+#include "frame/text/code_page.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "export/failure_reason.h"
-#include "frame/number_text.h"
+#include "frame/value/number_text.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

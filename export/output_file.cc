@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "frame/write_failure.h"
+#include "frame/system/write_failure.h"
 
 namespace tovalin {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/host_file.h"
+#include "frame/system/host_file.h"
 
 namespace tovalin {
 

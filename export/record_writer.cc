@@ -1,7 +1,7 @@
 #include "export/record_writer.h"
 
 #include "export/failure_reason.h"
-#include "frame/code_page.h"
+#include "frame/text/code_page.h"
 
 namespace tovalin {
 namespace {

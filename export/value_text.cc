@@ -1,7 +1,7 @@
 #include "export/value_text.h"
 
-#include "frame/number_text.h"
-#include "frame/patterns.h"
+#include "frame/format/patterns.h"
+#include "frame/value/number_text.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "export/field.h"
-#include "frame/date_pattern.h"
+#include "frame/format/date_pattern.h"
 #include "tovalin/locale.h"
 #include "tovalin/variant.h"
 

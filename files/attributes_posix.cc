@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "files/attributes.h"
-#include "frame/host_file.h"
+#include "frame/system/host_file.h"
 
 namespace tovalin {
 namespace {

@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include "files/attributes.h"
-#include "frame/host_file.h"
+#include "frame/system/host_file.h"
 
 namespace tovalin {
 

@@ -9,7 +9,7 @@
 
 #include "files/command_line.h"
 #include "files/process.h"
-#include "frame/host_file.h"
+#include "frame/system/host_file.h"
 
 extern char** environ;
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "files/attributes.h"
-#include "frame/code_page.h"
-#include "frame/host_file.h"
+#include "frame/system/host_file.h"
+#include "frame/text/code_page.h"
 #include "tovalin/error.h"
 
 namespace tovalin {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/number_text.h"
+#include "frame/value/number_text.h"
 
 namespace tovalin {
 namespace {

@@ -4,7 +4,7 @@
 #include "formatting/argument_error.h"
 #include "formatting/cents.h"
 #include "formatting/currency_nouns.h"
-#include "frame/number_text.h"
+#include "frame/value/number_text.h"
 
 // What is read:
 //

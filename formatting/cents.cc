@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "formatting/argument_error.h"
-#include "frame/number_reading.h"
-#include "frame/number_text.h"
+#include "frame/value/number_reading.h"
+#include "frame/value/number_text.h"
 #include "tovalin/convert.h"
 #include "tovalin/locale.h"
 

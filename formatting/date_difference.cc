@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "frame/calendar.h"
-#include "frame/number_text.h"
+#include "frame/value/calendar.h"
+#include "frame/value/number_text.h"
 
 namespace tovalin {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/calendar.h"
+#include "frame/value/calendar.h"
 
 namespace tovalin {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "frame/number_text.h"
+#include "frame/value/number_text.h"
 
 namespace tovalin {
 namespace {

@@ -6,7 +6,7 @@
 #include "formatting/cheque_words.h"
 #include "formatting/filled_lines.h"
 #include "formatting/words.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {

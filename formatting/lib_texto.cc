@@ -2,7 +2,7 @@
 
 #include "formatting/phrase_case.h"
 #include "formatting/word_extraction.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/dispatch.h"
 
 namespace tovalin {

@@ -1,6 +1,6 @@
 #include "tovalin/control.h"
 
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 
 namespace tovalin {
 namespace {

@@ -1,6 +1,6 @@
 #include "forms/key_filters.h"
 
-#include "frame/code_page.h"
+#include "frame/text/code_page.h"
 #include "tovalin/error.h"
 
 namespace tovalin {

@@ -9,7 +9,7 @@
 #include "forms/strip_delimiter.h"
 #include "forms/tag_string.h"
 #include "forms/value_helpers.h"
-#include "frame/guarded.h"
+#include "frame/object/guarded.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

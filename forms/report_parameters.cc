@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "frame/calendar.h"
+#include "frame/value/calendar.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -1,6 +1,6 @@
 #include "forms/value_helpers.h"
 
-#include "frame/arithmetic.h"
+#include "frame/value/arithmetic.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -96,6 +96,9 @@ class TOVALIN_API clsFileExport : public Object {
   /// Of the last export; empty when it answered True, and before the first one.
   const std::optional<FailureReport>& LastFailure() const { return last_failure_; }
 
+  /// The pattern of dates that the last assignment of OrdenFechas made; empty before it.
+  TextView DatePattern() const { return date_pattern_; }
+
   /// Replaces the system's clock, for the moment that the layout file tells. Without a
   /// function the system's comes back.
   void UseClock(HostClock::Function clock) { clock_.Use(std::move(clock)); }

@@ -72,6 +72,8 @@ class TOVALIN_API Formula : public Object {
   std::int32_t EvaluarTabla(const Variant& columns, std::int32_t rows, Variant& Result);
 
  private:
+  bool EvaluarAgain(Variant& Result);
+
   std::unique_ptr<Core> core_;
 };
 

@@ -137,6 +137,9 @@ class TOVALIN_API Variant {
     Value() = std::move(value);
   }
 
+  /// Whether objects may go with the value itself, and so code of the host run.
+  bool MayOwnObjects() const { return subtype_ == Subtype::Object || subtype_ == Subtype::Array; }
+
   // The payload of the value. Each requires its own subtype; conversions are in
   // tovalin/convert.h.
   std::int16_t AsInteger() const { return Checked(Subtype::Integer).integer_; }

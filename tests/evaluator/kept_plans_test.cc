@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "frame/live_trace.h"
+#include "frame/settings/live_trace.h"
 #include "frame/settings_directory.h"
 #include "tests/evaluator/formula_host.h"
 

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "tests/evaluator/formula_host.h"
+#include "tovalin/enumerador.h"
 #include "tovalin/formula.h"
 
 // Error 28 comes before the stack of the thread ends, whatever its size and whatever
@@ -169,6 +170,33 @@ TEST(SmallStack, ServesTheSmallestThreads) {
   std::string value;
   RunOnThread(64 << 10, [&] { value = host.Evaluate(u"MAX( A , B ) + LEN( 'abc' )"); });
   EXPECT_EQ(value, "Double 8");
+}
+
+// What holds itself through objects of every kind, one within the other, goes without
+// recursion.
+TEST(SmallStack, ReleasesLongChainsOfObjects) {
+  FormulaHost host;
+  const auto in_collection = [](Variant inner) {
+    auto holder = Make<Collection>();
+    holder->Add(inner);
+    return holder;
+  };
+  const std::function<Variant(Variant)> holders[] = {
+      [&](Variant inner) { return Variant(in_collection(inner)); },
+      [&](Variant inner) { return Variant(in_collection(inner)->NewEnum()); },
+      [&](Variant inner) {
+        auto record = Make<Campo>(u"R");
+        record->LetValue(inner);
+        auto table = Make<Campos>();
+        table->Add(record);
+        return Variant(host.evaluator->Preparar(u"R", &table));
+      },
+  };
+  for (const auto& hold : holders) {
+    Variant chain = 1.0;
+    for (int i = 0; i < 20'000; ++i) chain = hold(std::move(chain));
+    RunOnThread(512 << 10, [&] { chain = 2.0; });
+  }
 }
 
 // Values by reference, one behind the other, are read without recursion.

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "evaluator/formula_host.h"
-#include "frame/live_trace.h"
+#include "frame/settings/live_trace.h"
 #include "frame/settings_directory.h"
 #include "tovalin/error.h"
 

@@ -1,4 +1,4 @@
-#include "frame/code_page.h"
+#include "frame/text/code_page.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include "chrono_dates.h"
 #include "formatting/date_difference.h"
 #include "formatting/duration.h"
-#include "frame/calendar.h"
+#include "frame/value/calendar.h"
 
 namespace tovalin {
 namespace {

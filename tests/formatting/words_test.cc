@@ -9,7 +9,7 @@
 
 #include "amount_reader.h"
 #include "formatting/amount_picture.h"
-#include "frame/patterns.h"
+#include "frame/format/patterns.h"
 #include "tovalin/lib_monto.h"
 #include "tovalin/variant.h"
 

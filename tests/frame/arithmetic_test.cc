@@ -1,4 +1,4 @@
-#include "frame/arithmetic.h"
+#include "frame/value/arithmetic.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "frame/calendar.h"
+#include "frame/value/calendar.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "frame/clock.h"
+#include "frame/system/clock.h"
 
 namespace tovalin {
 namespace {

@@ -1,4 +1,4 @@
-#include "frame/conversion.h"
+#include "frame/value/conversion.h"
 
 #include <gtest/gtest.h>
 

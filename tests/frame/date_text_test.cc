@@ -1,8 +1,8 @@
-#include "frame/date_text.h"
+#include "frame/value/date_text.h"
 
 #include <gtest/gtest.h>
 
-#include "frame/calendar.h"
+#include "frame/value/calendar.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -45,18 +45,20 @@ std::set<int> DocumentedNumbers() {
 
 /// The names of the failures that the library's sources raise or ask for.
 std::set<std::string> RaisedFailures() {
+  const fs::path root(TOVALIN_SOURCE_DIR);
   std::set<std::string> raised;
-  const std::regex use(R"(Failure::(\w+))");
-  for (const char* folder :
-       {"include", "frame", "evaluator", "formatting", "export", "forms", "files", "hosts"})
-    for (const auto& entry :
-         fs::recursive_directory_iterator(fs::path(TOVALIN_SOURCE_DIR) / folder)) {
-      if (!entry.is_regular_file()) continue;
-      if (entry.path().filename() == "error.cc") continue;  // the table of their texts
-      const std::string source = Read(entry.path());
-      for (std::sregex_iterator at(source.begin(), source.end(), use), end; at != end; ++at)
-        raised.insert((*at)[1]);
-    }
+  const auto read = [&raised](const fs::path& path) {
+    static const std::regex use(R"(Failure::(\w+))");
+    const std::string source = Read(path);
+    for (std::sregex_iterator at(source.begin(), source.end(), use), end; at != end; ++at)
+      raised.insert((*at)[1]);
+  };
+  read(root / "classes.cc");
+  for (const char* folder : {"include", "frame", "evaluator", "formatting", "export", "flatfile",
+                             "forms", "files", "hosts"})
+    for (const auto& entry : fs::recursive_directory_iterator(root / folder))
+      // Not the table of their texts.
+      if (entry.is_regular_file() && entry.path().filename() != "error.cc") read(entry.path());
   return raised;
 }
 

@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "frame/child_process.h"
-#include "frame/live_trace.h"
+#include "frame/settings/live_trace.h"
+#include "frame/settings/settings_file.h"
 #include "frame/settings_directory.h"
-#include "frame/settings_file.h"
 
 namespace tovalin {
 namespace {

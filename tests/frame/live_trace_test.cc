@@ -1,4 +1,4 @@
-#include "frame/live_trace.h"
+#include "frame/settings/live_trace.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,10 @@
 #include <thread>
 #include <vector>
 
-#include "frame/ini_text.h"
+#include "frame/settings/ini_text.h"
+#include "frame/settings/settings_file.h"
+#include "frame/settings/settings_path.h"
 #include "frame/settings_directory.h"
-#include "frame/settings_file.h"
-#include "frame/settings_path.h"
 #include "tovalin/settings.h"
 
 namespace tovalin {

@@ -1,4 +1,4 @@
-#include "frame/number_text.h"
+#include "frame/value/number_text.h"
 
 #include <gtest/gtest.h>
 

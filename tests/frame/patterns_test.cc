@@ -1,4 +1,4 @@
-#include "frame/patterns.h"
+#include "frame/format/patterns.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <random>
 #include <thread>
 
-#include "frame/calendar.h"
-#include "frame/date_text.h"
+#include "frame/value/calendar.h"
+#include "frame/value/date_text.h"
 
 namespace tovalin {
 namespace {

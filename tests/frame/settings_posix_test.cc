@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "frame/child_process.h"
+#include "frame/settings/settings_file.h"
 #include "frame/settings_directory.h"
-#include "frame/settings_file.h"
 #include "tovalin/error.h"
 #include "tovalin/settings.h"
 

@@ -7,11 +7,11 @@
 #include <set>
 #include <vector>
 
-#include "frame/ini_text.h"
+#include "frame/settings/ini_text.h"
+#include "frame/settings/settings_file.h"
+#include "frame/settings/settings_path.h"
+#include "frame/settings/settings_store.h"
 #include "frame/settings_directory.h"
-#include "frame/settings_file.h"
-#include "frame/settings_path.h"
-#include "frame/settings_store.h"
 #include "tovalin/error.h"
 
 namespace tovalin {

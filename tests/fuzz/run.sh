@@ -1,23 +1,44 @@
 #!/usr/bin/env bash
-# Feeds generated formulas to the library for SECONDS (30) and stops at the first
-# fault. What was found worth keeping is in build-fuzz/corpus for the next run.
-#   tests/fuzz/run.sh [SECONDS]
+# Feeds generated inputs to the library, SECONDS (30) for each target, and stops at
+# the first fault. TARGETs are the names behind "fuzz_", all by default.
+#   tests/fuzz/run.sh [SECONDS [TARGET...]]
+#
+# What was found worth keeping is in build-fuzz/corpus/TARGET for the next run. An
+# input that failed is in build-fuzz/failures; to see it fail again, hand it to its
+# program alone:
+#   build-fuzz/tests/fuzz/fuzz_TARGET FILE
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 source cmake/build.sh
+
+seconds=${1:-30}
+targets=("${@:2}")
+if ((${#targets[@]} == 0)); then
+  for source in tests/fuzz/fuzz_*.cc; do
+    target=$(basename "$source" .cc)
+    targets+=("${target#fuzz_}")
+  done
+fi
+
+# The dictionaries of those that take formulas or patterns; CSV has formulas too.
+declare -A dictionary=([formula]=formula [host]=formula [rows]=formula [csv]=formula
+  [patterns]=patterns [late]=patterns [settings]=settings)
 
 need fuzz
 configure build-fuzz -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_CXX_FLAGS_DEBUG=-g1 -DTOVALIN_SANITIZE=ON -DTOVALIN_BUILD_FUZZ=ON \
   -DTOVALIN_BUILD_TOOL=OFF -DTOVALIN_WERROR=OFF
-cmake --build build-fuzz --target fuzz_formula
+cmake --build build-fuzz --target "${targets[@]/#/fuzz_}"
 
-corpora=(build-fuzz/corpus)
-[[ ! -d tests/fuzz/seeds ]] || corpora+=(tests/fuzz/seeds)
-options=()
-[[ ! -f tests/fuzz/formula.dict ]] || options+=(-dict=tests/fuzz/formula.dict)
-mkdir -p build-fuzz/corpus
 # The trace of an evaluation goes to the user's settings: not to this user's.
-XDG_CONFIG_HOME=$PWD/build-fuzz/config XDG_RUNTIME_DIR=$PWD/build-fuzz/run build-fuzz/tests/fuzz/fuzz_formula \
-  -max_total_time="${1:-30}" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-  -artifact_prefix=build-fuzz/ "${options[@]}" "${corpora[@]}"
+export XDG_CONFIG_HOME=$PWD/build-fuzz/config XDG_RUNTIME_DIR=$PWD/build-fuzz/config
+mkdir -p build-fuzz/failures "$XDG_CONFIG_HOME"
+for target in "${targets[@]}"; do
+  echo "== fuzz_$target, $seconds s"
+  mkdir -p "build-fuzz/corpus/$target"
+  build-fuzz/tests/fuzz/"fuzz_$target" -max_total_time="$seconds" -timeout=10 \
+    -rss_limit_mb=2048 -max_len=2048 -print_final_stats=1 \
+    -artifact_prefix="build-fuzz/failures/$target-" \
+    ${dictionary[$target]:+-dict=tests/fuzz/${dictionary[$target]}.dict} \
+    "build-fuzz/corpus/$target" "tests/fuzz/corpus/$target"
+done

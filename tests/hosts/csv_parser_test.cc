@@ -1,4 +1,4 @@
-#include "hosts/csv_parser.h"
+#include "hosts/cli/csv_parser.h"
 
 #include <gtest/gtest.h>
 

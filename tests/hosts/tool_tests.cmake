@@ -6,13 +6,20 @@ if(WIN32)
        "#!/bin/sh\nexec ${CMAKE_CROSSCOMPILING_EMULATOR} '$<TARGET_FILE:tovalin_tool>' \"$@\"\n"
        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endif()
-file(GLOB case_files CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/cases/*.cases)
-foreach(case_file ${case_files})
-  cmake_path(GET case_file STEM name)
-  add_test(NAME tool.${name} COMMAND ${CMAKE_CURRENT_LIST_DIR}/run_cases.sh ${tool} ${case_file}
-                                     ${PROJECT_SOURCE_DIR} ${cases_left_out})
+foreach(name ${tool_cases})
+  add_test(NAME tool.${name}
+           COMMAND ${CMAKE_CURRENT_LIST_DIR}/run_cases.sh ${tool}
+                   ${CMAKE_CURRENT_LIST_DIR}/cases/${name}.cases ${PROJECT_SOURCE_DIR}
+                   ${cases_left_out})
   list(APPEND tool_tests tool.${name})
 endforeach()
+if(NOT WIN32)  # signals, and a page that shows another system's paths
+  add_test(NAME tool.archivos_page
+           COMMAND ${CMAKE_CURRENT_LIST_DIR}/page_cases.sh ${tool}
+                   ${PROJECT_SOURCE_DIR}/docs/archivos.md ${PROJECT_SOURCE_DIR})
+  add_test(NAME tool.flat_kill COMMAND ${CMAKE_CURRENT_LIST_DIR}/flat_kill.sh ${tool})
+  list(APPEND tool_tests tool.archivos_page tool.flat_kill)
+endif()
 add_test(NAME tool.conformance COMMAND tovalin_tool selftest ${PROJECT_SOURCE_DIR}/tests/conformance)
 list(APPEND tool_tests tool.conformance)
 if(NOT WIN32)  # signals

@@ -1,0 +1,168 @@
+#include "tovalin/campos.h"
+
+#include <algorithm>
+
+#include "frame/object/deep_release.h"
+#include "frame/object/guarded.h"
+#include "frame/object/keys.h"
+#include "frame/object/positions.h"
+#include "tovalin/dispatch.h"
+#include "tovalin/enumerador.h"
+
+namespace tovalin {
+namespace {
+
+constexpr MemberInfo kCampoMembers[] = {
+    Get<&Campo::Name>(1, u"Name", u"The name, under which a table finds the record"),
+    Let<&Campo::LetName>(1, u"Name"),
+    Get<&Campo::DataType>(2, u"DataType", u"The data type code, 1001 to 1014"),
+    Let<&Campo::LetDataType>(2, u"DataType"),
+    Get<&Campo::Size>(3, u"Size", u"The width of a text"),
+    Let<&Campo::LetSize>(3, u"Size"),
+    Get<&Campo::Position>(4, u"Position", u"The column in the array of an export, from 0"),
+    Let<&Campo::LetPosition>(4, u"Position"),
+    Get<&Campo::Value>(5, u"Value", u"The value"),
+    Let<&Campo::LetValue>(5, u"Value"),
+    Get<&Campo::Description>(6, u"Description", u"The description"),
+    Let<&Campo::LetDescription>(6, u"Description"),
+    Get<&Campo::Formula>(7, u"Formula", u"The formula of a formula variable"),
+    Let<&Campo::LetFormula>(7, u"Formula"),
+    Get<&Campo::SourceName>(8, u"SourceName", u"The bare word of a function"),
+    Let<&Campo::LetSourceName>(8, u"SourceName"),
+    Get<&Campo::Sintax>(9, u"Sintax", u"The help syntax of a function"),
+    Let<&Campo::LetSintax>(9, u"Sintax"),
+    Get<&Campo::Direction>(10, u"Direction", u"The direction that the host gave"),
+    Let<&Campo::LetDirection>(10, u"Direction"),
+    Get<&Campo::Status>(11, u"Status", u"2000 idle, 2002 being computed"),
+    Let<&Campo::LetStatus>(11, u"Status"),
+};
+
+constexpr MemberInfo kCamposMembers[] = {
+    Method<&Campos::Add>(1, u"Add", {{u"Campo"}, Optional(u"Before"), Optional(u"After")},
+                         u"Adds a record under its name"),
+    Method<&Campos::Exists>(2, u"Exists", {{u"Name"}}, u"Whether a name is in the table"),
+    Method<&Campos::Item>(3, u"Item", {{u"Index"}}, u"The record of a position or a name"),
+    Method<&Campos::Remove>(4, u"Remove", {{u"Index"}}, u"Takes a record out"),
+    Get<&Campos::Count>(5, u"Count", u"The number of records"),
+    Get<&Campos::SystemList>(6, u"SystemList", u"The comma-joined names of the system"),
+    Let<&Campos::LetSystemList>(6, u"SystemList"),
+    Get<&Campos::Claves>(7, u"Claves", u"Los nombres de los registros, en su orden"),
+    Hidden(Method<&Campos::NewEnum>(kNewEnumId, u"_NewEnum", {})),
+};
+
+constexpr ClassInfo kCampoClass{Campo::kClassName, kCampoMembers};
+constexpr ClassInfo kCamposClass{Campos::kClassName, kCamposMembers};
+
+}  // namespace
+
+const ClassInfo& Campo::Class() const { return kCampoClass; }
+const ClassInfo& Campos::Class() const { return kCamposClass; }
+
+Ref<Campo> Campo::Copy() const {
+  return RaisingErrors([&] {
+    auto copy = Make<Campo>(name_);
+    copy->data_type_ = data_type_;
+    copy->size_ = size_;
+    copy->position_ = position_;
+    copy->value_ = value_;
+    copy->description_ = description_;
+    copy->formula_ = formula_;
+    copy->has_formula_ = has_formula_;
+    copy->source_name_ = source_name_;
+    copy->sintax_ = sintax_;
+    copy->direction_ = direction_;
+    copy->status_ = status_;
+    return copy;
+  });
+}
+
+void Campo::LetName(const Text& Name) {
+  RaisingErrors([&] {
+    name_ = Name;
+    for (Campos* table : tables_) ++table->version_;
+  });
+}
+
+// What is replaced goes last: its destructor may lead back here, and let go of the record.
+void Campo::LetValue(const Variant& Value) {
+  const Variant former = std::exchange(value_, Value.Value());
+  for (Campos* table : tables_) ++table->values_version_;
+}
+
+void Campo::LetFormula(const Text& Formula) {
+  RaisingErrors([&] {
+    formula_ = Formula;
+    has_formula_ = !Trim(Formula).empty();
+    for (Campos* table : tables_) ++table->version_;
+  });
+}
+
+void Campo::LetDescription(const Text& Description) {
+  RaisingErrors([&] { description_ = Description; });
+}
+void Campo::LetSourceName(const Text& SourceName) {
+  RaisingErrors([&] { source_name_ = SourceName; });
+}
+void Campo::LetSintax(const Text& Sintax) {
+  RaisingErrors([&] { sintax_ = Sintax; });
+}
+
+void Campo::LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
+
+Campo::~Campo() { DeepRelease().TakeValues(*this); }
+
+Campos::~Campos() {
+  for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
+  DeepRelease().TakeRecords(*this);
+}
+
+void Campos::Add(const Ref<Campo>& Campo, const Variant& Before, const Variant& After) {
+  RaisingErrors([&] {
+    if (!Campo) Raise(Failure::ObjectNotSet);
+    const TextView name = Campo->Name();
+    const std::size_t position = InsertionPosition(list_, Before, After);
+    Campo->tables_.push_back(this);
+    try {
+      list_.Insert(position, Campo, &name);
+    } catch (...) {
+      Campo->tables_.pop_back();
+      throw;
+    }
+    ++version_;
+  });
+}
+
+void Campos::LetSystemList(const Text& SystemList) {
+  RaisingErrors([&] { system_list_ = SystemList; });
+}
+
+Ref<Campo> Campos::Item(const Variant& Index) const { return list_[PositionOf(list_, Index)]; }
+
+Ref<Collection> Campos::Claves() const {
+  return RaisingErrors([&] { return KeysOf(list_); });
+}
+
+Ref<Enumerador> Campos::NewEnum() {
+  return RaisingErrors([&] { return Make<Enumerador>(list_, Hold<Object>(*this)); });
+}
+
+void Campos::Remove(const Variant& Index) {
+  const std::size_t position = PositionOf(list_, Index);
+  const Ref<Campo> record = list_[position];  // goes last, and perhaps the table with it
+  // A record may stand in the table twice, under an old and a new name.
+  auto& tables = record->tables_;
+  tables.erase(std::find(tables.begin(), tables.end(), this));
+  list_.Remove(position);
+  ++version_;
+}
+
+bool Campos::IsSystem(TextView name) const {
+  for (TextView rest = system_list_; !rest.empty();) {
+    const std::size_t comma = std::min(rest.find(u','), rest.size());
+    if (EqualFolded(Trim(rest.substr(0, comma)), Trim(name))) return true;
+    rest.remove_prefix(std::min(comma + 1, rest.size()));
+  }
+  return false;
+}
+
+}  // namespace tovalin
