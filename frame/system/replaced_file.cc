@@ -82,7 +82,7 @@ void ReplacedFile::Commit() {
 }
 
 void ReplacedFile::RaiseUnwritable(int cause) const {
-  const Failure failure = WriteFailure(cause);
+  const Failure failure = WriteFailure(cause, target_);
   if (path_.empty() && failure == Failure::DiskFull) Raise(failure);
   const std::u8string name = path_.u8string();
   throw ErrorAbout(

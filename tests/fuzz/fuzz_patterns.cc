@@ -1,8 +1,8 @@
 #include <cmath>
 #include <optional>
 
-#include "frame/value/date_text.h"
 #include "frame/format/patterns.h"
+#include "frame/value/date_text.h"
 #include "tests/fuzz/fuzz_input.h"
 #include "tovalin/evaluador.h"
 #include "tovalin/lib_fecha.h"
