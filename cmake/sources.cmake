@@ -56,6 +56,8 @@ set(TOVALIN_SOURCES
     frame/system/clock_windows.cc
     frame/system/host_file_posix.cc
     frame/system/host_file_windows.cc
+    frame/system/power_posix.cc
+    frame/system/power_windows.cc
     frame/system/replaced_file.cc
     frame/system/stack_posix.cc
     frame/system/stack_windows.cc

@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 
+#include "frame/system/power.h"
 #include "frame/value/number_text.h"
 #include "tovalin/error.h"
 
@@ -41,13 +42,13 @@ bool RoundsUp(const DecimalDigits& digits, int place) {
   return place > 0 && (digits.digits[place - 1] - '0') % 2 == 1;
 }
 
-// Powers that are exact, and so what std::pow gives.
+// Powers that are exact, and so what RaisedTo gives.
 double PowerOfTen(std::int32_t exponent) {
   static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   static_assert(std::size(kPowers) == kMostDecimals + 1);
-  return exponent >= 0 && exponent <= kMostDecimals ? kPowers[exponent] : std::pow(10.0, exponent);
+  return exponent >= 0 && exponent <= kMostDecimals ? kPowers[exponent] : RaisedTo(10.0, exponent);
 }
 
 // Fifteen digits and the scaling move a number by less than this part of it, so that
@@ -108,7 +109,7 @@ double AjusteMedio(double value, double step, std::int32_t decimals) {
   if (step == 1 && decimals == 0) return value;
   if (value >= 0 && step == 1) return RoundHalfEven(value, decimals);
   if (step == 0) Raise(Failure::DivisionByZero);
-  const double half = 5 * std::pow(10.0, -(static_cast<double>(decimals) + 1));
+  const double half = 5 * RaisedTo(10.0, -(static_cast<double>(decimals) + 1));
   const double steps =
       value < 0 ? -WholePart(-value / step + half) : WholePart(value / step + half);
   return Finite(steps * step) + 0.0;  // a zero without a sign

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "evaluator/number_helpers.h"
+#include "frame/system/power.h"
 #include "frame/value/arithmetic.h"
 #include "frame/value/comparison.h"
 #include "tovalin/convert.h"
@@ -69,7 +70,7 @@ inline double IfDefinedPower(double base, double exponent) {
   const bool is_defined =
       arithmetic::IsFinite(base) && arithmetic::IsFinite(exponent) &&
       (base > 0 || (base == 0 ? exponent >= 0 : exponent == std::trunc(exponent)));
-  return is_defined ? std::pow(base, exponent) : kNoNumber;
+  return is_defined ? RaisedTo(base, exponent) : kNoNumber;
 }
 
 /// What `compute` gives, or no number where it raises.

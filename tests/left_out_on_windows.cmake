@@ -8,6 +8,8 @@ set(tests_left_out
     Failures.OfAFullDisk  # a link to /dev/full
     LiveTraceTest.ALongTextIsSavedOnce  # the mode of a file
     FlatFile.AFileThatCannotBeThereIsRaised
+    # Threads with a smaller stack than the program's: pthreads for Windows makes none.
+    SmallStack.ComputesChainsAsFarAsTheStackGoes
     # They remove files that are in use, which Windows does not do.
     LiveTraceTest.DeletedFilesComeBack
     LiveTraceTest.TakesTheFormerTraceOutOfTheSettings

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "frame/system/power.h"
 #include "frame/value/conversion.h"
 #include "frame/value/widening.h"
 #include "tovalin/error.h"
@@ -199,7 +200,7 @@ Variant Power(const Variant& left, const Variant& right) {
   const bool undefined = (base == 0 && exponent < 0) ||
                          (base < 0 && IsFinite(exponent) && exponent != std::trunc(exponent));
   if (undefined) Raise(Failure::InvalidArgument);
-  return Finite(std::pow(base, exponent));
+  return Finite(RaisedTo(base, exponent));
 }
 
 Variant Negate(const Variant& value) {
