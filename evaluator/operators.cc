@@ -203,7 +203,7 @@ std::span<Variant> TopOperands(ValueStack& stack, std::size_t count) {
   while (stack.size() < count) stack.emplace(stack.begin());
   const std::span<Variant> operands = std::span(stack).last(count);
   for (Variant& operand : operands)
-    if (operand.Is(Subtype::String)) operand = Normalised(std::move(operand));
+    if (!IsKnownNormalised(operand)) operand = Normalised(std::move(operand));
   return operands;
 }
 

@@ -78,6 +78,11 @@ inline bool IsNormalised(const Variant& value) {
          IsNormalised(TextView(value.AsText()));
 }
 
+/// Whether that is so without a look at its characters.
+inline bool IsKnownNormalised(const Variant& value) {
+  return !value.Is(Subtype::String) || (!value.IsByReference() && value.AsSharedText().is_plain);
+}
+
 /// The top `count` values of the stack as operands: normalised in place, with Empty
 /// in front where there are fewer.
 std::span<Variant> TopOperands(ValueStack& stack, std::size_t count);

@@ -34,11 +34,6 @@ Variant Unshared(Variant value) {
   return value.Is(Subtype::String) ? Variant(TextView(value.AsText())) : std::move(value);
 }
 
-// Whether that needs no look at its characters: Normalised takes one itself.
-bool IsKnownNormalised(const Variant& value) {
-  return !value.Is(Subtype::String) || (!value.IsByReference() && value.AsSharedText().is_plain);
-}
-
 }  // namespace
 
 ValueColumns::ValueColumns(const Plan& plan, std::span<const Bound> columns) {
