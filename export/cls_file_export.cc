@@ -84,7 +84,9 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
     error = Error{kObjectError, Text(kClassName), u"Excepción desconocida"};
   }
   if (!error) return true;
-  last_failure_.emplace().error = std::move(*error);
+  FailureReport report;
+  report.error = std::move(*error);
+  last_failure_ = std::move(report);
   if (run) Guarded([&] { run->Describe(*last_failure_); });
   return false;
 }
