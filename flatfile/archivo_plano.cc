@@ -156,6 +156,8 @@ Variant ArchivoPlano::Parametro(const Text& Nombre) const {
 }
 void ArchivoPlano::LetParametro(const Text& Nombre, const Variant& NewValue) {
   RaisingErrors([&] {
+    // No field can show one, and one that leads back here would never be released.
+    if (NewValue.Value().MayOwnObjects()) Raise(Failure::TypeMismatch);
     if (!core_->parameters->Exists(Nombre)) core_->parameters->Add(Make<Campo>(Nombre));
     core_->parameters->Find(Nombre)->LetValue(NewValue.Value());
   });

@@ -78,6 +78,7 @@ class TOVALIN_API ArchivoPlano : public Object {
   // --- Writing ------------------------------------------------------------------
 
   /// A value of headers and trailers, or of a formula, by its name; Empty without one.
+  /// An object or an array raises 13.
   Variant Parametro(const Text& Nombre) const;
   void LetParametro(const Text& Nombre, const Variant& NewValue);
   /// Computes the formulas of fields: with functions of the host, say. None: its own.

@@ -261,6 +261,8 @@ TEST_F(FlatFile, LateBoundHostsHaveItAll) {
   EXPECT_EQ(call(u"Diseno", MemberKind::Let, {FromUtf8(kPayroll)}), "");
   EXPECT_EQ(call(u"Parametro", MemberKind::Let, {u"Pago", Date{45356}}), "");
   EXPECT_EQ(call(u"Parametro", MemberKind::Let, {u"Factor", std::int16_t{2}}), "");
+  for (const Variant& value : {Variant(Make<Collection>()), Variant(Make<VariantArray>(1, 1))})
+    EXPECT_EQ(call(u"Parametro", MemberKind::Let, {u"Pago", value}), "No coinciden los tipos");
   EXPECT_EQ(call(u"Escribir", MemberKind::Method, {Payments(), Path()}), "");
   EXPECT_TRUE(result.AsBoolean());
   EXPECT_EQ(Contents(), kPayrollFile);

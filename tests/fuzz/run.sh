@@ -2,6 +2,8 @@
 # Feeds generated inputs to the library, SECONDS (30) for each target, and stops at
 # the first fault. TARGETs are the names behind "fuzz_", all by default.
 #   tests/fuzz/run.sh [SECONDS [TARGET...]]
+# With --runs N in place of SECONDS, N inputs for each target, the same ones every time.
+#   tests/fuzz/run.sh --runs N [TARGET...]
 #
 # What was found worth keeping is in build-fuzz/corpus/TARGET for the next run. An
 # input that failed is in build-fuzz/failures; to see it fail again, hand it to its
@@ -11,8 +13,17 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 source cmake/build.sh
 
-seconds=${1:-30}
-targets=("${@:2}")
+if [[ ${1-} == --runs ]]; then
+  effort=(-runs="$2" -seed=1)
+  shift 2
+  corpus=build-fuzz/corpus-of-runs
+  rm -rf "$corpus"
+else
+  effort=(-max_total_time="${1:-30}")
+  shift $(($# > 0))
+  corpus=build-fuzz/corpus
+fi
+targets=("$@")
 if ((${#targets[@]} == 0)); then
   for source in tests/fuzz/fuzz_*.cc; do
     target=$(basename "$source" .cc)
@@ -34,11 +45,11 @@ cmake --build build-fuzz --target "${targets[@]/#/fuzz_}"
 export XDG_CONFIG_HOME=$PWD/build-fuzz/config XDG_RUNTIME_DIR=$PWD/build-fuzz/config
 mkdir -p build-fuzz/failures "$XDG_CONFIG_HOME"
 for target in "${targets[@]}"; do
-  echo "== fuzz_$target, $seconds s"
-  mkdir -p "build-fuzz/corpus/$target"
-  build-fuzz/tests/fuzz/"fuzz_$target" -max_total_time="$seconds" -timeout=10 \
+  echo "== fuzz_$target, ${effort[*]}"
+  mkdir -p "$corpus/$target"
+  build-fuzz/tests/fuzz/"fuzz_$target" "${effort[@]}" -timeout=10 \
     -rss_limit_mb=2048 -max_len=2048 -print_final_stats=1 \
     -artifact_prefix="build-fuzz/failures/$target-" \
     ${dictionary[$target]:+-dict=tests/fuzz/${dictionary[$target]}.dict} \
-    "build-fuzz/corpus/$target" "tests/fuzz/corpus/$target"
+    "$corpus/$target" "tests/fuzz/corpus/$target"
 done
