@@ -12,6 +12,7 @@ set(TOVALIN_SOURCES
     frame/object/lib_constan.cc
     frame/object/variant.cc
     frame/text/code_page.cc
+    frame/text/json.cc
     frame/text/letter_case.cc
     frame/text/text.cc
     frame/value/amount.cc

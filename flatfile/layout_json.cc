@@ -2,17 +2,15 @@
 
 #include <cmath>
 #include <initializer_list>
-#include <nlohmann/json.hpp>
 
 #include "flatfile/moment.h"
 #include "flatfile/problem.h"
 #include "flatfile/words.h"
+#include "frame/text/json.h"
 #include "frame/text/utf8.h"
 
 namespace tovalin::flat {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::string_view kPrefix = "tovalin:";
 constexpr std::size_t kLongestText = std::size_t{1} << 22;
@@ -23,13 +21,12 @@ constexpr const char* kSchema = "https://datapackage.org/profiles/2.0/tableschem
 class Reader {
  public:
   Reader(const Json& json, std::string place) : json_(json), place_(std::move(place)) {
-    if (!json.is_object()) Fail("", "debe ser un objeto");
+    if (!json.As<Json::Object>()) Fail("", "debe ser un objeto");
   }
 
   const Json* Find(std::string_view key) {
     known_.emplace_back(key);
-    const auto found = json_.find(std::string(key));
-    return found == json_.end() ? nullptr : &*found;
+    return json_.Find(key);
   }
 
   [[noreturn]] void Fail(std::string_view key, const std::string& reason) const {
@@ -47,14 +44,16 @@ class Reader {
     if (found) value = TextOf(*found, key);
   }
   Text TextOf(const Json& json, std::string_view key) const {
-    if (!json.is_string()) Fail(key, "debe ser un texto");
-    return FromUtf8(json.get_ref<const std::string&>());
+    const std::string* text = json.As<std::string>();
+    if (!text) Fail(key, "debe ser un texto");
+    return FromUtf8(*text);
   }
   void Get(std::string_view key, bool& value) {
     const Json* found = Find(key);
     if (!found) return;
-    if (!found->is_boolean()) Fail(key, "debe ser true o false");
-    value = found->get<bool>();
+    const bool* logical = found->As<bool>();
+    if (!logical) Fail(key, "debe ser true o false");
+    value = *logical;
   }
   void Get(std::string_view key, char16_t& value) {
     const Json* found = Find(key);
@@ -66,9 +65,10 @@ class Reader {
   std::optional<std::uint64_t> Whole(std::string_view key, std::uint64_t most) {
     const Json* found = Find(key);
     if (!found) return std::nullopt;
-    if (!found->is_number_unsigned() || found->get<std::uint64_t>() > most)
+    const std::optional<std::uint64_t> count = found->AsCount();
+    if (!count || *count > most)
       Fail(key, "debe ser un número entero de 0 a " + std::to_string(most));
-    return found->get<std::uint64_t>();
+    return count;
   }
   void Get(std::string_view key, std::size_t& value) {
     value = static_cast<std::size_t>(Whole(key, kLongestRecord).value_or(value));
@@ -76,9 +76,10 @@ class Reader {
   void Get(std::string_view key, std::vector<Text>& values) {
     const Json* found = Find(key);
     if (!found) return;
-    if (!found->is_array()) Fail(key, "debe ser una lista de textos");
+    const Json::Array* items = found->As<Json::Array>();
+    if (!items) Fail(key, "debe ser una lista de textos");
     values.clear();
-    for (const Json& item : *found) values.push_back(TextOf(item, key));
+    for (const Json& item : *items) values.push_back(TextOf(item, key));
   }
   template <class Value, std::size_t kCount>
   void Get(std::string_view key, const Word<Value> (&words)[kCount], Value& value) {
@@ -90,7 +91,7 @@ class Reader {
   }
 
   void RequireKnown(bool all = false) const {
-    for (const auto& [key, value] : json_.items())
+    for (const auto& [key, value] : *json_.As<Json::Object>())
       if ((all || key.starts_with(kPrefix)) &&
           std::find(known_.begin(), known_.end(), key) == known_.end())
         Fail(key, "no se conoce");
@@ -146,8 +147,9 @@ void ReadNumberForm(Reader& reader, FieldLayout& field) {
   reader.Get("tovalin:redondear", field.rounds);
   reader.Get("tovalin:signo", kSignWords, field.sign);
   reader.Get("tovalin:signoMas", field.plus);
-  if (const Json* bare = reader.Find("bareNumber"); bare && *bare != Json(true))
-    reader.Fail("bareNumber", "sólo se admiten números sin otro texto");
+  bool bare = true;
+  reader.Get("bareNumber", bare);
+  if (!bare) reader.Fail("bareNumber", "sólo se admiten números sin otro texto");
 }
 
 void ReadLogicalForm(Reader& reader, FieldLayout& field) {
@@ -189,9 +191,10 @@ FieldLayout ReadField(const Json& json, const std::string& place, const Text& nu
 
 std::vector<FieldLayout> ReadFields(Reader& owner, const Text& null_text) {
   const Json* json = owner.Find("fields");
-  if (!json || !json->is_array()) owner.Fail("fields", "debe ser una lista de campos");
+  const Json::Array* items = json ? json->As<Json::Array>() : nullptr;
+  if (!items) owner.Fail("fields", "debe ser una lista de campos");
   std::vector<FieldLayout> fields;
-  for (const Json& field : *json)
+  for (const Json& field : *items)
     fields.push_back(
         ReadField(field, owner.Path("fields") + "/" + std::to_string(fields.size()), null_text));
   return fields;
@@ -202,7 +205,7 @@ void ReadDialect(Reader& owner, Layout& layout) {
   if (!json) return;
   Reader reader(*json, owner.Path("tovalin:dialecto"));
   reader.Get("delimiter", layout.delimiter);
-  if (const Json* quote = reader.Find("quoteChar"); quote && quote->is_null())
+  if (const Json* quote = reader.Find("quoteChar"); quote && quote->IsNull())
     layout.quote = 0;
   else
     reader.Get("quoteChar", layout.quote);
@@ -221,8 +224,9 @@ void ReadRecords(Reader& owner, const Text& null_text, Layout& layout) {
   }
   // With several kinds of records the fields of the schema are the columns of the rows.
   for (const FieldLayout& field : fields) layout.columns.push_back({field.name, field.type});
-  if (!json->is_array()) owner.Fail("tovalin:registros", "debe ser una lista");
-  for (const Json& item : *json) {
+  const Json::Array* items = json->As<Json::Array>();
+  if (!items) owner.Fail("tovalin:registros", "debe ser una lista");
+  for (const Json& item : *items) {
     Reader reader(item, "tovalin:registros/" + std::to_string(layout.records.size()));
     RecordLayout record;
     reader.Get("nombre", record.name);
@@ -234,9 +238,9 @@ void ReadRecords(Reader& owner, const Text& null_text, Layout& layout) {
   }
 }
 
-// Parsing errors tell a byte; people look for lines.
+// Parsing errors tell a byte, from 0; people look for lines.
 std::string PlaceOfByte(std::string_view text, std::size_t byte) {
-  const std::string_view before = text.substr(0, byte > 0 ? byte - 1 : 0);
+  const std::string_view before = text.substr(0, byte);
   const auto line = std::count(before.begin(), before.end(), '\n') + 1;
   const std::size_t start = before.rfind('\n');
   const std::size_t column = before.size() - (start == std::string_view::npos ? 0 : start + 1) + 1;
@@ -247,14 +251,11 @@ Json Parse(std::string_view utf8) {
   if (utf8.starts_with("\xEF\xBB\xBF")) utf8.remove_prefix(3);
   if (utf8.size() > kLongestText) RaiseFault("Diseño", "es demasiado largo");
   const std::size_t valid = ValidUtf8Length(utf8);
-  if (valid != utf8.size()) RaiseFault(PlaceOfByte(utf8, valid + 1), "el texto no es UTF-8");
-  try {
-    return Json::parse(utf8);
-  } catch (const Json::parse_error& error) {
-    RaiseFault(PlaceOfByte(utf8, error.byte), "el texto no es JSON");
-  } catch (const Json::exception&) {  // a number beyond all ranges
-    RaiseFault("Diseño", "el texto no es JSON");
-  }
+  if (valid != utf8.size()) RaiseFault(PlaceOfByte(utf8, valid), "el texto no es UTF-8");
+  std::variant<Json, JsonFault> read = ParseJson(utf8);
+  if (Json* json = std::get_if<Json>(&read)) return std::move(*json);
+  const std::optional<std::size_t> byte = std::get<JsonFault>(read).byte;
+  RaiseFault(byte ? PlaceOfByte(utf8, *byte) : "Diseño", "el texto no es JSON");
 }
 
 std::string Utf8Of(char16_t c) { return ToUtf8(TextView(&c, 1)); }
@@ -262,30 +263,30 @@ std::string Utf8Of(char16_t c) { return ToUtf8(TextView(&c, 1)); }
 template <class Value, std::size_t kCount>
 void Put(Json& json, const char* key, const Word<Value> (&words)[kCount], Value value,
          Value omitted) {
-  if (value != omitted) json[key] = std::string(WordOf<Value>(words, value));
+  if (value != omitted) json.Add(key, std::string(WordOf<Value>(words, value)));
 }
 void Put(Json& json, const char* key, const Text& text) {
-  if (!text.empty()) json[key] = ToUtf8(text);
+  if (!text.empty()) json.Add(key, ToUtf8(text));
 }
 void Put(Json& json, const char* key, bool value, bool omitted) {
-  if (value != omitted) json[key] = value;
+  if (value != omitted) json.Add(key, value);
 }
 void Put(Json& json, const char* key, char16_t value, char16_t omitted) {
-  if (value != omitted) json[key] = Utf8Of(value);
+  if (value != omitted) json.Add(key, Utf8Of(value));
 }
 void Put(Json& json, const char* key, const std::vector<Text>& texts) {
   if (texts.empty()) return;
-  Json list = Json::array();
-  for (const Text& text : texts) list.push_back(ToUtf8(text));
-  json[key] = std::move(list);
+  Json list = Json::Array();
+  for (const Text& text : texts) list.Add(ToUtf8(text));
+  json.Add(key, std::move(list));
 }
 
 Json WriteTotal(const Total& total) {
   Json json;
-  json["tipo"] = std::string(WordOf<TotalKind>(kTotalWords, total.kind));
+  json.Add("tipo", std::string(WordOf<TotalKind>(kTotalWords, total.kind)));
   Put(json, "campo", total.field);
   Put(json, "registros", total.kinds);
-  if (total.modulus != 0) json["modulo"] = total.modulus;
+  if (total.modulus != 0) json.Add("modulo", total.modulus);
   return json;
 }
 
@@ -293,11 +294,11 @@ void WriteForm(const FieldLayout& field, Json& json) {
   const FieldLayout usual;
   if (field.IsMoment() && field.pattern != DefaultPattern(field.type)) {
     const std::optional<Text> percent = ToPercentPattern(field.pattern);
-    json[percent ? "format" : "tovalin:patron"] = ToUtf8(percent ? *percent : field.pattern);
+    json.Add(percent ? "format" : "tovalin:patron", ToUtf8(percent ? *percent : field.pattern));
   }
   if (field.IsNumber()) {
     Put(json, "tovalin:patron", field.pattern);
-    if (field.decimals) json["tovalin:decimales"] = *field.decimals;
+    if (field.decimals) json.Add("tovalin:decimales", *field.decimals);
     Put(json, "tovalin:implicito", field.implied, false);
     Put(json, "tovalin:redondear", field.rounds, false);
     Put(json, "tovalin:signo", kSignWords, field.sign, Sign::Front);
@@ -313,19 +314,19 @@ void WriteForm(const FieldLayout& field, Json& json) {
 
 Json WriteField(const Layout& layout, const FieldLayout& field) {
   Json json;
-  json["name"] = ToUtf8(field.name);
-  json["type"] = std::string(WordOf<FieldType>(kTypeWords, field.type));
+  json.Add("name", ToUtf8(field.name));
+  json.Add("type", std::string(WordOf<FieldType>(kTypeWords, field.type)));
   if (layout.fixed) {
-    json["tovalin:inicio"] = field.start;
-    if (field.width != 0) json["tovalin:ancho"] = field.width;
+    json.Add("tovalin:inicio", field.start);
+    if (field.width != 0) json.Add("tovalin:ancho", field.width);
   }
   WriteForm(field, json);
   Put(json, "tovalin:alineacion", kAlignmentWords, field.alignment, Alignment::Default);
   Put(json, "tovalin:relleno", field.fill, u' ');
   Put(json, "tovalin:columna", field.column);
-  if (field.constant) json["tovalin:constante"] = ToUtf8(*field.constant);
+  if (field.constant) json.Add("tovalin:constante", ToUtf8(*field.constant));
   Put(json, "tovalin:formula", field.formula);
-  if (field.total.kind != TotalKind::None) json["tovalin:total"] = WriteTotal(field.total);
+  if (field.total.kind != TotalKind::None) json.Add("tovalin:total", WriteTotal(field.total));
   if (!field.null_text.empty()) Put(json, "missingValues", std::vector<Text>{field.null_text});
   Put(json, "tovalin:letras", kCaseWords, field.letter_case, LetterCase::AsIs);
   Put(json, "tovalin:noCabe", kMisfitWords, field.misfit, Misfit::Refuse);
@@ -333,13 +334,13 @@ Json WriteField(const Layout& layout, const FieldLayout& field) {
   Json constraints;
   Put(constraints, "required", field.required, false);
   Put(constraints, "enum", field.allowed);
-  if (!constraints.empty()) json["constraints"] = std::move(constraints);
+  if (!constraints.IsNull()) json.Add("constraints", std::move(constraints));
   return json;
 }
 
 Json WriteFields(const Layout& layout, const RecordLayout& record) {
-  Json fields = Json::array();
-  for (const FieldLayout& field : record.fields) fields.push_back(WriteField(layout, field));
+  Json fields = Json::Array();
+  for (const FieldLayout& field : record.fields) fields.Add(WriteField(layout, field));
   return fields;
 }
 
@@ -347,30 +348,32 @@ void WriteRecords(const Layout& layout, Json& json) {
   const RecordLayout& first = layout.records.front();
   if (layout.records.size() == 1 && layout.columns.empty() && first.name == u"detalle" &&
       first.when.empty()) {
-    json["fields"] = WriteFields(layout, first);
+    json.Add("fields", WriteFields(layout, first));
     return;
   }
-  json["fields"] = Json::array();
+  Json columns = Json::Array();
   for (const ColumnLayout& column : layout.columns)
-    json["fields"].push_back({{"name", ToUtf8(column.name)},
-                              {"type", std::string(WordOf<FieldType>(kTypeWords, column.type))}});
-  json["tovalin:registros"] = Json::array();
+    columns.Add(Json::Object{{"name", ToUtf8(column.name)},
+                             {"type", std::string(WordOf<FieldType>(kTypeWords, column.type))}});
+  json.Add("fields", std::move(columns));
+  Json records = Json::Array();
   for (const RecordLayout& record : layout.records) {
     Json item;
-    item["nombre"] = ToUtf8(record.name);
+    item.Add("nombre", ToUtf8(record.name));
     Put(item, "papel", kRoleWords, record.role, Role::Detail);
     Put(item, "cuando", record.when);
-    item["fields"] = WriteFields(layout, record);
-    json["tovalin:registros"].push_back(std::move(item));
+    item.Add("fields", WriteFields(layout, record));
+    records.Add(std::move(item));
   }
+  json.Add("tovalin:registros", std::move(records));
 }
 
 Json WriteDialect(const Layout& layout) {
   Json json;
-  json["delimiter"] = Utf8Of(layout.delimiter);
-  json["quoteChar"] = layout.quote == 0 ? Json(nullptr) : Json(Utf8Of(layout.quote));
+  json.Add("delimiter", Utf8Of(layout.delimiter));
+  json.Add("quoteChar", layout.quote == 0 ? Json() : Json(Utf8Of(layout.quote)));
   Put(json, "doubleQuote", layout.doubled, true);
-  json["header"] = layout.header_row;
+  json.Add("header", layout.header_row);
   Put(json, "comillas", kQuoteWords, layout.quotes, QuoteUse::Needed);
   return json;
 }
@@ -401,19 +404,19 @@ Layout ReadLayoutJson(std::string_view utf8) {
 
 std::string WriteLayoutJson(const Layout& layout) {
   Json json;
-  json["$schema"] = kSchema;
-  json["tovalin:formato"] = std::string(WordOf<bool>(kFormatWords, layout.fixed));
-  json["tovalin:codificacion"] = std::string(WordOf<Encoding>(kEncodingWords, layout.encoding));
+  json.Add("$schema", kSchema);
+  json.Add("tovalin:formato", std::string(WordOf<bool>(kFormatWords, layout.fixed)));
+  json.Add("tovalin:codificacion", std::string(WordOf<Encoding>(kEncodingWords, layout.encoding)));
   Put(json, "tovalin:sinCaracter", kUnencodableWords, layout.unencodable,
       layout.encoding == Encoding::Ascii ? Unencodable::Unaccent : Unencodable::Refuse);
   Put(json, "tovalin:reemplazo", layout.replacement, u'?');
   Put(json, "tovalin:finLinea", kLineEndWords, layout.line_end, LineEnd::CrLf);
-  if (layout.fixed && layout.length != 0) json["tovalin:longitud"] = layout.length;
+  if (layout.fixed && layout.length != 0) json.Add("tovalin:longitud", layout.length);
   Put(json, "tovalin:separador", layout.separator);
-  if (!layout.fixed) json["tovalin:dialecto"] = WriteDialect(layout);
+  if (!layout.fixed) json.Add("tovalin:dialecto", WriteDialect(layout));
   Put(json, "tovalin:columnaRegistro", layout.kind_column);
   WriteRecords(layout, json);
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return json.Written() + "\n";
 }
 
 }  // namespace tovalin::flat
