@@ -15,13 +15,17 @@ namespace {
 namespace fs = std::filesystem;
 
 // Nobody else's name in the directory of `path`, and none that somebody can foresee.
-fs::path TemporaryName(fs::path path) {
+fs::path TemporaryName(const fs::path& path) {
   constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz";
   std::random_device random;
   std::uniform_int_distribution<std::size_t> letter(0, sizeof kLetters - 2);
-  std::string name = "tovalin-";
+  // Put together as a text: a path that runs out of memory while it changes breaks.
+  fs::path::string_type name = path.native();
+  name.resize(name.size() - path.filename().native().size());
+  for (const char c : std::string_view("tovalin-")) name.push_back(c);
   for (int i = 0; i < 12; ++i) name.push_back(kLetters[letter(random)]);
-  return path.replace_filename(name + ".tmp");
+  for (const char c : std::string_view(".tmp")) name.push_back(c);
+  return name;
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <optional>
 
 #include "tests/evaluator/formula_host.h"
+#include "tests/files/temporary_directory.h"
+#include "tovalin/archivo_plano.h"
 #include "tovalin/cls_file_export.h"
 #include "tovalin/dispatch.h"
 #include "tovalin/enumerador.h"
@@ -415,6 +417,53 @@ TEST(OutOfMemory, KeepsTheFormulasOfABatch) {
     }
     EXPECT_LE(failures, 1u) << n;
     if (!attempt.failed) break;
+  }
+}
+
+// A flat file is whole, or is not there, and the object takes the next call as ever.
+TEST(OutOfMemory, LeavesNoPartOfAFlatFile) {
+  constexpr TextView kLayout =
+      uR"({"tovalin:formato": "fijo", "fields": [
+          {"name": "Nombre", "type": "string", "tovalin:ancho": 30},
+          {"name": "Valor", "type": "number", "tovalin:ancho": 12, "tovalin:decimales": 2}]})";
+  const TemporaryDirectory here;
+  const Text path = here.Host("archivo.txt");
+  const auto rows = Make<VariantArray>(2, 3);
+  for (std::size_t row = 0; row < 3; ++row) {
+    rows->At(0, row) = u"un nombre que es muy largo";
+    rows->At(1, row) = 1234.25;
+  }
+  const Variant table = rows;
+  Variant read;
+  const auto work = [&](ArchivoPlano& file) {
+    file.LetDiseno(T(kLayout));
+    file.LetParametro(T(kLong), V(kLong));
+    if (!file.Escribir(table, path) || !file.Verificar(path)) Raise(Failure::InvalidArgument);
+    read = file.Leer(path);
+  };
+  const auto model = Make<ArchivoPlano>();
+  ASSERT_EQ(RunFailing(0, false, [&] { work(*model); }).outcome, "done");
+  const std::string whole = here.Read("archivo.txt");
+  ASSERT_EQ(whole.size(), 3 * 44u);
+  for (const bool all_behind : {false, true}) {
+    const auto file = Make<ArchivoPlano>();
+    for (std::size_t n = 1;; ++n) {
+      std::filesystem::remove(here / "archivo.txt");
+      read = {};
+      const Attempt attempt = RunFailing(n, all_behind, [&] { work(*file); });
+      if (here.Has("archivo.txt")) {
+        ASSERT_EQ(here.Read("archivo.txt"), whole) << n;
+      }
+      ASSERT_EQ(std::distance(std::filesystem::directory_iterator(here / ""), {}),
+                here.Has("archivo.txt"))
+          << n;
+      if (attempt.outcome == "done") {
+        ASSERT_EQ(ToText(read.AsArray().At(1, 2)), u"1234.25") << n;
+        if (!attempt.failed) break;
+      } else {
+        ASSERT_EQ(attempt.outcome, "Error 7") << n;
+      }
+    }
   }
 }
 
