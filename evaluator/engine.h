@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "evaluator/dependencies.h"
-#include "evaluator/formula_marks.h"
-#include "evaluator/formula_plans.h"
+#include "evaluator/formula_variables.h"
 #include "evaluator/operators.h"
 #include "evaluator/plan_store.h"
 #include "tovalin/evaluador.h"

@@ -80,14 +80,13 @@ class TOVALIN_API Campo : public Object {
  private:
   friend class Campos;
   friend class DeepRelease;
-  friend class FormulaMarks;
-  friend class FormulaPlans;
+  friend struct FormulaSlot;
 
   // What an evaluation asks stands in front, so that it finds it in one place.
   bool has_formula_ = false;  // more than blanks
   std::int32_t status_ = kIdle;
-  std::uint32_t mark_ = 0;        // see FormulaMarks
-  std::uint32_t plan_place_ = 0;  // see FormulaPlans
+  std::uint32_t mark_ = 0;        // see FormulaSlot
+  std::uint32_t plan_place_ = 0;  // see FormulaSlot
   Variant value_;
   Text name_;
   std::int32_t data_type_ = 0;
