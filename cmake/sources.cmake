@@ -17,7 +17,9 @@ set(TOVALIN_SOURCES
     frame/text/code_page.cc
     frame/text/json.cc
     frame/text/letter_case.cc
+    frame/text/search.cc
     frame/text/text.cc
+    frame/text/utf8.cc
     frame/value/amount.cc
     frame/value/arithmetic.cc
     frame/value/calendar.cc
@@ -26,6 +28,7 @@ set(TOVALIN_SOURCES
     frame/value/conversion.cc
     frame/value/date_text.cc
     frame/value/date_words.cc
+    frame/value/decimal_digits.cc
     frame/value/leading_number.cc
     frame/value/locale.cc
     frame/value/logic.cc

@@ -17,6 +17,8 @@ struct DateOrder {
   TextView parts[3];
 };
 
+constexpr TextView kShortYear = u"yy";
+constexpr TextView kLongYear = u"yyyy";
 constexpr TextView kYear = u"Y";
 constexpr DateOrder kDateOrders[] = {
     {u"DMY", {u"dd", u"mm", kYear}}, {u"DYM", {u"dd", kYear, u"mm"}},
@@ -39,7 +41,44 @@ const NumericWidth& FindWidth(const Variant& type) {
   return *found;
 }
 
+char16_t FirstCharacter(const Text& text) { return text.empty() ? u' ' : text[0]; }
+
 }  // namespace
+
+struct clsFileExport::Core {
+  std::uint8_t format = TEXTO_DELIMITADO;
+  Text date_order = u"AMD";
+  TextView year = kShortYear;
+  char16_t date_separator = u'/';
+  char16_t text_qualifier = u'"';
+  Text date_pattern;  // by the last order that was set
+  HostClock clock;
+  std::optional<FailureReport> last_failure;
+};
+
+clsFileExport::clsFileExport() : core_(std::make_unique<Core>()) {}
+clsFileExport::~clsFileExport() = default;
+
+bool clsFileExport::AnoCompleto() const { return core_->year == kLongYear; }
+void clsFileExport::LetAnoCompleto(bool NewValue) {
+  core_->year = NewValue ? kLongYear : kShortYear;
+}
+Text clsFileExport::SeparadorFecha() const { return Text(1, core_->date_separator); }
+void clsFileExport::LetSeparadorFecha(const Text& NewValue) {
+  core_->date_separator = FirstCharacter(NewValue);
+}
+Text clsFileExport::SeparadorCadena() const { return Text(1, core_->text_qualifier); }
+void clsFileExport::LetSeparadorCadena(const Text& NewValue) {
+  core_->text_qualifier = FirstCharacter(NewValue);
+}
+std::uint8_t clsFileExport::Fomato() const { return core_->format; }
+void clsFileExport::LetFomato(std::uint8_t NewValue) { core_->format = NewValue; }
+
+const std::optional<clsFileExport::FailureReport>& clsFileExport::LastFailure() const {
+  return core_->last_failure;
+}
+TextView clsFileExport::DatePattern() const { return core_->date_pattern; }
+void clsFileExport::UseClock(HostClock::Function clock) { core_->clock.Use(std::move(clock)); }
 
 std::uint8_t clsFileExport::Precision(const Variant& vPrecision) const {
   return FindWidth(vPrecision).width;
@@ -52,17 +91,18 @@ void clsFileExport::LetPrecision(const Variant& vPrecision, std::uint8_t) const 
   Raise(Failure::ObjectRequired);
 }
 
+const Text& clsFileExport::OrdenFechas() const { return core_->date_order; }
 void clsFileExport::LetOrdenFechas(const Text& NewValue) {
   RaisingErrors([&] {
     const auto known = std::ranges::find(kDateOrders, NewValue, &DateOrder::code);
     const DateOrder& order = known == std::end(kDateOrders) ? kOtherOrder : *known;
     Text pattern;
     for (const TextView part : order.parts) {
-      if (!pattern.empty()) pattern += date_separator_;
-      pattern += part == kYear ? year_ : part;
+      if (!pattern.empty()) pattern += core_->date_separator;
+      pattern += part == kYear ? core_->year : part;
     }
-    date_order_ = order.code;
-    date_pattern_ = std::move(pattern);
+    core_->date_order = order.code;
+    core_->date_pattern = std::move(pattern);
   });
 }
 
@@ -71,13 +111,14 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
                                                std::int32_t vlngRows, const Text& vstrArchivoSalida,
                                                const Text&) {
   const Ref<clsFileExport> alive = Hold(*this);
-  last_failure_.reset();
+  core_->last_failure.reset();
   std::optional<ExportRun> run;
   std::optional<Error> error;
   try {
     error = Guarded([&] {
       run.emplace(ExportInput{rvarDatos.Value(), vcolCampos, vlngRows, vstrArchivoSalida,
-                              date_pattern_, text_qualifier_, format_ != TEXTO_DELIMITADO, clock_});
+                              core_->date_pattern, core_->text_qualifier,
+                              core_->format != TEXTO_DELIMITADO, core_->clock});
       run->Write();
     });
   } catch (...) {  // what the host's clock may throw
@@ -86,8 +127,8 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
   if (!error) return true;
   FailureReport report;
   report.error = std::move(*error);
-  last_failure_ = std::move(report);
-  if (run) Guarded([&] { run->Describe(*last_failure_); });
+  core_->last_failure = std::move(report);
+  if (run) Guarded([&] { run->Describe(*core_->last_failure); });
   return false;
 }
 

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "flatfile/problem.h"
+#include "frame/text/characters.h"
 #include "frame/text/code_page.h"
 #include "frame/text/utf8.h"
 
@@ -22,8 +23,6 @@ static_assert(kAccented.size() == kUnaccented.size());
 
 bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-bool IsHighHalf(char16_t c) { return c >= 0xD800 && c < 0xDC00; }
-bool IsLowHalf(char16_t c) { return c >= 0xDC00 && c < 0xE000; }
 
 }  // namespace
 
@@ -74,7 +73,7 @@ std::size_t Encoder::AppendSlowly(std::string& bytes, TextView text) const {
     const char16_t c = text[i];
     bytes += ByteOf(Has(c) ? c : Substitute(c));
     // The halves of a pair are one character to whoever reads the text.
-    if (IsHighHalf(c) && i + 1 < text.size() && IsLowHalf(text[i + 1])) ++i;
+    if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) ++i;
   }
   return count;
 }
@@ -82,10 +81,8 @@ std::size_t Encoder::AppendSlowly(std::string& bytes, TextView text) const {
 std::size_t Encoder::AppendUnicode(std::string& bytes, TextView text) const {
   std::size_t count = text.size();
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool pair = IsHighHalf(text[i]) && i + 1 < text.size() && IsLowHalf(text[i + 1]);
-    if (!pair && (IsHighHalf(text[i]) || IsLowHalf(text[i])))
-      throw Problem{"el texto tiene medio carácter de un par"};
-    if (!pair) continue;
+    if (IsUnpairedSurrogate(text, i)) throw Problem{"el texto tiene medio carácter de un par"};
+    if (!IsHighSurrogate(text[i])) continue;
     --count;
     ++i;
   }

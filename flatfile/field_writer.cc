@@ -18,9 +18,6 @@
 namespace tovalin::flat {
 namespace {
 
-constexpr double kExactInText = 1e15;
-constexpr int kDoubleDigits = 15;
-
 // With "." as its decimal point, whatever the locale.
 template <class Number>
 std::string NumberText(Number number) {
@@ -99,7 +96,7 @@ void FieldWriter::RequireAllowed() const {
 }
 
 void FieldWriter::FormText(const Variant& value) {
-  if (value.Is(Subtype::Double) && !(std::fabs(value.AsDouble()) < kExactInText))
+  if (value.Is(Subtype::Double) && !(std::fabs(value.AsDouble()) < kWholeLimit))
     throw Problem{"el número tiene más dígitos de los que su texto guarda"};
   TextView text = value_text_.Plain(value);
   if (text.empty()) {
@@ -184,7 +181,7 @@ void FieldWriter::FormDouble(const Variant& value) {
   const double number = ToDouble(value);
   const bool is_amount = value.Is(Subtype::Currency);
   if ((is_amount && CurrencyOf(number) != value.AsCurrency()) ||
-      (value.Is(Subtype::String) && ScanNumber(value.AsText()).count > kDoubleDigits))
+      (value.Is(Subtype::String) && ScanNumber(value.AsText()).decimal.count > kDoubleDigits))
     throw Problem{"tiene más dígitos de los que el campo guarda"};
   if (number < 0 && field_.sign == Sign::None)
     throw Problem{"es negativo y el campo no lleva signo"};

@@ -4,6 +4,7 @@
 #include "flatfile/layout.h"
 #include "flatfile/moment.h"
 #include "flatfile/problem.h"
+#include "frame/text/characters.h"
 
 namespace tovalin::flat {
 namespace {
@@ -13,7 +14,6 @@ constexpr std::uint64_t kMostNumberModulus = 100'000'000'000'000;
 constexpr std::uint64_t kMostModulus = 1'000'000'000'000'000'000;
 
 bool IsAsciiMark(char16_t c) { return c > u' ' && c < 0x7F; }
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 std::string PlaceOf(const RecordLayout& record) { return "Registro " + Quoted(record.name); }
 std::string PlaceOf(const RecordLayout& record, const FieldLayout& field) {

@@ -14,45 +14,34 @@ namespace {
 using State = ScaledNumber::State;
 
 constexpr int kMostDigits = 18;
-constexpr int kDoubleDigits = 15;
-constexpr int kSingleDigits = 7;
-constexpr double kExactDouble = 1e15;  // below it, 15 digits tell a count exactly
+std::int64_t CountOfTen(int exponent) {
+  return static_cast<std::int64_t>(WholePowerOfTen(exponent));
+}
 
-constexpr auto kPowers = [] {
-  std::array<std::int64_t, kMostDigits + 1> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
-  return powers;
-}();
-
-std::int64_t PowerOfTen(int exponent) { return kPowers[static_cast<std::size_t>(exponent)]; }
-
-// 0.d1d2d3... x 10^exponent, without zeros at the end.
-ScaledNumber FromDigits(bool negative, const char* digits, int count, int exponent, int decimals) {
-  const int places = exponent + decimals;
-  if (count == 0) return {};
+ScaledNumber FromDigits(const DecimalDigits& number, int decimals) {
+  const int places = number.exponent + decimals;
+  if (number.count == 0) return {};
   if (places > kMostDigits) return {State::TooLarge};
-  std::int64_t units = 0;
-  for (int i = 0; i < places; ++i) units = units * 10 + (i < count ? digits[i] - '0' : 0);
-  const bool exact = count <= places;
-  if (!exact && places >= 0 && digits[places] >= '5') ++units;
-  return {exact ? State::Exact : State::Rounded, negative ? -units : units};
+  auto units = static_cast<std::int64_t>(number.Leading(places));
+  const bool exact = number.count <= places;
+  if (!exact && places >= 0 && number.At(places) >= '5') ++units;
+  return {exact ? State::Exact : State::Rounded, number.negative ? -units : units};
 }
 
 ScaledNumber FromDouble(double value, int decimals, int significant) {
   if (!std::isfinite(value)) return {State::NotANumber};
   // A count that gives the same Double back is the decimal that the Double shows.
-  const auto power = static_cast<double>(PowerOfTen(decimals));
+  const double power = PowerOfTen(decimals);
   const double nearest = std::nearbyint(value * power);
-  if (significant == kDoubleDigits && std::fabs(nearest) < kExactDouble && nearest / power == value)
+  if (significant == kDoubleDigits && std::fabs(nearest) < kWholeLimit && nearest / power == value)
     return {State::Exact, static_cast<std::int64_t>(nearest)};
-  const DecimalDigits digits = ToDecimalDigits(value, significant);
-  return FromDigits(digits.negative, digits.digits, digits.count, digits.exponent, decimals);
+  return FromDigits(ToDecimalDigits(value, significant), decimals);
 }
 
 ScaledNumber FromText(TextView text, int decimals) {
   const NumberText number = ScanNumber(text);
   if (number.form != NumberText::Form::Decimal) return {State::NotANumber};
-  return FromDigits(number.negative, number.digits, number.count, number.exponent, decimals);
+  return FromDigits(number.decimal, decimals);
 }
 
 }  // namespace
@@ -61,11 +50,11 @@ ScaledNumber Rescale(std::int64_t units, int from, int to) {
   if (to >= from) {
     ScaledNumber number;
     if (to - from > kMostDigits ||
-        __builtin_mul_overflow(units, PowerOfTen(to - from), &number.units))
+        __builtin_mul_overflow(units, CountOfTen(to - from), &number.units))
       number.state = State::TooLarge;
     return number;
   }
-  const std::int64_t power = PowerOfTen(from - to);
+  const std::int64_t power = CountOfTen(from - to);
   const std::int64_t rest = units % power;
   std::int64_t rounded = units / power;
   if (std::abs(rest) >= power / 2) rounded += units < 0 ? -1 : 1;

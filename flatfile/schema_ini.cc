@@ -8,6 +8,7 @@
 #include "flatfile/moment.h"
 #include "flatfile/problem.h"
 #include "flatfile/words.h"
+#include "frame/text/characters.h"
 #include "frame/text/utf8.h"
 
 // A section describes one file:
@@ -135,7 +136,7 @@ class SectionReader {
  private:
   static bool IsColumn(const Entry& entry) {
     return EqualFolded(TextView(entry.key).substr(0, 3), u"Col") && entry.key.size() > 3 &&
-           entry.key[3] >= u'0' && entry.key[3] <= u'9';
+           IsDigit(entry.key[3]);
   }
 
   void TakeSetting(const Entry& entry) {

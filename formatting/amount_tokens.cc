@@ -3,17 +3,14 @@
 #include <algorithm>
 
 #include "formatting/filled_lines.h"
+#include "frame/text/characters.h"
 
 namespace tovalin {
 namespace {
 
 using Kind = AmountToken::Kind;
 
-constexpr char16_t kNoBreakSpace = 0x00A0;
-
 bool IsBlank(char16_t c) { return c == u' ' || c == u'\t' || c == kNoBreakSpace; }
-
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 bool IsFraction(TextView chunk) {
   return chunk.size() == 6 && IsDigit(chunk[0]) && IsDigit(chunk[1]) && chunk.substr(2) == u"/100";

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "formatting/argument_error.h"
+#include "frame/text/characters.h"
 #include "frame/value/number_reading.h"
 #include "frame/value/number_text.h"
 #include "tovalin/convert.h"
@@ -10,9 +11,6 @@
 
 namespace tovalin {
 namespace {
-
-constexpr int kDoubleDigits = 15;
-constexpr int kSingleDigits = 7;
 
 [[noreturn]] void RefuseValue(const Variant& value, TextView why) {
   RaiseInvalidArgument(u"LibMonto.MontoCheque", u"El valor " + Quoted(ToText(value)) + Text(why));
@@ -22,24 +20,20 @@ constexpr int kSingleDigits = 7;
   RefuseValue(value, u" no es un número entero de centavos");
 }
 
-/// 0.d1d2d3... x 10^exponent in cents.
-std::int64_t DigitsToCents(const Variant& value, const char* digits, int count, int exponent,
-                           bool negative) {
-  const int places = exponent + 2;  // digits before the end of the second decimal
-  if (places > std::numeric_limits<std::int64_t>::digits10 && count > 0) Raise(Failure::Overflow);
-  if (count > 0 && count > places) RefuseFraction(value);
-  std::int64_t cents = 0;
-  for (int i = 0; count > 0 && i < places; ++i)
-    cents = 10 * cents + (i < count ? digits[i] - '0' : 0);
+std::int64_t DigitsToCents(const Variant& value, const DecimalDigits& number) {
+  const int places = number.exponent + 2;  // digits before the end of the second decimal
+  if (number.count == 0) return 0;
+  if (places > std::numeric_limits<std::int64_t>::digits10) Raise(Failure::Overflow);
+  if (number.count > places) RefuseFraction(value);
+  const auto cents = static_cast<std::int64_t>(number.Leading(places));
   if (cents > kMostCents) Raise(Failure::Overflow);
-  return negative ? -cents : cents;
+  return number.negative ? -cents : cents;
 }
 
 std::int64_t NumberToCents(const Variant& value, double number, int significant) {
   if (!std::isfinite(number)) Raise(Failure::Overflow);
   const DecimalDigits shown = ToDecimalDigits(number, significant);
-  const std::int64_t cents =
-      DigitsToCents(value, shown.digits, shown.count, shown.exponent, shown.negative);
+  const std::int64_t cents = DigitsToCents(value, shown);
   if (shown.exponent <= significant - 2) return cents;
   // The text has no place for all cents: is it the number itself?
   const double said = static_cast<double>(cents / 100) + static_cast<double>(cents % 100) / 100;
@@ -52,9 +46,7 @@ std::int64_t NumberToCents(const Variant& value, double number, int significant)
 /// Whether every thousands separator stands before three digits, in the whole part.
 bool IsGroupedByThousands(TextView text) {
   const char16_t separator = CurrentLocale().thousands_separator;
-  const auto is_digit = [&](std::size_t i) {
-    return i < text.size() && text[i] >= u'0' && text[i] <= u'9';
-  };
+  const auto is_digit = [&](std::size_t i) { return i < text.size() && IsDigit(text[i]); };
   bool fraction = false;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] == CurrentLocale().decimal_separator) fraction = true;
@@ -70,7 +62,7 @@ std::int64_t TextToCents(const Variant& value) {
   if (number.form != NumberText::Form::Decimal) Raise(Failure::TypeMismatch);
   if (!IsGroupedByThousands(value.AsText()))
     RefuseValue(value, u" tiene un separador de miles fuera de lugar");
-  return DigitsToCents(value, number.digits, number.count, number.exponent, number.negative);
+  return DigitsToCents(value, number.decimal);
 }
 
 }  // namespace

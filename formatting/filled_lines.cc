@@ -4,15 +4,14 @@
 
 #include "formatting/argument_error.h"
 #include "formatting/numeral_words.h"
+#include "frame/text/characters.h"
 
 namespace tovalin {
 namespace {
 
 bool IsFillerCharacter(char16_t c) {
-  const bool digit = c >= u'0' && c <= u'9';
   const bool control = c < u' ' || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
-  const bool surrogate = c >= 0xD800 && c <= 0xDFFF;
-  return !IsLetter(c) && !digit && !control && !surrogate;
+  return !IsLetter(c) && !IsDigit(c) && !control && !IsSurrogate(c);
 }
 
 /// Fills what of `text` stands from `begin` on to the width.

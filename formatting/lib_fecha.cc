@@ -31,7 +31,16 @@ void FillOnce(Ref<Collection>& collection, std::span<const Text> names) {
 
 }  // namespace
 
-LibFecha::LibFecha() : days_(Make<Collection>()), months_(Make<Collection>()) {}
+struct LibFecha::Core {
+  HostClock clock;
+  Ref<Collection> days = Make<Collection>();
+  Ref<Collection> months = Make<Collection>();
+};
+
+LibFecha::LibFecha() : core_(std::make_unique<Core>()) {}
+LibFecha::~LibFecha() = default;
+
+void LibFecha::UseClock(Clock clock) { core_->clock.Use(std::move(clock)); }
 
 Variant LibFecha::MonthBegin(Variant& vbdate) const {
   return RaisingErrors([&]() -> Variant {
@@ -64,27 +73,27 @@ std::int32_t LibFecha::Dias360(Date vInicial, Date vFin) const {
 
 Ref<Collection> LibFecha::DiasSemana() {
   return RaisingErrors([&] {
-    if (days_->Count() == 0) {
+    if (core_->days->Count() == 0) {
       std::array<Text, 7> names;
       // Deliberately the same day seven times: hosts show this list as it has
       // always been, and seven different names would change their forms.
       names.fill(Format(kMonday, u"ddd"));
-      FillOnce(days_, names);
+      FillOnce(core_->days, names);
     }
-    return days_;
+    return core_->days;
   });
 }
 
 Ref<Collection> LibFecha::MesesDelAno() {
   return RaisingErrors([&] {
-    if (months_->Count() > 0) return months_;
+    if (core_->months->Count() > 0) return core_->months;
     const Ref<LibFecha> alive = Hold(*this);
-    const int year = DateOf(clock_.Now()).year;
+    const int year = DateOf(core_->clock.Now()).year;
     std::array<Text, 12> names;
     for (std::size_t i = 0; i < names.size(); ++i)
       names[i] = Format(DateSerial(year, static_cast<int>(i + 1), 1), u"mmmm");
-    FillOnce(months_, names);
-    return months_;
+    FillOnce(core_->months, names);
+    return core_->months;
   });
 }
 

@@ -14,6 +14,21 @@
 
 namespace tovalin {
 
+struct LibGeneral::Core {
+  char16_t separator = u'»';
+  bool uses_layouts = false;
+  Text application;
+  std::shared_ptr<const HostServices> host = std::make_shared<const HostServices>();
+  Ref<SettingsStore> settings;
+
+  // Each held while code of the host runs, which may put others in their place.
+  std::shared_ptr<const HostServices> Host() const { return host; }
+  Ref<SettingsStore> Settings() const { return settings ? settings : DefaultSettings(); }
+};
+
+LibGeneral::LibGeneral() : core_(std::make_unique<Core>()) {}
+LibGeneral::~LibGeneral() = default;
+
 void LibGeneral::CheckNumber(std::int16_t& KeyAscii) const {
   KeyAscii = FilterKey(KeyAscii, kNumberKeys);
 }
@@ -40,7 +55,7 @@ void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
   const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     if (!ostrTextoBarra.empty()) return MsgBar(rctr, ostrTextoBarra);
-    if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, separator_));
+    if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, core_->separator));
   });
 }
 
@@ -48,7 +63,7 @@ Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) cons
   return RaisingErrors([&] {
     const Ref<const LibGeneral> alive = Hold(*this);
     const Ref<Object> control = RequireObject(rctrControl);
-    CheckAndMark(*control, separator_, *Services());
+    CheckAndMark(*control, core_->separator, *core_->Host());
     MsgBar(rctr, {});
     return Variant();
   });
@@ -56,7 +71,7 @@ Variant LibGeneral::LostFocus(const Variant& rctrControl, Ref<Object> rctr) cons
 
 void LibGeneral::SelectText(Ref<Object> oControl) const {
   RaisingErrors([&] {
-    const Ref<Object> control = oControl ? oControl : ActiveControl(*Services());
+    const Ref<Object> control = oControl ? oControl : ActiveControl(*core_->Host());
     if (control) SelectContents(*control);
   });
 }
@@ -66,22 +81,23 @@ bool LibGeneral::IsControl(Ref<Object> ctrControl) const {
 }
 
 Text LibGeneral::GetTag(TextView vstrTag, std::uint8_t vbytIndice) const {
-  return RaisingErrors([&] { return Text(tovalin::GetTag(vstrTag, vbytIndice, separator_)); });
+  return RaisingErrors(
+      [&] { return Text(tovalin::GetTag(vstrTag, vbytIndice, core_->separator)); });
 }
 
 Text LibGeneral::LetTag(TextView vstrTag, std::uint8_t vbytIndice, TextView vstrNewValue) const {
   return RaisingErrors(
-      [&] { return tovalin::LetTag(vstrTag, vbytIndice, vstrNewValue, separator_); });
+      [&] { return tovalin::LetTag(vstrTag, vbytIndice, vstrNewValue, core_->separator); });
 }
 
 Variant LibGeneral::Separador() const {
-  return RaisingErrors([&] { return Variant(Text(1, separator_)); });
+  return RaisingErrors([&] { return Variant(Text(1, core_->separator)); });
 }
 
 void LibGeneral::LetSeparador(const Variant& NewValue) {
   RaisingErrors([&] {
     const Text text = ToText(NewValue);
-    separator_ = text.empty() ? u' ' : text.front();
+    core_->separator = text.empty() ? u' ' : text.front();
   });
 }
 
@@ -114,28 +130,32 @@ bool LibGeneral::Check(const Variant& vvarDato, std::int16_t vintType) const {
   return RaisingErrors([&] { return PassesAs(vvarDato, vintType); });
 }
 
+bool LibGeneral::gbolCUI() const { return core_->uses_layouts; }
+void LibGeneral::LetgbolCUI(bool NewValue) { core_->uses_layouts = NewValue; }
+
+const Text& LibGeneral::Aplicacion() const { return core_->application; }
 void LibGeneral::LetAplicacion(const Text& NewValue) {
-  RaisingErrors([&] { application_ = NewValue; });
+  RaisingErrors([&] { core_->application = NewValue; });
 }
 
 void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
-  if (!uses_layouts_ || !ctrl) return;
+  if (!core_->uses_layouts || !ctrl) return;
   const Ref<const LibGeneral> alive = Hold(*this);
   Quietly([&] {
     const Text layout = LayoutText(*ctrl);
-    if (!layout.empty()) Settings()->Save(Text(application_), Section, Key, layout);
+    if (!layout.empty()) core_->Settings()->Save(Text(core_->application), Section, Key, layout);
   });
 }
 
 void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
   RaisingErrors([&] {
     if (!ctrl) return;
-    if (!uses_layouts_) {
+    if (!core_->uses_layouts) {
       if (KindOf(*ctrl) == ControlKind::Grid) Quietly([&] { FitGridColumns(*ctrl); });
       return;
     }
     Text layout;
-    Quietly([&] { layout = Settings()->Get(Text(application_), Section, Key, {}); });
+    Quietly([&] { layout = core_->Settings()->Get(Text(core_->application), Section, Key, {}); });
     if (!layout.empty()) ApplyLayout(*ctrl, layout);
   });
 }
@@ -143,11 +163,13 @@ void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object
 // The former services go last: what they hold may let go of this object.
 void LibGeneral::UseHost(HostServices services) {
   auto kept = std::make_shared<const HostServices>(std::move(services));
-  host_.swap(kept);
+  core_->host.swap(kept);
 }
 
+void LibGeneral::UseSettings(Ref<SettingsStore> store) { core_->settings = std::move(store); }
+
 void LibGeneral::MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa) const {
-  RaisingErrors([&] { ShowOnStatusBar(*Services(), rctr, vstrTexto, vbolPausa); });
+  RaisingErrors([&] { ShowOnStatusBar(*core_->Host(), rctr, vstrTexto, vbolPausa); });
 }
 
 }  // namespace tovalin

@@ -2,10 +2,11 @@
 #include <charconv>
 
 #include "frame/format/number_pattern.h"
+#include "frame/value/decimal_digits.h"
 #include "tovalin/locale.h"
 
-// The road of one number: its decimal digits are moved by the section's shift,
-// rounded to the places that the section has, and dealt out to its steps from
+// How a number is written: its decimal digits are moved by the section's shift,
+// rounded to the places that the section has, and distributed to its steps from
 // left to right. A place is counted by the digits of the whole part to its
 // right: units are place 0.
 
@@ -14,58 +15,18 @@ namespace {
 
 using Show = NumberSection::Show;
 
-/// A DecimalDigits whose exponent has room for any shift.
-struct Decimal {
-  explicit Decimal(const DecimalDigits& number)
-      : count(number.count), exponent(number.count > 0 ? number.exponent : 0) {
-    std::copy_n(number.digits, number.count, digits);
-  }
-
-  /// Rounds to `keep` digits, halves up; fewer than none leave zero.
-  void Round(std::int64_t keep) {
-    if (keep >= count) return;
-    const bool up = keep >= 0 && digits[keep] >= '5';
-    count = static_cast<int>(std::max<std::int64_t>(keep, 0));
-    if (up) {
-      while (count > 0 && digits[count - 1] == '9') --count;
-      if (count > 0)
-        ++digits[count - 1];
-      else
-        CarryIntoNewDigit();
-    }
-    while (count > 0 && digits[count - 1] == '0') --count;
-    if (count == 0) exponent = 0;
-  }
-
-  char16_t DigitAt(std::int64_t index) const {
-    return index >= 0 && index < count ? static_cast<char16_t>(digits[index]) : u'0';
-  }
-
-  int count;
-  std::int64_t exponent;
-  char digits[20];
-
- private:
-  void CarryIntoNewDigit() {
-    digits[0] = '1';
-    count = 1;
-    ++exponent;
-  }
-};
-
 class SectionWriter {
  public:
   SectionWriter(const NumberSection& section, const DecimalDigits& number)
-      : section_(section), decimal_(number) {
+      : section_(section), digits_(number) {
     if (section_.scientific)
       Normalize();
-    else if (decimal_.count > 0)
+    else if (digits_.count > 0)
       Scale();
-    whole_digits_ = std::max<std::int64_t>(decimal_.exponent, 0);
+    whole_digits_ = std::max<std::int64_t>(exponent_, 0);
     shown_ = std::max(whole_digits_, section_.least_integer);
-    const std::int64_t fraction_digits =
-        std::max<std::int64_t>(decimal_.count - decimal_.exponent, 0);
-    shown_fraction_ = std::max(decimal_.count > 0 ? fraction_digits : 0, section_.least_fraction);
+    const std::int64_t fraction_digits = std::max<std::int64_t>(digits_.count - exponent_, 0);
+    shown_fraction_ = std::max(digits_.count > 0 ? fraction_digits : 0, section_.least_fraction);
     places_left_ = section_.integer_places;
   }
 
@@ -86,18 +47,16 @@ class SectionWriter {
 
  private:
   void Scale() {
-    decimal_.exponent += section_.shift;
-    decimal_.Round(decimal_.exponent + section_.fraction_places);
+    digits_.Round(digits_.exponent + section_.shift + section_.fraction_places);
+    if (digits_.count > 0) exponent_ = digits_.exponent + section_.shift;
   }
 
-  // Leaves in decimal_ the part before the E, with as many digits before the
-  // point as there are places, and its power of ten in power_.
+  // The part before the E has as many digits before the point as there are places.
   void Normalize() {
-    if (decimal_.count == 0) return;
-    decimal_.exponent += section_.shift;
-    decimal_.Round(std::max<std::int64_t>(section_.integer_places + section_.fraction_places, 1));
-    power_ = decimal_.exponent - section_.integer_places;
-    decimal_.exponent = section_.integer_places;
+    if (digits_.count == 0) return;
+    digits_.Round(std::max<std::int64_t>(section_.integer_places + section_.fraction_places, 1));
+    power_ = digits_.exponent + section_.shift - section_.integer_places;
+    exponent_ = section_.integer_places;
   }
 
   std::size_t Size() const {
@@ -125,7 +84,7 @@ class SectionWriter {
 
   void WritePlaces(std::int64_t from, std::int64_t to) {
     for (std::int64_t place = from - 1; place >= to; --place) {
-      text_ += decimal_.DigitAt(decimal_.exponent - 1 - place);
+      text_ += digits_.At(exponent_ - 1 - place);
       if (section_.grouped && place > 0 && place % 3 == 0)
         text_ += CurrentLocale().thousands_separator;
     }
@@ -140,7 +99,7 @@ class SectionWriter {
   void WriteFraction(std::int64_t places) {
     const std::int64_t end = std::min(fraction_written_ + places, shown_fraction_);
     for (std::int64_t place = fraction_written_; place < end; ++place)
-      text_ += decimal_.DigitAt(decimal_.exponent + place);
+      text_ += digits_.At(exponent_ + place);
     fraction_written_ += places;
   }
 
@@ -159,9 +118,10 @@ class SectionWriter {
   }
 
   const NumberSection& section_;
-  Decimal decimal_;
+  DecimalDigits digits_;
+  std::int64_t exponent_ = 0;  // of the digits as they are shown: a shift may be of any size
   Text text_;
-  std::int64_t power_ = 0;
+  std::int64_t power_ = 0;  // what stands behind the E
   std::int64_t whole_digits_ = 0;
   std::int64_t shown_ = 0;           // digits of the whole part
   std::int64_t shown_fraction_ = 0;  // digits of the fraction

@@ -21,7 +21,7 @@ DecimalDigits WholeDigits(std::int64_t value) {
                         .ptr;
   number.count = static_cast<int>(end - number.digits);
   number.exponent = number.count;
-  while (number.count > 0 && number.digits[number.count - 1] == '0') --number.count;
+  number.DropZerosAtEnd();
   return number;
 }
 
@@ -52,11 +52,11 @@ std::optional<DecimalDigits> DigitsOf(const Variant& value) {
     case Subtype::Currency:
       return CurrencyDigits(value.AsCurrency());
     case Subtype::Single:
-      return DoubleDigits(value.AsSingle(), 7);
+      return DoubleDigits(value.AsSingle(), kSingleDigits);
     case Subtype::Double:
-      return DoubleDigits(value.AsDouble(), 15);
+      return DoubleDigits(value.AsDouble(), kDoubleDigits);
     case Subtype::Date:
-      return DoubleDigits(value.AsDate().days, 15);
+      return DoubleDigits(value.AsDate().days, kDoubleDigits);
     case Subtype::String:
       break;
     default:
@@ -64,7 +64,7 @@ std::optional<DecimalDigits> DigitsOf(const Variant& value) {
   }
   const std::optional<double> read = ReadNumber(value.AsText());
   if (!read) return std::nullopt;
-  return DoubleDigits(*read, 15);
+  return DoubleDigits(*read, kDoubleDigits);
 }
 
 // None for a text that reads neither as a date nor as a number, and for a number

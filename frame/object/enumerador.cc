@@ -1,28 +1,58 @@
 #include "tovalin/enumerador.h"
 
 #include <optional>
+#include <variant>
 
 #include "frame/object/guarded.h"
 
 namespace tovalin {
+<<<<<<< HEAD
+=======
+namespace {
+
+constexpr MemberInfo kMembers[] = {
+    Method<&Enumerador::Siguiente>(1, u"Siguiente", {{u"rElemento"}},
+                                   u"Entrega el elemento siguiente; Falso cuando no hay más"),
+    Get<&Enumerador::Clave>(2, u"Clave", u"La clave del último elemento entregado"),
+    Method<&Enumerador::Reiniciar>(3, u"Reiniciar", {}, u"Vuelve delante del primer elemento"),
+};
+
+constexpr ClassInfo kClass{Enumerador::kClassName, kMembers};
+
+}  // namespace
+
+struct Enumerador::Core {
+  enum class Place : std::uint8_t { BeforeFirst, AtItem, BehindLast };
+
+  template <class T>
+  Core(const KeyedList<T>& list, Ref<Object> list_owner)
+      : owner(std::move(list_owner)),
+        cursor(std::in_place_type<typename KeyedList<T>::Cursor>, list) {}
+
+  Ref<Object> owner;
+  std::variant<KeyedList<Variant>::Cursor, KeyedList<Ref<Campo>>::Cursor> cursor;
+  Place place = Place::BeforeFirst;
+};
+
+>>>>>>> refs/heads/frame
 Enumerador::Enumerador(const KeyedList<Variant>& list, Ref<Object> owner)
-    : owner_(std::move(owner)), cursor_(std::in_place_type<KeyedList<Variant>::Cursor>, list) {}
+    : core_(std::make_unique<Core>(list, std::move(owner))) {}
 Enumerador::Enumerador(const KeyedList<Ref<Campo>>& list, Ref<Object> owner)
-    : owner_(std::move(owner)), cursor_(std::in_place_type<KeyedList<Ref<Campo>>::Cursor>, list) {}
+    : core_(std::make_unique<Core>(list, std::move(owner))) {}
 Enumerador::~Enumerador() = default;
 // The item is assigned last: what it replaces may be an object of the host.
 bool Enumerador::Siguiente(Variant& rElemento) {
-  if (place_ == Place::BehindLast) return false;
+  if (core_->place == Core::Place::BehindLast) return false;
   const auto next = [this](auto& cursor) -> std::optional<Variant> {
-    if (place_ == Place::AtItem)
+    if (core_->place == Core::Place::AtItem)
       ++cursor;
     else
       cursor.Restart();
     if (cursor == std::default_sentinel) return std::nullopt;
     return *cursor;
   };
-  std::optional<Variant> item = std::visit(next, cursor_);
-  place_ = item ? Place::AtItem : Place::BehindLast;
+  std::optional<Variant> item = std::visit(next, core_->cursor);
+  core_->place = item ? Core::Place::AtItem : Core::Place::BehindLast;
   if (!item) return false;
   rElemento.Assign(std::move(*item));
   return true;
@@ -30,11 +60,11 @@ bool Enumerador::Siguiente(Variant& rElemento) {
 
 Text Enumerador::Clave() const {
   return RaisingErrors([&] {
-    if (place_ != Place::AtItem) return Text();
-    return std::visit([](const auto& cursor) { return Text(cursor.Key()); }, cursor_);
+    if (core_->place != Core::Place::AtItem) return Text();
+    return std::visit([](const auto& cursor) { return Text(cursor.Key()); }, core_->cursor);
   });
 }
 
-void Enumerador::Reiniciar() { place_ = Place::BeforeFirst; }
+void Enumerador::Reiniciar() { core_->place = Core::Place::BeforeFirst; }
 
 }  // namespace tovalin

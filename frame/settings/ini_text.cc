@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "frame/text/characters.h"
+
 namespace tovalin {
 namespace {
 
@@ -42,14 +44,6 @@ std::size_t FindUnescaped(std::string_view text, char mark) {
 
 // Where an escaped text stands, which decides what must be escaped in it.
 enum class IniPlace { kSection, kKey, kText };
-
-bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c < 0xDC00; }
-bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c < 0xE000; }
-
-bool IsHalfPair(TextView text, std::size_t i) {
-  if (IsHighSurrogate(text[i])) return i + 1 == text.size() || !IsLowSurrogate(text[i + 1]);
-  return IsLowSurrogate(text[i]) && (i == 0 || !IsHighSurrogate(text[i - 1]));
-}
 
 // Whether a character must be written as a backslash and a letter in `place`.
 bool NeedsLetter(TextView text, std::size_t i, IniPlace place) {
@@ -92,7 +86,7 @@ std::string Escape(TextView text, IniPlace place) {
       const auto escape =
           std::find_if(kEscapes.begin(), kEscapes.end(), [c](auto& e) { return e.second == c; });
       out += {u'\\', escape->first};
-    } else if (c < 0x20 || IsHalfPair(text, i)) {
+    } else if (c < 0x20 || IsUnpairedSurrogate(text, i)) {
       AppendCode(out, c);
     } else {
       out += c;
@@ -102,7 +96,7 @@ std::string Escape(TextView text, IniPlace place) {
 }
 
 int HexDigit(char16_t c) {
-  if (c >= u'0' && c <= u'9') return c - u'0';
+  if (IsDigit(c)) return c - u'0';
   const char16_t lower = c | 0x20;
   return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
 }

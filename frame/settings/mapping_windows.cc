@@ -1,6 +1,5 @@
-#include <windows.h>
-
 #include "frame/settings/mapping.h"
+#include "frame/system/handle_windows.h"
 
 namespace tovalin {
 namespace {
@@ -9,36 +8,14 @@ namespace {
 // what is locked.
 constexpr DWORD kLockHigh = 0x40000000;
 
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-class Handle {
- public:
-  explicit Handle(HANDLE handle) : handle_(handle) {}
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  ~Handle() {
-    if (IsOpen()) CloseHandle(handle_);
-  }
-  HANDLE get() const { return handle_; }
-  bool IsOpen() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
-
- private:
-  HANDLE handle_;
-};
-
 std::uint64_t Join(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
-
-HANDLE OpenToRead(const std::filesystem::path& path, DWORD access) {
-  return CreateFileW(path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                     nullptr);
-}
 
 // The file for writing, though its attribute forbids that. Another process may do the same
 // at this moment, so one attempt does not always do.
 HANDLE OpenToWrite(const std::filesystem::path& path) {
   for (int attempt = 0; attempt < 10; ++attempt) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, kShareAll, nullptr,
-                                    OPEN_ALWAYS, FILE_ATTRIBUTE_READONLY, nullptr);
+    const HANDLE file =
+        OpenShared(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, FILE_ATTRIBUTE_READONLY);
     if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_ACCESS_DENIED) return file;
     if (!SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL)) return file;
   }
@@ -55,7 +32,7 @@ void* MapFile(HANDLE file, DWORD protection, DWORD access, std::size_t size) {
 }  // namespace
 
 std::optional<Mapping> Mapping::Open(const std::filesystem::path& path, std::size_t size) {
-  const Handle file(OpenToRead(path, GENERIC_READ));
+  const Handle file(OpenShared(path, GENERIC_READ, OPEN_EXISTING));
   BY_HANDLE_FILE_INFORMATION status;
   if (!file.IsOpen() || !GetFileInformationByHandle(file.get(), &status)) return std::nullopt;
   if (Join(status.nFileSizeHigh, status.nFileSizeLow) < size) return std::nullopt;
@@ -92,7 +69,7 @@ bool Mapping::Lock() {
 }
 
 bool Mapping::IsAt(const std::filesystem::path& path) const {
-  const Handle file(OpenToRead(path, FILE_READ_ATTRIBUTES));
+  const Handle file(OpenShared(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING));
   BY_HANDLE_FILE_INFORMATION status;
   return file.IsOpen() && GetFileInformationByHandle(file.get(), &status) &&
          status.dwVolumeSerialNumber == volume_ &&

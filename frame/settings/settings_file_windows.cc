@@ -1,10 +1,8 @@
-#include <windows.h>
-
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "frame/settings/settings_file.h"
+#include "frame/system/handle_windows.h"
 #include "tovalin/error.h"
 
 namespace tovalin {
@@ -54,32 +52,10 @@ std::optional<path> DirectoryOf(const wchar_t* variable) {
 
 path WithSuffix(path file, const wchar_t* suffix) { return file += suffix; }
 
-class Handle {
- public:
-  explicit Handle(HANDLE handle) : handle_(handle) {}
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  ~Handle() {
-    if (IsOpen()) CloseHandle(handle_);
-  }
-  HANDLE get() const { return handle_; }
-  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-  HANDLE Release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
-
- private:
-  HANDLE handle_;
-};
-
-HANDLE OpenFile(const path& file, DWORD access, DWORD disposition) {
-  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  return CreateFileW(file.c_str(), access, kShareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
-                     nullptr);
-}
-
 HANDLE OpenLockFile(const path& file) {
   MakeDirectories(file.parent_path());
   const path name = WithSuffix(file, L".lock");
-  const HANDLE lock = OpenFile(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+  const HANDLE lock = OpenShared(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
   if (lock == INVALID_HANDLE_VALUE) RaiseSystem(GetLastError(), name);
   return lock;
 }
@@ -105,7 +81,7 @@ void WriteAll(HANDLE file, std::string_view bytes) {
 }
 
 void WriteNewFile(const path& file, std::string_view bytes) {
-  const Handle out(OpenFile(file, GENERIC_WRITE, CREATE_ALWAYS));
+  const Handle out(OpenShared(file, GENERIC_WRITE, CREATE_ALWAYS));
   if (!out.IsOpen()) RaiseSystem(GetLastError(), file);
   WriteAll(out.get(), bytes);
   if (!FlushFileBuffers(out.get())) RaiseSystem(GetLastError());
@@ -164,7 +140,7 @@ FileLock::~FileLock() {
 }
 
 std::optional<std::string> ReadWhole(const path& file) {
-  const Handle in(OpenFile(file, GENERIC_READ, OPEN_EXISTING));
+  const Handle in(OpenShared(file, GENERIC_READ, OPEN_EXISTING));
   const DWORD error = GetLastError();
   if (!in.IsOpen() && (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)) {
     return std::nullopt;

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "frame/settings/settings_file.h"
+#include "frame/text/characters.h"
 
 namespace tovalin {
 namespace {
@@ -17,17 +18,9 @@ bool IsDevice(TextView name) {
   const TextView stem = name.substr(0, name.find(u'.'));
   const auto is_stem = [stem](TextView device) { return EqualFolded(device, stem); };
   if (std::any_of(kDevices.begin(), kDevices.end(), is_stem)) return true;
-  if (stem.size() != 4 || stem[3] < u'0' || stem[3] > u'9') return false;
+  if (stem.size() != 4 || !IsDigit(stem[3])) return false;
   const auto is_start = [stem](TextView device) { return EqualFolded(device, stem.substr(0, 3)); };
   return std::any_of(kNumberedDevices.begin(), kNumberedDevices.end(), is_start);
-}
-
-bool IsHigh(char16_t c) { return (c & 0xFC00) == 0xD800; }
-bool IsLow(char16_t c) { return (c & 0xFC00) == 0xDC00; }
-
-bool IsHalfPair(TextView name, std::size_t i) {
-  if (IsHigh(name[i])) return i + 1 == name.size() || !IsLow(name[i + 1]);
-  return IsLow(name[i]) && (i == 0 || !IsHigh(name[i - 1]));
 }
 
 bool IsRefused(TextView name, std::size_t i) {
@@ -48,7 +41,7 @@ std::u8string FileNameOf(TextView application) {
   if (application.empty()) name = u"%";
   const bool device = IsDevice(application);
   for (std::size_t i = 0; i < application.size(); ++i) {
-    if (IsHalfPair(application, i)) {
+    if (IsUnpairedSurrogate(application, i)) {
       name += u"%u";
       AppendHex(name, application[i], 4);
     } else if (IsRefused(application, i) || (device && i == 0)) {

@@ -18,19 +18,17 @@ Currency TextToCurrency(TextView text) {
   if (number.form == NumberText::Form::None) Raise(Failure::TypeMismatch);
   // Deliberate: the platform has no amounts for "&H1F" and its like.
   if (number.form == NumberText::Form::Bits) Raise(Failure::Overflow);
-  const int places = number.exponent + 4;  // digits before the end of the fourth decimal
+  const DecimalDigits& decimal = number.decimal;
+  const int places = decimal.exponent + 4;  // digits before the end of the fourth decimal
   if (places < 0) return {};
   if (places > std::numeric_limits<std::uint64_t>::digits10) Raise(Failure::Overflow);
-  const auto digit = [&](int i) {
-    return i < number.count ? static_cast<unsigned>(number.digits[i] - '0') : 0u;
-  };
-  std::uint64_t units = 0;
-  for (int i = 0; i < places; ++i) units = units * 10 + digit(i);
-  const bool half_only = number.count == places + 1;
-  if (digit(places) > 5 || (digit(places) == 5 && (!half_only || units % 2 != 0))) ++units;
+  std::uint64_t units = decimal.Leading(places);
+  const char next = decimal.At(places);
+  const bool half_only = decimal.count == places + 1;
+  if (next > '5' || (next == '5' && (!half_only || units % 2 != 0))) ++units;
   const std::uint64_t limit = std::uint64_t{1} << 63;
-  if (units > limit || (units == limit && !number.negative)) Raise(Failure::Overflow);
-  return {static_cast<std::int64_t>(number.negative ? 0 - units : units)};
+  if (units > limit || (units == limit && !decimal.negative)) Raise(Failure::Overflow);
+  return {static_cast<std::int64_t>(decimal.negative ? 0 - units : units)};
 }
 
 /// What is missing from the rounded `product` of `value` and 10000, because the

@@ -85,8 +85,8 @@ bool EqualNumbers(double left, double right) {
   // texts; only neighbours need their digits.
   const double reach = 1e-14 * std::max(std::fabs(left), std::fabs(right));
   if (!(std::fabs(left - right) <= reach) || !std::isfinite(reach)) return false;
-  const DecimalDigits a = ToDecimalDigits(left, 15);
-  const DecimalDigits b = ToDecimalDigits(right, 15);
+  const DecimalDigits a = ToDecimalDigits(left, kDoubleDigits);
+  const DecimalDigits b = ToDecimalDigits(right, kDoubleDigits);
   return a.negative == b.negative && a.exponent == b.exponent && a.count == b.count &&
          std::memcmp(a.digits, b.digits, static_cast<std::size_t>(a.count)) == 0;
 }

@@ -69,7 +69,7 @@ Whole TextToWhole(TextView text) {
   if (std::same_as<Whole, std::int16_t> && number.form == NumberText::Form::Bits &&
       number.bits <= std::numeric_limits<std::uint16_t>::max()) {
     const std::int64_t bits = static_cast<std::int16_t>(number.bits);
-    return Narrow<Whole>(number.negative ? -bits : bits);
+    return Narrow<Whole>(number.decimal.negative ? -bits : bits);
   }
   return Narrow<Whole>(ValueOf(number));
 }

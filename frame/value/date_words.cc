@@ -3,7 +3,8 @@
 #include <array>
 
 #include "frame/format/pattern_scanner.h"
-#include "tovalin/locale.h"
+#include "frame/text/characters.h"
+#include "frame/value/spanish_locale.h"
 
 namespace tovalin {
 namespace {
@@ -15,35 +16,23 @@ struct MonthRow {
   int month;
 };
 
-constexpr std::array kMonths = {
-    MonthRow{u"enero", 1},     MonthRow{u"ene", 1},       MonthRow{u"january", 1},
-    MonthRow{u"jan", 1},       MonthRow{u"febrero", 2},   MonthRow{u"feb", 2},
-    MonthRow{u"february", 2},  MonthRow{u"marzo", 3},     MonthRow{u"mar", 3},
-    MonthRow{u"march", 3},     MonthRow{u"abril", 4},     MonthRow{u"abr", 4},
-    MonthRow{u"april", 4},     MonthRow{u"apr", 4},       MonthRow{u"mayo", 5},
-    MonthRow{u"may", 5},       MonthRow{u"junio", 6},     MonthRow{u"jun", 6},
-    MonthRow{u"june", 6},      MonthRow{u"julio", 7},     MonthRow{u"jul", 7},
-    MonthRow{u"july", 7},      MonthRow{u"agosto", 8},    MonthRow{u"ago", 8},
-    MonthRow{u"august", 8},    MonthRow{u"aug", 8},       MonthRow{u"septiembre", 9},
-    MonthRow{u"setiembre", 9}, MonthRow{u"september", 9}, MonthRow{u"sept", 9},
-    MonthRow{u"sep", 9},       MonthRow{u"set", 9},       MonthRow{u"octubre", 10},
-    MonthRow{u"october", 10},  MonthRow{u"oct", 10},      MonthRow{u"noviembre", 11},
-    MonthRow{u"november", 11}, MonthRow{u"nov", 11},      MonthRow{u"diciembre", 12},
-    MonthRow{u"dic", 12},      MonthRow{u"december", 12}, MonthRow{u"dec", 12},
+// Other names than those of the Spanish locale.
+constexpr std::array kOtherMonths = {
+    MonthRow{u"january", 1},   MonthRow{u"jan", 1},       MonthRow{u"february", 2},
+    MonthRow{u"march", 3},     MonthRow{u"april", 4},     MonthRow{u"apr", 4},
+    MonthRow{u"june", 6},      MonthRow{u"july", 7},      MonthRow{u"august", 8},
+    MonthRow{u"aug", 8},       MonthRow{u"setiembre", 9}, MonthRow{u"september", 9},
+    MonthRow{u"sept", 9},      MonthRow{u"set", 9},       MonthRow{u"october", 10},
+    MonthRow{u"november", 11}, MonthRow{u"december", 12}, MonthRow{u"dec", 12},
 };
-
-// Without "mar" for martes, which reads as the month.
-constexpr std::array<TextView, 31> kDays = {
-    u"domingo", u"dom",      u"lunes",     u"lun",    u"martes",   u"miércoles", u"miercoles",
-    u"mié",     u"mie",      u"jueves",    u"jue",    u"viernes",  u"vie",       u"sábado",
-    u"sabado",  u"sáb",      u"sab",       u"sunday", u"sun",      u"monday",    u"mon",
-    u"tuesday", u"tue",      u"wednesday", u"wed",    u"thursday", u"thu",       u"friday",
-    u"fri",     u"saturday", u"sat"};
+constexpr std::array<TextView, 18> kOtherDays = {
+    u"miercoles", u"mie", u"sabado",  u"sab", u"sunday",    u"sun",
+    u"monday",    u"mon", u"tuesday", u"tue", u"wednesday", u"wed",
+    u"thursday",  u"thu", u"friday",  u"fri", u"saturday",  u"sat"};
 
 constexpr std::array<TextView, 2> kOf = {u"de", u"del"};
 
-bool IsBlank(char16_t c) { return c == u' ' || c == u'\t' || c == u'\u00A0' || c == u'\u202F'; }
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool IsBlank(char16_t c) { return c == u' ' || c == u'\t' || c == kNoBreakSpace || c == u'\u202F'; }
 
 template <class Names>
 bool IsAmong(const Names& names, TextView word) {
@@ -52,20 +41,28 @@ bool IsAmong(const Names& names, TextView word) {
   return false;
 }
 
-// The locale's names come first: they may say something else in its language.
-int MonthNamed(TextView word) {
-  const Locale& locale = CurrentLocale();
+int MonthNamed(TextView word, const Locale& locale) {
   for (std::size_t i = 0; i < locale.months.size(); ++i)
     if (EqualFolded(locale.months[i], word) || EqualFolded(locale.short_months[i], word))
       return static_cast<int>(i) + 1;
-  for (const MonthRow& row : kMonths)
+  return 0;
+}
+
+// The names of the locale in force come first: they may say something else in its language.
+int MonthNamed(TextView word) {
+  if (const int month = MonthNamed(word, CurrentLocale()); month > 0) return month;
+  if (const int month = MonthNamed(word, SpanishLocale()); month > 0) return month;
+  for (const MonthRow& row : kOtherMonths)
     if (EqualFolded(row.name, word)) return row.month;
   return 0;
 }
 
+// "mar" of the Spanish days reads as the month before anybody asks for a day.
 bool IsDayName(TextView word) {
-  const Locale& locale = CurrentLocale();
-  return IsAmong(locale.days, word) || IsAmong(locale.short_days, word) || IsAmong(kDays, word);
+  const auto has = [word](const Locale& locale) {
+    return IsAmong(locale.days, word) || IsAmong(locale.short_days, word);
+  };
+  return has(CurrentLocale()) || has(SpanishLocale()) || IsAmong(kOtherDays, word);
 }
 
 DateWord WordNamed(TextView word) {

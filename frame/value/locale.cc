@@ -1,6 +1,6 @@
-#include "tovalin/locale.h"
-
 #include <utility>
+
+#include "frame/value/spanish_locale.h"
 
 namespace tovalin {
 namespace {
@@ -11,6 +11,11 @@ Locale& LocaleInForce() {
 }
 
 }  // namespace
+
+const Locale& SpanishLocale() {
+  static const Locale locale;
+  return locale;
+}
 
 const Locale& CurrentLocale() { return LocaleInForce(); }
 

@@ -1,11 +1,11 @@
 #include "frame/value/number_reading.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
 
+#include "frame/text/characters.h"
 #include "tovalin/convert.h"
 #include "tovalin/locale.h"
 
@@ -15,15 +15,11 @@ namespace {
 // Beyond every exponent that a number can have, and far from overflowing an int.
 constexpr int kExponentLimit = 100'000;
 
-constexpr char16_t kNoBreakSpace = 0x00A0;
-
 bool IsBlank(char16_t c) { return c == u' ' || (c >= u'\t' && c <= u'\r') || c == kNoBreakSpace; }
-
-bool IsDecimalDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 /// The value of a digit in any base up to 16, or 16.
 unsigned DigitValue(char16_t c) {
-  if (IsDecimalDigit(c)) return static_cast<unsigned>(c - u'0');
+  if (IsDigit(c)) return static_cast<unsigned>(c - u'0');
   if (c >= u'a' && c <= u'f') return static_cast<unsigned>(c - u'a') + 10;
   if (c >= u'A' && c <= u'F') return static_cast<unsigned>(c - u'A') + 10;
   return 16;
@@ -44,7 +40,7 @@ class Scanner {
     const bool read = Peek() == u'&' ? ReadBits() : ReadDecimal();
     SkipAround(u')');
     if (!read || position_ != text_.size() || opened_ != closed_) return {};
-    number_.negative = minus_ || opened_;
+    number_.decimal.negative = minus_ || opened_;
     return number_;
   }
 
@@ -82,9 +78,9 @@ class Scanner {
     bool fraction = false;
     for (; position_ < text_.size(); ++position_) {
       const char16_t c = text_[position_];
-      if (IsDecimalDigit(c)) {
+      if (IsDigit(c)) {
         any = true;
-        TakeDigit(c, fraction);
+        AppendDigit(c, fraction);
       } else if (c == locale_.decimal_separator && !fraction) {
         fraction = true;
       } else if (c != locale_.thousands_separator || !any) {
@@ -92,18 +88,19 @@ class Scanner {
       }
     }
     if (!any || !ReadExponent()) return false;
-    DropZerosAtEnd();
+    number_.decimal.DropZerosAtEnd();
     return true;
   }
 
-  void TakeDigit(char16_t c, bool fraction) {
-    if (number_.count == 0 && c == u'0') {
-      if (fraction) --number_.exponent;
+  void AppendDigit(char16_t c, bool fraction) {
+    DecimalDigits& decimal = number_.decimal;
+    if (decimal.count == 0 && c == u'0') {
+      if (fraction) --decimal.exponent;
       return;
     }
-    if (!fraction) ++number_.exponent;
-    if (number_.count < NumberText::kMaxDigits)
-      number_.digits[number_.count++] = static_cast<char>(c);
+    if (!fraction) ++decimal.exponent;
+    if (decimal.count < DecimalDigits::kMost)
+      decimal.digits[decimal.count++] = static_cast<char>(c);
   }
 
   /// "e", "E", "d" or "D" with its number, if there is one here.
@@ -112,17 +109,12 @@ class Scanner {
     ++position_;
     const bool minus = Peek() == u'-';
     if (minus || Peek() == u'+') ++position_;
-    if (!IsDecimalDigit(Peek())) return false;
+    if (!IsDigit(Peek())) return false;
     int exponent = 0;
-    for (; IsDecimalDigit(Peek()); ++position_)
+    for (; IsDigit(Peek()); ++position_)
       exponent = std::min(exponent * 10 + static_cast<int>(DigitValue(Peek())), kExponentLimit);
-    number_.exponent += minus ? -exponent : exponent;
+    number_.decimal.exponent += minus ? -exponent : exponent;
     return true;
-  }
-
-  void DropZerosAtEnd() {
-    while (number_.count > 0 && number_.digits[number_.count - 1] == '0') --number_.count;
-    if (number_.count == 0) number_.exponent = 0;
   }
 
   bool ReadBits() {
@@ -147,29 +139,17 @@ class Scanner {
   NumberText number_;
 };
 
-// The powers of ten that are exact in Double.
-constexpr auto kPowersOfTen = [] {
-  std::array<double, 23> powers{};
-  double power = 1;
-  for (double& entry : powers) {
-    entry = power;
-    power *= 10;
-  }
-  return powers;
-}();
-constexpr int kMaxExactPower = static_cast<int>(kPowersOfTen.size()) - 1;
-
 /// `mantissa` x 10^`exponent`: one rounding within the exact powers of ten, so
 /// amounts are read to the last bit. Beyond them the platform goes on by single
 /// tens, and so do we: 1e308 reads as 9.999999999999998e+307.
 double Scale(double mantissa, int exponent) {
-  const auto step = static_cast<std::size_t>(std::min(std::abs(exponent), kMaxExactPower));
-  int rest = std::abs(exponent) - static_cast<int>(step);
+  const int step = std::min(std::abs(exponent), kMostExactPower);
+  int rest = std::abs(exponent) - step;
   if (exponent >= 0) {
-    mantissa *= kPowersOfTen[step];
+    mantissa *= PowerOfTen(step);
     for (; rest > 0 && std::isfinite(mantissa); --rest) mantissa *= 10;
   } else {
-    mantissa /= kPowersOfTen[step];
+    mantissa /= PowerOfTen(step);
     for (; rest > 0 && mantissa != 0; --rest) mantissa /= 10;
   }
   return mantissa;
@@ -188,12 +168,12 @@ std::optional<double> ReadPlain(TextView text) {
   constexpr std::size_t kMaxLength = 15;
   const bool negative = text.starts_with(u'-');
   if (negative) text.remove_prefix(1);
-  if (text.size() > kMaxLength || text.empty() || !IsDecimalDigit(text[0])) return std::nullopt;
+  if (text.size() > kMaxLength || text.empty() || !IsDigit(text[0])) return std::nullopt;
   const char16_t separator = CurrentLocale().decimal_separator;
   std::int64_t mantissa = 0;
   std::size_t point = text.size();
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (IsDecimalDigit(text[i]))
+    if (IsDigit(text[i]))
       mantissa = mantissa * 10 + (text[i] - u'0');
     else if (text[i] == separator && point == text.size())
       point = i;
@@ -201,7 +181,7 @@ std::optional<double> ReadPlain(TextView text) {
       return std::nullopt;
   }
   double value = static_cast<double>(mantissa);
-  if (point < text.size()) value /= kPowersOfTen[text.size() - point - 1];
+  if (point < text.size()) value /= PowerOfTen(static_cast<int>(text.size() - point - 1));
   return negative ? -value : value;
 }
 
@@ -210,15 +190,16 @@ std::optional<double> ReadPlain(TextView text) {
 NumberText ScanNumber(TextView text) { return Scanner(text).Scan(); }
 
 double ValueOf(const NumberText& number) {
+  const DecimalDigits& decimal = number.decimal;
   double magnitude = 0;
   if (number.form == NumberText::Form::Bits) {
     magnitude = BitsValue(number.bits);
-  } else if (number.count > 0) {
+  } else if (decimal.count > 0) {
     // Digit by digit, as the platform does: beyond 2^53 each step rounds.
-    for (int i = 0; i < number.count; ++i) magnitude = magnitude * 10 + (number.digits[i] - '0');
-    magnitude = Scale(magnitude, number.exponent - number.count);
+    for (int i = 0; i < decimal.count; ++i) magnitude = magnitude * 10 + (decimal.digits[i] - '0');
+    magnitude = Scale(magnitude, decimal.exponent - decimal.count);
   }
-  return number.negative ? -magnitude : magnitude;
+  return decimal.negative ? -magnitude : magnitude;
 }
 
 std::optional<double> ReadNumber(TextView text) {

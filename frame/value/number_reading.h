@@ -2,26 +2,21 @@
 
 #include <cstdint>
 
+#include "frame/value/decimal_digits.h"
 #include "tovalin/text.h"
 
 namespace tovalin {
 
 /// What a whole text says as a number under the current locale.
 struct NumberText {
-  static constexpr int kMaxDigits = 40;
-
   enum class Form : std::uint8_t {
     None,     // it does not read as a number
     Decimal,  // "1,234.5", "(5)", "$ 5 -", "1.5e3"
     Bits,     // "&H1F", "&O17"
   };
   Form form = Form::None;
-  bool negative = false;
   std::uint64_t bits = 0;  // of Bits; those beyond 32 only tell that it is too large
-  // Of Decimal: 0.d1d2d3... x 10^exponent, without zeros at either end.
-  int count = 0;
-  int exponent = 0;
-  char digits[kMaxDigits];
+  DecimalDigits decimal;   // of Decimal; its sign is that of Bits, too
 };
 
 /// Reads `text`: blanks, one sign, one currency symbol and brackets around the

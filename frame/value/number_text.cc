@@ -1,7 +1,6 @@
 #include "frame/value/number_text.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -12,12 +11,6 @@
 
 namespace tovalin {
 namespace {
-
-constexpr int kDoubleDigits = 15;
-constexpr int kSingleDigits = 7;
-
-// Every whole number below it is exact in Double and has at most 15 digits.
-constexpr double kWholeLimit = 1e15;
 
 // Texts are written as Text or, with the same digits, as UTF-8.
 void AppendDigits(Text& text, const char* first, const char* last) {
@@ -62,29 +55,13 @@ void AppendWhole(String& text, std::int64_t value) {
 /// after the first one.
 DecimalDigits Collect(bool negative, const char* first, const char* last, int exponent) {
   DecimalDigits result;
-  while (last != first && last[-1] == '0') --last;
   result.negative = negative;
   result.count = static_cast<int>(last - first);
-  result.exponent = result.count == 0 ? 0 : exponent;
+  result.exponent = exponent;
   std::copy(first, last, result.digits);
+  result.DropZerosAtEnd();
   return result;
 }
-
-// 10^-3 to 10^16; a Double is at least one of them when it is at least the power
-// itself, since those below 1 are the nearest Doubles from above.
-constexpr double kPowers[] = {1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
-                              1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
-constexpr int kLeastPower = -3;
-
-constexpr auto kWholePowers = [] {
-  std::array<std::uint64_t, 20> powers{};
-  std::uint64_t power = 1;
-  for (std::uint64_t& entry : powers) {
-    entry = power;
-    power *= 10;
-  }
-  return powers;
-}();
 
 struct Product {
   std::uint64_t high;
@@ -109,16 +86,17 @@ struct ExactDecimal {
 /// 2^shift, a whole number of 128 bits, and is rounded exactly here, a half to even.
 /// False for others. It takes a quarter of the steps of the general way.
 bool ToExactDecimal(double magnitude, int significant, ExactDecimal& decimal) {
-  if (!(magnitude >= kPowers[0] && magnitude < kWholeLimit)) return false;
+  constexpr double kLeastExact = PowerOfTen(-3);
+  if (!(magnitude >= kLeastExact && magnitude < kWholeLimit)) return false;
   constexpr std::uint64_t kMantissaBit = std::uint64_t{1} << 52;
   const auto bits = std::bit_cast<std::uint64_t>(magnitude);
   const int binary_exponent = static_cast<int>(bits >> 52) - 1023;
   int power = binary_exponent * 1233 >> 12;  // 1233 / 4096 is the logarithm of 2
-  if (magnitude >= kPowers[power + 1 - kLeastPower]) ++power;
+  if (magnitude >= PowerOfTen(power + 1)) ++power;
   const int places = significant - 1 - power;
   if (places < 0) return false;
-  const Product product = Multiply((bits & (kMantissaBit - 1)) | kMantissaBit,
-                                   kWholePowers[static_cast<std::size_t>(places)]);
+  const Product product =
+      Multiply((bits & (kMantissaBit - 1)) | kMantissaBit, WholePowerOfTen(places));
   const int shift = 52 - binary_exponent;
   const std::uint64_t whole = product.high << (64 - shift) | product.low >> shift;
   const std::uint64_t rest = product.low << (64 - shift);
@@ -145,7 +123,7 @@ bool AppendExact(String& text, double value) {
   ExactDecimal decimal;
   if (!ToExactDecimal(std::abs(value), kDoubleDigits, decimal)) return false;
   DropZeros(decimal);
-  const std::uint64_t scale = kWholePowers[static_cast<std::size_t>(decimal.places)];
+  const std::uint64_t scale = WholePowerOfTen(decimal.places);
   auto whole = static_cast<std::uint64_t>(std::abs(value));
   std::uint64_t fraction = decimal.digits - whole * scale;
   if (fraction >= scale) {  // rounded up to the next whole number
@@ -153,7 +131,7 @@ bool AppendExact(String& text, double value) {
     fraction -= scale;
   }
   const bool is_long = decimal.places > kDoubleDigits;
-  if (is_long || whole >= kWholePowers[kDoubleDigits]) return false;
+  if (is_long || whole >= WholePowerOfTen(kDoubleDigits)) return false;
   char buffer[48];
   char* const last = buffer + sizeof buffer;
   buffer[0] = '-';

@@ -3,19 +3,11 @@
 #include <cstdint>
 #include <string>
 
+#include "frame/value/decimal_digits.h"
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
 
 namespace tovalin {
-
-/// A number in decimal: 0.d1d2d3... x 10^exponent, with the digits as the
-/// characters '0' to '9' and no zeros at the end. Zero has count 0.
-struct DecimalDigits {
-  bool negative = false;
-  int count = 0;
-  int exponent = 0;
-  char digits[20];
-};
 
 /// `value`, which is finite, correctly rounded to at most `significant` digits
 /// (1 to 17). Example: 2.675 with 15 gives 2675, exponent 1.

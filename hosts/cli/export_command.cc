@@ -4,6 +4,8 @@
 #include <limits>
 #include <optional>
 
+#include "frame/text/characters.h"
+#include "frame/value/decimal_digits.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/csv.h"
 #include "hosts/cli/encoding.h"
@@ -17,8 +19,6 @@
 namespace tovalin::tool {
 namespace {
 
-constexpr std::ptrdiff_t kMostExactDigits = 15;  // of a Double's text
-
 [[noreturn]] void RaiseFor(const std::string& problem) { RaiseOwn(u"tovalin", FromUtf8(problem)); }
 
 std::optional<Variant> ReadDouble(const Text& text) { return ReadNumber(text); }
@@ -27,8 +27,7 @@ std::optional<Variant> ReadDouble(const Text& text) { return ReadNumber(text); }
 std::optional<Variant> ReadExact(const Text& text) {
   const std::optional<double> number = ReadNumber(text);
   if (!number) return std::nullopt;
-  const auto is_digit = [](char16_t c) { return c >= u'0' && c <= u'9'; };
-  if (std::ranges::count_if(text, is_digit) > kMostExactDigits) return text;
+  if (std::ranges::count_if(text, IsDigit) > kDoubleDigits) return text;
   return *number;
 }
 

@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 
+#include "frame/text/characters.h"
+#include "frame/value/decimal_digits.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/csv.h"
 #include "hosts/cli/encoding.h"
@@ -16,8 +18,6 @@
 
 namespace tovalin::tool {
 namespace {
-
-constexpr std::ptrdiff_t kMostExactDigits = 15;  // of a Double's text
 
 Ref<ArchivoPlano> ReadLayout(const FlatOptions& options) {
   auto file = Make<ArchivoPlano>();
@@ -39,9 +39,8 @@ Variant CellValue(const std::string& cell, std::int32_t type) {
   const Text text = FromUtf8(cell);
   if (type == kDate && IsDate(Variant(text))) return ToDate(Variant(text));
   if (type != kNumeric && type != kInteger) return text;
-  const auto is_digit = [](char16_t c) { return c >= u'0' && c <= u'9'; };
   const std::optional<double> number = ReadNumber(text);
-  if (!number || std::ranges::count_if(text, is_digit) > kMostExactDigits) return text;
+  if (!number || std::ranges::count_if(text, IsDigit) > kDoubleDigits) return text;
   return *number;
 }
 

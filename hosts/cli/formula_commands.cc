@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "frame/text/characters.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/encoding.h"
 #include "hosts/cli/input.h"
@@ -52,8 +53,7 @@ void ShowFaults(const Collection& faults) {
       if (c < u' ') c = u' ';
     const auto start = static_cast<std::size_t>(fault->Item(u"Inicio").AsLong());
     const TextView before = TextView(formula).substr(0, start - 1);
-    const auto low_surrogate = [](char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; };
-    const auto pairs = std::count_if(before.begin(), before.end(), low_surrogate);
+    const auto pairs = std::count_if(before.begin(), before.end(), IsLowSurrogate);
     std::cout << ShowValue(fault->Item(u"Mensaje")) << '\n'
               << "  " << ToUtf8(formula) << '\n'
               << "  " << std::string(before.size() - static_cast<std::size_t>(pairs), ' ') << "^\n";

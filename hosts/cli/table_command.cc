@@ -6,8 +6,10 @@
 #include <iostream>
 #include <optional>
 
+#include "frame/text/characters.h"
 #include "frame/value/conversion.h"
 #include "frame/value/date_text.h"
+#include "frame/value/decimal_digits.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/csv.h"
 #include "hosts/cli/encoding.h"
@@ -43,8 +45,6 @@ std::vector<NamedFormula> ReadFormulas(const std::string& path) {
   return formulas;
 }
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
 // Dates are told by their form alone, day/month/year or ISO, so that amounts and
 // codes are never taken for one.
 bool LooksLikeDate(TextView text) {
@@ -56,13 +56,10 @@ bool LooksLikeDate(TextView text) {
          digits_and(u'/', 2, 4) || digits_and(u'-', 4, 7);
 }
 
-// Whole numbers below it are exact and look the same whatever the locale. Most cells
-// that formulas read or give hold one.
-constexpr std::size_t kExactDigits = 15;
-constexpr double kExactLimit = 1e15;
-
+// Whole numbers of so few digits are exact and look the same whatever the locale. Most
+// cells that formulas read or give hold one.
 std::optional<double> WholeNumber(std::string_view cell) {
-  if (cell.size() > kExactDigits) return std::nullopt;
+  if (cell.size() > static_cast<std::size_t>(kDoubleDigits)) return std::nullopt;
   std::int64_t number = 0;
   for (char c : cell) {
     if (c < '0' || c > '9') return std::nullopt;
@@ -220,7 +217,7 @@ class TableRun {
     if (value.Is(Subtype::String)) return writer_.Field(TextView(value.AsText()));
     const double* number = value.IfDouble();
     if (!number) return writer_.Field(ShowValue(value));
-    if (std::abs(*number) < kExactLimit)
+    if (std::abs(*number) < kWholeLimit)
       if (const auto whole = static_cast<std::int64_t>(*number);
           static_cast<double>(whole) == *number)
         return writer_.Field(whole);

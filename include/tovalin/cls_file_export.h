@@ -1,7 +1,7 @@
 #pragma once
 
+#include <memory>
 #include <optional>
-#include <utility>
 
 #include "tovalin/api.h"
 #include "tovalin/campos.h"
@@ -23,7 +23,12 @@ class TOVALIN_API clsFileExport : public Object {
   static constexpr std::uint8_t TEXTO_DELIMITADO = 0;
   static constexpr std::uint8_t LONGITUDFIJA = 1;
 
+<<<<<<< HEAD
   static const ClassInfo kInfo;
+=======
+  clsFileExport();
+  ~clsFileExport() override;
+>>>>>>> refs/heads/frame
   const ClassInfo& Class() const override;
 
   /// Writes the rows 0 to `vlngRows` (the number of the last one, -1 for none) of
@@ -53,28 +58,28 @@ class TOVALIN_API clsFileExport : public Object {
 
   /// The order of year, month and day in dates: "DMY", "DYM", "MDY", "MYD", "YDM"
   /// or "YMD", compared exactly. Any other code becomes "AMD" and means "YMD".
-  const Text& OrdenFechas() const { return date_order_; }
+  const Text& OrdenFechas() const;
   /// Also takes the year form and SeparadorFecha into use as they are now: changes
   /// of theirs count from the next assignment on. Until the first one, dates are
   /// written in the general form.
   void LetOrdenFechas(const Text& NewValue);
 
   /// Whether years have four digits.
-  bool AnoCompleto() const { return year_ == kLongYear; }
-  void LetAnoCompleto(bool NewValue) { year_ = NewValue ? kLongYear : kShortYear; }
+  bool AnoCompleto() const;
+  void LetAnoCompleto(bool NewValue);
 
   /// One character: the first of the text assigned, a blank for the empty text. In
   /// a date, "/" stands for the locale's date separator.
-  Text SeparadorFecha() const { return Text(1, date_separator_); }
-  void LetSeparadorFecha(const Text& NewValue) { date_separator_ = FirstCharacter(NewValue); }
+  Text SeparadorFecha() const;
+  void LetSeparadorFecha(const Text& NewValue);
 
   /// The character around texts in delimited mode, kept as SeparadorFecha is. One
   /// inside a text is not doubled.
-  Text SeparadorCadena() const { return Text(1, text_qualifier_); }
-  void LetSeparadorCadena(const Text& NewValue) { text_qualifier_ = FirstCharacter(NewValue); }
+  Text SeparadorCadena() const;
+  void LetSeparadorCadena(const Text& NewValue);
 
-  std::uint8_t Fomato() const { return format_; }
-  void LetFomato(std::uint8_t NewValue) { format_ = NewValue; }
+  std::uint8_t Fomato() const;
+  void LetFomato(std::uint8_t NewValue);
 
   // --- For C++ hosts ----------------------------------------------------------
 
@@ -95,28 +100,18 @@ class TOVALIN_API clsFileExport : public Object {
     bool broken_record = false;               // a part of one more stands behind them
   };
   /// Of the last export; empty when it answered True, and before the first one.
-  const std::optional<FailureReport>& LastFailure() const { return last_failure_; }
+  const std::optional<FailureReport>& LastFailure() const;
 
   /// The pattern of dates that the last assignment of OrdenFechas made; empty before it.
-  TextView DatePattern() const { return date_pattern_; }
+  TextView DatePattern() const;
 
   /// Replaces the system's clock, for the moment that the layout file tells. Without a
   /// function the system's comes back.
-  void UseClock(HostClock::Function clock) { clock_.Use(std::move(clock)); }
+  void UseClock(HostClock::Function clock);
 
  private:
-  static constexpr TextView kShortYear = u"yy";
-  static constexpr TextView kLongYear = u"yyyy";
-
-  static char16_t FirstCharacter(const Text& text) { return text.empty() ? u' ' : text[0]; }
-  std::uint8_t format_ = TEXTO_DELIMITADO;
-  Text date_order_ = u"AMD";
-  TextView year_ = kShortYear;
-  char16_t date_separator_ = u'/';
-  char16_t text_qualifier_ = u'"';
-  Text date_pattern_;
-  HostClock clock_;
-  std::optional<FailureReport> last_failure_;
+  struct Core;
+  std::unique_ptr<Core> core_;
 };
 
 }  // namespace tovalin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <variant>
+#include <memory>
 
 #include "tovalin/api.h"
 #include "tovalin/campos.h"
@@ -9,7 +9,7 @@
 
 namespace tovalin {
 
-/// A walk over the items of a Collection or the records of a Campos, for hosts that
+/// Iterates over the items of a Collection or the records of a Campos, for hosts that
 /// call late-bound. It stays right while items come and go: see KeyedList::Cursor.
 ///
 ///     Variant item;
@@ -19,7 +19,7 @@ class TOVALIN_API Enumerador : public Object {
  public:
   static constexpr TextView kClassName = u"Enumerador";
 
-  /// A walk over a list, whose owner it keeps alive if Refs hold that.
+  /// Iterates over a list, whose owner it keeps alive if Refs hold that.
   Enumerador(const KeyedList<Variant>& list, Ref<Object> owner);
   Enumerador(const KeyedList<Ref<Campo>>& list, Ref<Object> owner);
   ~Enumerador() override;
@@ -35,11 +35,8 @@ class TOVALIN_API Enumerador : public Object {
   void Reiniciar();
 
  private:
-  enum class Place : std::uint8_t { BeforeFirst, AtItem, BehindLast };
-
-  Ref<Object> owner_;
-  std::variant<KeyedList<Variant>::Cursor, KeyedList<Ref<Campo>>::Cursor> cursor_;
-  Place place_ = Place::BeforeFirst;
+  struct Core;
+  std::unique_ptr<Core> core_;
 };
 
 }  // namespace tovalin

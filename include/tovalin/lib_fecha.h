@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
+#include <memory>
 
 #include "tovalin/api.h"
 #include "tovalin/clock.h"
@@ -24,13 +24,15 @@ class TOVALIN_API LibFecha : public Object {
   /// Tells the date and time at each call.
   using Clock = HostClock::Function;
 
-  LibFecha();
   static const ClassInfo kInfo;
+
+  LibFecha();
+  ~LibFecha() override;
   const ClassInfo& Class() const override;
 
   /// Puts another clock in the place of the system's local time; an empty one
   /// brings the system's back. Only the current year matters, to MesesDelAno.
-  void UseClock(Clock clock) { clock_.Use(std::move(clock)); }
+  void UseClock(Clock clock);
 
   /// The first day of the month of `vbdate`, without time. A value that is no
   /// date and does not read as one comes back as it is.
@@ -79,9 +81,8 @@ class TOVALIN_API LibFecha : public Object {
   Text Duration(std::int32_t& TotalSeconds, std::int16_t& UpFormat) const;
 
  private:
-  HostClock clock_;
-  Ref<Collection> days_;
-  Ref<Collection> months_;
+  struct Core;
+  std::unique_ptr<Core> core_;
 };
 
 }  // namespace tovalin

@@ -27,6 +27,9 @@ class TOVALIN_API LibGeneral : public Object {
   static constexpr TextView kClassName = u"LibGeneral";
 
   static const ClassInfo kInfo;
+
+  LibGeneral();
+  ~LibGeneral() override;
   const ClassInfo& Class() const override;
 
   // --- Keys. The filters set `KeyAscii` to 0 when the key is not accepted.
@@ -126,11 +129,11 @@ class TOVALIN_API LibGeneral : public Object {
   // --- Layouts.
 
   /// Whether each user's layouts are saved and restored; false at first.
-  bool gbolCUI() const { return uses_layouts_; }
-  void LetgbolCUI(bool NewValue) { uses_layouts_ = NewValue; }
+  bool gbolCUI() const;
+  void LetgbolCUI(bool NewValue);
 
   /// The application under which layouts are kept; empty at first.
-  const Text& Aplicacion() const { return application_; }
+  const Text& Aplicacion() const;
   void LetAplicacion(const Text& NewValue);
 
   /// Saves the layout of a control under `Section` and `Key`. A form is saved in
@@ -153,18 +156,11 @@ class TOVALIN_API LibGeneral : public Object {
   void UseHost(HostServices services);
 
   /// Keeps layouts in `store`, or in DefaultSettings() when it is none.
-  void UseSettings(Ref<SettingsStore> store) { settings_ = std::move(store); }
+  void UseSettings(Ref<SettingsStore> store);
 
  private:
-  /// Held while one of them runs, which may put others in their place.
-  std::shared_ptr<const HostServices> Services() const { return host_; }
-  Ref<SettingsStore> Settings() const { return settings_ ? settings_ : DefaultSettings(); }
-
-  char16_t separator_ = u'»';
-  bool uses_layouts_ = false;
-  Text application_;
-  std::shared_ptr<const HostServices> host_ = std::make_shared<const HostServices>();
-  Ref<SettingsStore> settings_;
+  struct Core;
+  std::unique_ptr<Core> core_;
 };
 
 }  // namespace tovalin
