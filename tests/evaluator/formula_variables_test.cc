@@ -163,6 +163,10 @@ TEST_F(FormulaVariables, FollowAFormulaThatChanges) {
   host.evaluator->Variables()->Item(u"B")->LetFormula(u"Doble + 1");
   EXPECT_EQ(host.Evaluate(u"Doble"), "Double 6");
   EXPECT_EQ(Stored(u"B"), "Double 7");
+  host.evaluator->Variables()->Item(u"B")->LetFormula(u"ORDEN");  // reads no formula any more
+  host.evaluator->SetVariable(u"B", 1.0);
+  EXPECT_EQ(host.Evaluate(u"Doble"), "Double 6");
+  EXPECT_EQ(Stored(u"B"), "Double 1");
 }
 
 TEST_F(FormulaVariables, FollowAConstantThatChanges) {

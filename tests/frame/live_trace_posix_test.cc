@@ -35,7 +35,8 @@ std::string Shown() {
   return ToUtf8(*texts[0]);
 }
 
-/// A process that writes numbers, until it is killed at the end of the scope at the latest.
+/// A process that writes numbers from `start` on, higher than all before it, until it is
+/// killed at the end of the scope at the latest.
 class WritingProcess {
  public:
   explicit WritingProcess(unsigned start)
@@ -48,8 +49,7 @@ class WritingProcess {
           }
           return 0;
         })) {
-    const std::string before = Shown();
-    while (Shown() == before) std::this_thread::yield();
+    while (std::strtoul(Shown().c_str(), nullptr, 10) < start) std::this_thread::yield();
   }
   WritingProcess(const WritingProcess&) = delete;
   WritingProcess& operator=(const WritingProcess&) = delete;
@@ -77,7 +77,7 @@ TEST_F(LiveTraceProcessTest, AKilledProcessLeavesItsLastTexts) {
   std::string last;
   for (unsigned round = 0; round < 40; ++round) {
     {
-      const WritingProcess writer(1000 * round);
+      const WritingProcess writer(1'000'000 * (round + 1));
       std::this_thread::sleep_for(std::chrono::microseconds(37 * round));
     }
     EXPECT_NE(Shown(), "a mix");
