@@ -15,6 +15,7 @@ set(TOVALIN_SOURCES
     frame/text/letter_case.cc
     frame/text/text.cc
     frame/value/amount.cc
+    frame/value/amount_product.cc
     frame/value/arithmetic.cc
     frame/value/calendar.cc
     frame/value/comparison.cc
