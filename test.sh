@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Builds and runs all tests, first as shipped, then under the sanitizers.
-# With --windows, builds them for Windows instead and runs them under Wine.
+# Builds and runs all tests:
+#   test.sh [--release|--sanitized|--32|--windows]
+# as shipped, under the sanitizers, for 32 bits, or for Windows and under Wine. Without
+# an argument, the first two. Warnings are errors.
 set -euo pipefail
 cd "$(dirname "$0")"
 source cmake/build.sh
@@ -48,21 +50,38 @@ run_consumer() {
   for program in "$1"/consumer_*.exe; do wine "$program"; done
 }
 
-if [[ ${1-} == --windows ]]; then
-  need windows
-  test_windows
-  exit
-fi
-
-need build test
-
-# The build of run.sh: what users get is what is tested, and is compiled once.
-configure build -DCMAKE_BUILD_TYPE=Release -DTOVALIN_BUILD_TESTS=ON
-run_tests build
+# As shipped. In the build of run.sh: what users get is what is tested.
+test_release() {
+  configure build -DCMAKE_BUILD_TYPE=Release -DTOVALIN_BUILD_TESTS=ON
+  run_tests build
+}
 
 # This one keeps the assertions too.
-configure build-sanitized -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-g1 \
-  -DTOVALIN_SANITIZE=ON -DTOVALIN_BUILD_TESTS=ON
-export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1
-export UBSAN_OPTIONS=print_stacktrace=1
-run_tests build-sanitized
+test_sanitized() {
+  configure build-sanitized -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-g1 \
+    -DTOVALIN_SANITIZE=ON -DTOVALIN_BUILD_TESTS=ON
+  export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1
+  export UBSAN_OPTIONS=print_stacktrace=1
+  run_tests build-sanitized
+}
+
+test_32() {
+  configure build-32 -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/linux-32.cmake" \
+    -DCMAKE_BUILD_TYPE=Release -DTOVALIN_BUILD_TESTS=ON
+  run_tests build-32
+}
+
+export TOVALIN_WERROR=ON
+case ${1-} in
+  '') needs=(build test) jobs=(test_release test_sanitized) ;;
+  --release) needs=(build test) jobs=(test_release) ;;
+  --sanitized) needs=(build test) jobs=(test_sanitized) ;;
+  --32) needs=(32) jobs=(test_32) ;;
+  --windows) needs=(windows) jobs=(test_windows) ;;
+  *)
+    sed -n '2,/^set/{/^#/p}' "$0" >&2
+    exit 2
+    ;;
+esac
+need "${needs[@]}"
+for job in "${jobs[@]}"; do "$job"; done

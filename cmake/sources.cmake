@@ -21,6 +21,7 @@ set(TOVALIN_SOURCES
     frame/text/text.cc
     frame/text/utf8.cc
     frame/value/amount.cc
+    frame/value/amount_product.cc
     frame/value/arithmetic.cc
     frame/value/calendar.cc
     frame/value/comparison.cc

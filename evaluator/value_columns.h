@@ -59,7 +59,10 @@ class ValueColumns {
     Variant constant;          // what was computed of constants
 
     const Variant& At(std::size_t row) const { return values[row * stride]; }
-    Variant Take(std::size_t row) { return is_own ? std::move(own[row]) : At(row); }
+    Variant Take(std::size_t row) {
+      if (is_own) return std::move(own[row]);
+      return At(row);
+    }
     void UseOwn();
     void UseConstant(const Variant& value);
   };

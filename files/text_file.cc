@@ -56,8 +56,10 @@ std::size_t ReadBlock(std::FILE* file, char* bytes, TextView path) {
 std::size_t LikelySize(std::FILE* file) {
   const long size = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : 0;
   std::fseek(file, 0, SEEK_SET);
-  return size > 0 && static_cast<std::size_t>(size) <= kLongestFile ? static_cast<std::size_t>(size)
-                                                                    : 0;
+  // A directory claims the largest number there is, which 32 bits do not tell from a size.
+  const bool likely = size > 0 && size != std::numeric_limits<long>::max() &&
+                      static_cast<std::size_t>(size) <= kLongestFile;
+  return likely ? static_cast<std::size_t>(size) : 0;
 }
 
 std::string ReadBytes(TextView path) {

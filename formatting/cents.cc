@@ -36,7 +36,8 @@ std::int64_t NumberToCents(const Variant& value, double number, int significant)
   const std::int64_t cents = DigitsToCents(value, shown);
   if (shown.exponent <= significant - 2) return cents;
   // The text has no place for all cents: is it the number itself?
-  const double said = static_cast<double>(cents / 100) + static_cast<double>(cents % 100) / 100;
+  const std::int64_t wholes = cents / 100;
+  const double said = static_cast<double>(wholes) + static_cast<double>(cents % 100) / 100;
   const bool same =
       significant == kSingleDigits ? static_cast<float>(said) == value.AsSingle() : said == number;
   if (!same) RefuseValue(value, u" tiene más cifras de las que muestra: use Currency");

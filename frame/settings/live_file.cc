@@ -34,7 +34,10 @@ constexpr std::size_t kLatestPlace = 0;
 constexpr std::size_t kLongTextsPlace = 8;
 constexpr std::size_t kLatestSize = 16;
 
-std::size_t CurrentBuffer(Word state) { return kBuffersPlace + (state >> 1 & 1) * kBufferSize; }
+std::size_t CurrentBuffer(Word state) {
+  const bool second = (state >> 1 & 1) != 0;
+  return second ? kBuffersPlace + kBufferSize : kBuffersPlace;
+}
 
 std::filesystem::path LatestPath(std::filesystem::path stem) { return stem += ".latest"; }
 std::filesystem::path FilePath(std::filesystem::path stem, Word number) {
@@ -59,7 +62,7 @@ std::size_t SizeOf(Word head, std::size_t slot) {
 }
 
 void Fill(Mapping& file, std::size_t buffer, std::size_t slot, const LiveEntry<TextView>& entry) {
-  const Word size = entry.text.size() <= LiveFile::kLongest[slot] ? entry.text.size() : 0;
+  const std::size_t size = entry.text.size() <= LiveFile::kLongest[slot] ? entry.text.size() : 0;
   file.Write(buffer + SlotPlace(slot), entry.text.data(), 2 * size);
   file.Store(buffer + 8 * slot, entry.in_settings ? size : kStandsHere + size);
 }

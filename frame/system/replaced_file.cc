@@ -66,6 +66,7 @@ void ReplacedFile::Write(std::string_view bytes) {
 
 void ReplacedFile::WriteOver(std::int64_t offset, std::string_view bytes) {
   if (temporary_.empty()) RaiseUnwritable(ESPIPE);
+  if (!std::in_range<long>(offset)) RaiseUnwritable(EFBIG);
   errno = 0;
   if (std::fseek(file_, static_cast<long>(offset), SEEK_SET) != 0) RaiseUnwritable(errno);
   Write(bytes);

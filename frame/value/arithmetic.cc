@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/system/power.h"
+#include "frame/value/amount_product.h"
 #include "frame/value/conversion.h"
 #include "frame/value/widening.h"
 #include "tovalin/error.h"
@@ -25,8 +26,6 @@ constexpr Subtype kProductLadder[] = {Subtype::Empty, Subtype::Byte,     Subtype
                                       Subtype::Double};
 constexpr Widening kSums(kSumLadder);
 constexpr Widening kProducts(kProductLadder);
-
-__extension__ using Int128 = __int128;
 
 /// A whole result in `subtype`, or in the next wider one that holds it.
 Variant Whole(Subtype subtype, std::int64_t value) {
@@ -60,12 +59,18 @@ struct Plus {
   static T Apply(T left, T right) {
     return left + right;
   }
+  static bool Overflows(std::int64_t left, std::int64_t right, std::int64_t& result) {
+    return __builtin_add_overflow(left, right, &result);
+  }
 };
 
 struct Minus {
   template <class T>
   static T Apply(T left, T right) {
     return left - right;
+  }
+  static bool Overflows(std::int64_t left, std::int64_t right, std::int64_t& result) {
+    return __builtin_sub_overflow(left, right, &result);
   }
 };
 
@@ -76,11 +81,13 @@ struct Times {
   }
 };
 
-Currency Units(Int128 units) {
-  if (!(units >= std::numeric_limits<std::int64_t>::min() &&
-        units <= std::numeric_limits<std::int64_t>::max()))
+/// The operation on two amounts, exact.
+template <class Operation>
+Currency ExactAmount(Currency left, Currency right) {
+  Currency result;
+  if (Operation::Overflows(left.ten_thousandths, right.ten_thousandths, result.ten_thousandths))
     Raise(Failure::Overflow);
-  return {static_cast<std::int64_t>(units)};
+  return result;
 }
 
 bool IsExactAmount(const Variant& value) {
@@ -105,20 +112,13 @@ Variant AmountSum(const Variant& left, const Variant& right) {
       return Currency{Operation::Apply(first.ten_thousandths, second.ten_thousandths)};
   }
   if (const auto sum = CurrencyOf(Operation::Apply(ToDouble(left), ToDouble(right)))) return *sum;
-  return Units(Operation::Apply(Int128{ToCurrency(left).ten_thousandths},
-                                Int128{ToCurrency(right).ten_thousandths}));
+  return ExactAmount<Operation>(ToCurrency(left), ToCurrency(right));
 }
 
-/// The exact product of two amounts, halves to the even neighbour.
-Variant AmountProduct(const Variant& left, const Variant& right) {
-  constexpr int kScale = 10000;
-  const Int128 product =
-      Int128{ToCurrency(left).ten_thousandths} * ToCurrency(right).ten_thousandths;
-  const Int128 units = product / kScale;
-  const auto rest = static_cast<int>(product % kScale);
-  const int twice = 2 * std::abs(rest);
-  const bool away = twice > kScale || (twice == kScale && units % 2 != 0);
-  return Units(away ? units + (rest < 0 ? -1 : 1) : units);
+Currency Product(Currency left, Currency right) {
+  const auto units = AmountProduct(left.ten_thousandths, right.ten_thousandths);
+  if (!units) Raise(Failure::Overflow);
+  return {*units};
 }
 
 /// The operation on two operands that meet in `subtype`.
@@ -135,7 +135,7 @@ Variant Compute(Subtype subtype, const Variant& left, const Variant& right) {
     }
     case Subtype::Currency:
       if constexpr (std::same_as<Operation, Times>)
-        return AmountProduct(left, right);
+        return Product(ToCurrency(left), ToCurrency(right));
       else
         return AmountSum<Operation>(left, right);
     case Subtype::Single:
@@ -210,7 +210,7 @@ Variant Negate(const Variant& value) {
     case Subtype::Single:
       return -value.AsSingle();
     case Subtype::Currency:
-      return Units(-Int128{value.AsCurrency().ten_thousandths});
+      return ExactAmount<Minus>({}, value.AsCurrency());
     case Subtype::Double:
     case Subtype::String:
       return Finite(-ToDouble(value));

@@ -15,7 +15,7 @@ constexpr std::size_t kBlock = 1 << 18;
 // By character: whether a field that holds it is written in quotes.
 constexpr auto kNeedsQuotes = [] {
   std::array<bool, 256> quoted{};
-  for (unsigned char c : {',', '"', '\r', '\n'}) quoted[c] = true;
+  for (const char c : {',', '"', '\r', '\n'}) quoted[static_cast<unsigned char>(c)] = true;
   return quoted;
 }();
 

@@ -14,10 +14,11 @@ namespace {
 class RoundTrip : public FlatFileTest {
  protected:
   std::uint64_t Below(std::uint64_t limit) { return random_() % limit; }
+  std::size_t Index(std::size_t size) { return static_cast<std::size_t>(Below(size)); }
   bool Chance() { return Below(2) == 0; }
   template <class T>
   const T& OneOf(const std::vector<T>& values) {
-    return values[Below(values.size())];
+    return values[Index(values.size())];
   }
 
   /// A field of a random form with the values that it must keep.
@@ -111,7 +112,7 @@ class RoundTrip : public FlatFileTest {
   Variant RandomText() {
     static const Text kLetters = u"abcÑñáÉ€ 0123;,\"'|-\t.";
     Text text;
-    for (std::uint64_t i = 1 + Below(12); i > 0; --i) text += kLetters[Below(kLetters.size())];
+    for (std::uint64_t i = 1 + Below(12); i > 0; --i) text += kLetters[Index(kLetters.size())];
     // Blanks at the ends of a fixed field belong to nobody.
     text.front() = u'<';
     text.back() = u'>';

@@ -272,7 +272,7 @@ TEST(Campos, KeepsRecordsUnderTheirNames) {
 }
 
 TEST(Variant, SharesTextAndCopiesArraysWhenWritten) {
-  EXPECT_EQ(sizeof(Variant), 16u);
+  EXPECT_LE(sizeof(Variant), 16u);  // 12 where a Double needs no alignment of 8
   Variant text = u"un texto más largo que cualquier otro";
   const Variant copy = text;
   EXPECT_EQ(text.AsText().data(), copy.AsText().data());

@@ -46,6 +46,7 @@ TEST(Conversion, ValuesThatAreNotFiniteFitNowhereButInDouble) {
       EXPECT_EQ(Outcome([&] { return Convert(value, target); }), "!6");
 }
 
+#ifdef __SIZEOF_INT128__
 // An amount is its exact count of ten-thousandths rounded to even; __int128 and
 // a power of two do that sum without Double's roundings.
 TEST(Conversion, CurrencyIsTheNearestAmountToTheBinaryValue) {
@@ -70,6 +71,7 @@ TEST(Conversion, CurrencyIsTheNearestAmountToTheBinaryValue) {
     }
   }
 }
+#endif
 
 TEST(NumberReading, TextsWithoutEnd) {
   const Text digits(1'000'000, u'9');

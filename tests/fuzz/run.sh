@@ -36,9 +36,10 @@ declare -A dictionary=([formula]=formula [host]=formula [rows]=formula [csv]=for
   [patterns]=patterns [late]=patterns [settings]=settings)
 
 need fuzz
+export TOVALIN_WERROR=ON  # what clang warns of, too
 configure build-fuzz -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_CXX_FLAGS_DEBUG=-g1 -DTOVALIN_SANITIZE=ON -DTOVALIN_BUILD_FUZZ=ON \
-  -DTOVALIN_BUILD_TOOL=OFF -DTOVALIN_WERROR=OFF
+  -DTOVALIN_BUILD_TOOL=OFF
 cmake --build build-fuzz --target "${targets[@]/#/fuzz_}"
 
 # The trace of an evaluation goes to the user's settings: not to this user's.

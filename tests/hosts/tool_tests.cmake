@@ -41,8 +41,11 @@ set_tests_properties(
   PROPERTIES TIMEOUT 300 ENVIRONMENT
              "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config;XDG_RUNTIME_DIR=${PROJECT_BINARY_DIR}/run")
 # Each of some thousand formulas is computed in six ways: minutes, under sanitizers
-# on a busy machine.
-set_tests_properties(tool.conformance PROPERTIES TIMEOUT 600)
+# on a busy machine. So is what valgrind counts.
+set_tests_properties(tool.conformance PROPERTIES TIMEOUT 900)
+if(TEST tool.instruction_growth)
+  set_tests_properties(tool.instruction_growth PROPERTIES TIMEOUT 900)
+endif()
 if(WIN32)
   # It looks at the last evaluation of the user, who is the same for all tests.
   set_tests_properties(tool.vocabulary PROPERTIES RUN_SERIAL ON)

@@ -28,7 +28,7 @@ pkg_config() {
   flags=$(pkg-config --cflags --libs tovalin)
   libdir=$(pkg-config --variable=libdir tovalin)
   # shellcheck disable=SC2086  # several flags, no blanks within one
-  "$CXX" -std=c++20 "$consumer/main.cc" $flags -Wl,-rpath,"$libdir" -o "$work/with_pkg_config"
+  "$CXX" $CXXFLAGS -std=c++20 "$consumer/main.cc" $flags -Wl,-rpath,"$libdir" -o "$work/with_pkg_config"
   "$work/with_pkg_config"
 }
 

@@ -5,7 +5,7 @@ foreach(step install find_package pkg_config add_subdirectory)
                                          ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
   set_tests_properties(
     consumer.${step} PROPERTIES TIMEOUT 300 ENVIRONMENT
-    "CXX=${CMAKE_CXX_COMPILER};CMAKE_GENERATOR=${CMAKE_GENERATOR};XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config")
+    "CXX=${CMAKE_CXX_COMPILER};CXXFLAGS=${CMAKE_CXX_FLAGS};CMAKE_GENERATOR=${CMAKE_GENERATOR};XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/config")
 endforeach()
 set_tests_properties(consumer.install PROPERTIES FIXTURES_SETUP installed_copy)
 set_tests_properties(consumer.find_package consumer.pkg_config
