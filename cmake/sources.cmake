@@ -4,12 +4,15 @@
 set(TOVALIN_SOURCES
     frame/object/campos.cc
     frame/object/collection.cc
+    frame/object/container_members.cc
     frame/object/deep_release.cc
+    frame/object/describe_json.cc
     frame/object/dispatch.cc
     frame/object/enumerador.cc
+    frame/object/enumerations.cc
     frame/object/error.cc
     frame/object/keyed_list.cc
-    frame/object/lib_constan.cc
+    frame/object/lib_constan_members.cc
     frame/object/variant.cc
     frame/text/code_page.cc
     frame/text/json.cc
@@ -75,8 +78,11 @@ set(TOVALIN_SOURCES
     formatting/duration.cc
     formatting/filled_lines.cc
     formatting/lib_fecha.cc
+    formatting/lib_fecha_members.cc
     formatting/lib_monto.cc
+    formatting/lib_monto_members.cc
     formatting/lib_texto.cc
+    formatting/lib_texto_members.cc
     formatting/numeral_words.cc
     formatting/padding.cc
     formatting/phrase_case.cc
@@ -92,6 +98,7 @@ set(TOVALIN_SOURCES
     evaluator/fault_records.cc
     evaluator/formula.cc
     evaluator/formula_chain.cc
+    evaluator/formula_members.cc
     evaluator/formula_table.cc
     evaluator/functions.cc
     evaluator/functions_date.cc

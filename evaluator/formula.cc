@@ -5,31 +5,10 @@
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
 #include "frame/object/guarded.h"
-#include "tovalin/dispatch.h"
 
 namespace tovalin {
-namespace {
-
-constexpr std::int32_t (Formula::*kLateBoundTable)(const Variant&, std::int32_t,
-                                                   Variant&) = &Formula::EvaluarTabla;
-
-constexpr MemberInfo kMembers[] = {
-    Get<&Formula::Texto>(1, u"Texto", u"La fórmula como se dio"),
-    Get<&Formula::Posfijo>(2, u"Posfijo", u"Su texto posfijo"),
-    Get<&Formula::Variables>(3, u"Variables", u"Los nombres de las variables que lee"),
-    Get<&Formula::Errores>(4, u"Errores", u"Sus faltas, con su lugar"),
-    Method<&Formula::Evaluar>(5, u"Evaluar", {{u"Result"}}, u"Calcula el valor"),
-    Method<kLateBoundTable>(6, u"EvaluarTabla", {{u"columns"}, {u"rows"}, {u"Result"}},
-                            u"Calcula el valor de cada fila"),
-};
-
-constexpr ClassInfo kClass{Formula::kClassName, kMembers};
-
-}  // namespace
-
 Formula::Formula(std::unique_ptr<Core> core) : core_(std::move(core)) {}
 Formula::~Formula() = default;
-const ClassInfo& Formula::Class() const { return kClass; }
 
 void Formula::Core::RaiseGone() {
   RaiseOwn(u"Formula", u"El Evaluador de la fórmula ya no existe");

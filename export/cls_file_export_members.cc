@@ -17,32 +17,32 @@ constexpr TextView kFormatDoc =
 
 using Export = clsFileExport;
 
-constexpr MemberInfo kMembers[] = {
+constexpr MemberRow kMembers[] = {
     Method<&Export::GenerarArchivoPlanoDesdeBD>(1, u"GenerarArchivoPlanoDesdeBD",
                                                 {{u"rvarDatos"},
                                                  {u"vcolCampos"},
                                                  {u"vlngRows"},
                                                  {u"vstrArchivoSalida"},
-                                                 Optional(u"ostrDelimitador", u";")},
+                                                 Optional({u"ostrDelimitador"}, u";")},
                                                 kExportDoc),
     Get<&Export::Precision>(2, u"Precision", kPrecisionDoc, {{u"vPrecision"}}),
-    Let<&Export::LetPrecision>(2, u"Precision", kPrecisionDoc, {{u"vPrecision"}, {u"NewValue"}}),
+    Let<&Export::LetPrecision>(2, u"Precision", {{u"vPrecision"}, {u"NewValue"}}),
     Get<&Export::OrdenFechas>(3, u"OrdenFechas", kOrderDoc),
-    Let<&Export::LetOrdenFechas>(3, u"OrdenFechas", kOrderDoc),
+    Let<&Export::LetOrdenFechas>(3, u"OrdenFechas"),
     Get<&Export::AnoCompleto>(4, u"AnoCompleto", kYearDoc),
-    Let<&Export::LetAnoCompleto>(4, u"AnoCompleto", kYearDoc),
+    Let<&Export::LetAnoCompleto>(4, u"AnoCompleto"),
     Get<&Export::SeparadorFecha>(5, u"SeparadorFecha", kDateSeparatorDoc),
-    Let<&Export::LetSeparadorFecha>(5, u"SeparadorFecha", kDateSeparatorDoc),
+    Let<&Export::LetSeparadorFecha>(5, u"SeparadorFecha"),
     Get<&Export::SeparadorCadena>(6, u"SeparadorCadena", kTextQualifierDoc),
-    Let<&Export::LetSeparadorCadena>(6, u"SeparadorCadena", kTextQualifierDoc),
+    Let<&Export::LetSeparadorCadena>(6, u"SeparadorCadena"),
     Get<&Export::Fomato>(7, u"Fomato", kFormatDoc),
-    Let<&Export::LetFomato>(7, u"Fomato", kFormatDoc),
+    Let<&Export::LetFomato>(7, u"Fomato"),
 };
-
-constexpr ClassInfo kClass{clsFileExport::kClassName, kMembers};
 
 }  // namespace
 
-const ClassInfo& clsFileExport::Class() const { return kClass; }
+constinit const ClassInfo clsFileExport::kInfo = DescribeClass<clsFileExport, kMembers>(u"");
+
+const ClassInfo& clsFileExport::Class() const { return kInfo; }
 
 }  // namespace tovalin

@@ -4,11 +4,11 @@
 namespace tovalin {
 namespace {
 
-constexpr MemberInfo kMembers[] = {
+constexpr MemberRow kMembers[] = {
     Method<&LibFile::DirExist>(1, u"DirExist", {{u"vstrFile"}}, u"Indica si existe un directorio"),
     Method<&LibFile::FileExist>(2, u"FileExist", {{u"vstrFileName"}},
                                 u"Indica si existe un archivo"),
-    Method<&LibFile::Ejecutar>(3, u"Ejecutar", {{u"cmdLine"}, Optional(u"Sincronico", false)},
+    Method<&LibFile::Ejecutar>(3, u"Ejecutar", {{u"cmdLine"}, Optional({u"Sincronico"}, false)},
                                u"Ejecuta una línea de comandos, esperando o no su fin"),
     Method<&LibFile::IsUNCName>(4, u"IsUNCName", {{u"strPathName"}},
                                 u"Indica si una ruta es un nombre de red"),
@@ -20,15 +20,15 @@ constexpr MemberInfo kMembers[] = {
                                  u"Devuelve el texto de un archivo"),
 };
 
-constexpr EventInfo kEvents[] = {
-    DescribeEvent<&LibFile::OnProcess>(1, u"OnProcess", {u"Cancel"}),
-    DescribeEvent<&LibFile::BeforeDelete>(2, u"BeforeDelete", {u"Cancel"}),
+constexpr EventRow kEvents[] = {
+    DescribeEvent<&LibFile::OnProcess>(1, u"OnProcess", {{u"Cancel"}}, u""),
+    DescribeEvent<&LibFile::BeforeDelete>(2, u"BeforeDelete", {{u"Cancel"}}, u""),
 };
-
-constexpr ClassInfo kClass{LibFile::kClassName, kMembers, kEvents};
 
 }  // namespace
 
-const ClassInfo& LibFile::Class() const { return kClass; }
+constinit const ClassInfo LibFile::kInfo = DescribeClass<LibFile, kMembers, kEvents>(u"");
+
+const ClassInfo& LibFile::Class() const { return kInfo; }
 
 }  // namespace tovalin

@@ -11,36 +11,9 @@
 #include "frame/value/calendar.h"
 #include "frame/value/number_text.h"
 #include "tovalin/convert.h"
-#include "tovalin/dispatch.h"
 
 namespace tovalin {
 namespace {
-
-constexpr MemberInfo kMembers[] = {
-    Method<&LibFecha::MonthBegin>(1, u"MonthBegin", {{u"vbdate"}},
-                                  u"Devuelve el primer dìa del mes para la fecha indicada"),
-    Method<&LibFecha::DateDiffStr>(
-        2, u"DateDiffStr", {{u"vvarFechaIni"}, {u"vvarFechaFin"}},
-        u"Devuelve la diferencia en dias entre dos fecha en formato escrito"),
-    Method<&LibFecha::MonthEnd>(3, u"MonthEnd", {{u"vbdate"}},
-                                u"Devuelve el ùltimo dìa del mes para la fecha indicada"),
-    Method<&LibFecha::cdbDate>(4, u"cdbDate", {{u"vFecha"}, {u"vstrFormat"}},
-                               u"Convierte una fecha al formato de fecha de la base de datos"),
-    Method<&LibFecha::Dias360>(
-        5, u"Dias360", {{u"vInicial"}, {u"vFin"}},
-        u"Devuelve la diferencia en dias entre dos fechas en formato de 360 dias "),
-    Method<&LibFecha::DiasSemana>(6, u"DiasSemana", {},
-                                  u"Devuelve una coleccion con los dias de la semana, segun el "
-                                  u"lenguaje del sistema operacional"),
-    Method<&LibFecha::MesesDelAno>(7, u"MesesDelAno", {},
-                                   u"Devuelve una coleccion con el nombre de los meses del año "
-                                   u"segun el lenguaje del sistema operativo"),
-    Method<&LibFecha::Date2Julian>(8, u"Date2Julian", {{u"vDate"}}),
-    Method<&LibFecha::IsLeapYear>(9, u"IsLeapYear", {{u"TestYear"}}),
-    Method<&LibFecha::Duration>(10, u"Duration", {{u"TotalSeconds"}, {u"UpFormat"}}),
-};
-
-constexpr ClassInfo kClass{LibFecha::kClassName, kMembers};
 
 constexpr Date kMonday{2};
 
@@ -59,8 +32,6 @@ void FillOnce(Ref<Collection>& collection, std::span<const Text> names) {
 }  // namespace
 
 LibFecha::LibFecha() : days_(Make<Collection>()), months_(Make<Collection>()) {}
-
-const ClassInfo& LibFecha::Class() const { return kClass; }
 
 Variant LibFecha::MonthBegin(Variant& vbdate) const {
   return RaisingErrors([&]() -> Variant {

@@ -7,36 +7,14 @@
 #include "formatting/filled_lines.h"
 #include "formatting/words.h"
 #include "frame/object/guarded.h"
-#include "tovalin/dispatch.h"
 
 namespace tovalin {
 namespace {
 
-constexpr MemberInfo kMembers[] = {
-    Method<&LibMonto::MontoEscrito>(1, u"MontoEscrito", {{u"pdblValor"}},
-                                    u"Devuelve el monto escrito para un valor"),
-    Method<&LibMonto::MontoCheque>(
-        2, u"MontoCheque",
-        {{u"Valor"},
-         {u"Moneda"},
-         {u"Genero"},
-         {u"Estilo"},
-         Optional(u"oAncho", std::int32_t{0}),
-         Optional(u"oRelleno", u"*"),
-         Optional(u"oMayusculas", false)},
-        u"Devuelve en letras un valor exacto en centavos, con su moneda, para un cheque"),
-    Method<&LibMonto::LeerMonto>(3, u"LeerMonto", {{u"Texto"}},
-                                 u"Devuelve el valor exacto de un monto en letras"),
-};
-
 // Wider than any page, and no width to fill memory with.
 constexpr std::int32_t kMostWidth = 32'767;
 
-constexpr ClassInfo kClass{LibMonto::kClassName, kMembers};
-
 }  // namespace
-
-const ClassInfo& LibMonto::Class() const { return kClass; }
 
 Text LibMonto::MontoEscrito(double pdblValor) const {
   return RaisingErrors([&] { return tovalin::MontoEscrito(pdblValor); });

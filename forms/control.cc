@@ -5,7 +5,7 @@
 namespace tovalin {
 namespace {
 
-constexpr ClassInfo kClass{Control::kClassName, {}};
+constexpr ClassInfo kClass{.name = Control::kClassName, .members = {}};
 
 class BoundControl : public Control {
  public:

@@ -4,7 +4,7 @@
 namespace tovalin {
 namespace {
 
-constexpr MemberInfo kMembers[] = {
+constexpr MemberRow kMembers[] = {
     Method<&LibGeneral::CheckNumber>(1, u"CheckNumber", {{u"KeyAscii"}},
                                      u"Acepta solo las teclas de un número"),
     Method<&LibGeneral::CheckDate>(2, u"CheckDate", {{u"KeyAscii"}},
@@ -16,11 +16,11 @@ constexpr MemberInfo kMembers[] = {
     Method<&LibGeneral::AddNumber>(5, u"AddNumber", {{u"vData"}, {u"KeyAscii"}},
                                    u"Devuelve el número después de una tecla"),
     Method<&LibGeneral::GotFocus>(
-        6, u"GotFocus", {{u"rctrControl"}, Optional(u"ostrTextoBarra", u""), Optional(u"rctr")},
+        6, u"GotFocus", {{u"rctrControl"}, Optional({u"ostrTextoBarra"}, u""), Optional({u"rctr"})},
         u"Muestra el texto de ayuda de un control en la barra de estado"),
-    Method<&LibGeneral::LostFocus>(7, u"LostFocus", {{u"rctrControl"}, Optional(u"rctr")},
+    Method<&LibGeneral::LostFocus>(7, u"LostFocus", {{u"rctrControl"}, Optional({u"rctr"})},
                                    u"Valida un control que pierde el foco y marca si cambió"),
-    Method<&LibGeneral::SelectText>(8, u"SelectText", {Optional(u"oControl")},
+    Method<&LibGeneral::SelectText>(8, u"SelectText", {Optional({u"oControl"})},
                                     u"Selecciona el texto de un control"),
     Method<&LibGeneral::IsControl>(9, u"IsControl", {{u"ctrControl"}},
                                    u"Indica si un control es de entrada de datos"),
@@ -64,14 +64,14 @@ constexpr MemberInfo kMembers[] = {
                                               u"Recupera el tamaño y la posición de un control"),
 
     Method<&LibGeneral::MsgBar>(24, u"MsgBar",
-                                {{u"rctr"}, {u"vstrTexto"}, Optional(u"vbolPausa", false)},
+                                {{u"rctr"}, {u"vstrTexto"}, Optional({u"vbolPausa"}, false)},
                                 u"Muestra un texto en la barra de estado"),
 };
 
-constexpr ClassInfo kClass{LibGeneral::kClassName, kMembers};
-
 }  // namespace
 
-const ClassInfo& LibGeneral::Class() const { return kClass; }
+constinit const ClassInfo LibGeneral::kInfo = DescribeClass<LibGeneral, kMembers>(u"");
+
+const ClassInfo& LibGeneral::Class() const { return kInfo; }
 
 }  // namespace tovalin

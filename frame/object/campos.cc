@@ -6,58 +6,9 @@
 #include "frame/object/guarded.h"
 #include "frame/object/keys.h"
 #include "frame/object/positions.h"
-#include "tovalin/dispatch.h"
 #include "tovalin/enumerador.h"
 
 namespace tovalin {
-namespace {
-
-constexpr MemberInfo kCampoMembers[] = {
-    Get<&Campo::Name>(1, u"Name", u"The name, under which a table finds the record"),
-    Let<&Campo::LetName>(1, u"Name"),
-    Get<&Campo::DataType>(2, u"DataType", u"The data type code, 1001 to 1014"),
-    Let<&Campo::LetDataType>(2, u"DataType"),
-    Get<&Campo::Size>(3, u"Size", u"The width of a text"),
-    Let<&Campo::LetSize>(3, u"Size"),
-    Get<&Campo::Position>(4, u"Position", u"The column in the array of an export, from 0"),
-    Let<&Campo::LetPosition>(4, u"Position"),
-    Get<&Campo::Value>(5, u"Value", u"The value"),
-    Let<&Campo::LetValue>(5, u"Value"),
-    Get<&Campo::Description>(6, u"Description", u"The description"),
-    Let<&Campo::LetDescription>(6, u"Description"),
-    Get<&Campo::Formula>(7, u"Formula", u"The formula of a formula variable"),
-    Let<&Campo::LetFormula>(7, u"Formula"),
-    Get<&Campo::SourceName>(8, u"SourceName", u"The bare word of a function"),
-    Let<&Campo::LetSourceName>(8, u"SourceName"),
-    Get<&Campo::Sintax>(9, u"Sintax", u"The help syntax of a function"),
-    Let<&Campo::LetSintax>(9, u"Sintax"),
-    Get<&Campo::Direction>(10, u"Direction", u"The direction that the host gave"),
-    Let<&Campo::LetDirection>(10, u"Direction"),
-    Get<&Campo::Status>(11, u"Status", u"2000 idle, 2002 being computed"),
-    Let<&Campo::LetStatus>(11, u"Status"),
-};
-
-constexpr MemberInfo kCamposMembers[] = {
-    Method<&Campos::Add>(1, u"Add", {{u"Campo"}, Optional(u"Before"), Optional(u"After")},
-                         u"Adds a record under its name"),
-    Method<&Campos::Exists>(2, u"Exists", {{u"Name"}}, u"Whether a name is in the table"),
-    Method<&Campos::Item>(3, u"Item", {{u"Index"}}, u"The record of a position or a name"),
-    Method<&Campos::Remove>(4, u"Remove", {{u"Index"}}, u"Takes a record out"),
-    Get<&Campos::Count>(5, u"Count", u"The number of records"),
-    Get<&Campos::SystemList>(6, u"SystemList", u"The comma-joined names of the system"),
-    Let<&Campos::LetSystemList>(6, u"SystemList"),
-    Get<&Campos::Claves>(7, u"Claves", u"Los nombres de los registros, en su orden"),
-    Hidden(Method<&Campos::NewEnum>(kNewEnumId, u"_NewEnum", {})),
-};
-
-constexpr ClassInfo kCampoClass{Campo::kClassName, kCampoMembers};
-constexpr ClassInfo kCamposClass{Campos::kClassName, kCamposMembers};
-
-}  // namespace
-
-const ClassInfo& Campo::Class() const { return kCampoClass; }
-const ClassInfo& Campos::Class() const { return kCamposClass; }
-
 Ref<Campo> Campo::Copy() const {
   return RaisingErrors([&] {
     auto copy = Make<Campo>(name_);

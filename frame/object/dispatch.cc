@@ -21,16 +21,22 @@ Variant DefaultOf(const ParameterInfo& parameter) {
 // The arguments as the member gets them: as many as it has parameters, the
 // omitted ones filled. The given ones stay by-reference Variants on the caller's.
 std::vector<Variant> CompleteArguments(const MemberInfo& member, std::span<Variant> given) {
-  if (given.size() > member.parameter_count) Raise(Failure::WrongArgumentCount);
+  const std::size_t count = member.parameters.size();
+  if (given.size() > count) Raise(Failure::WrongArgumentCount);
   std::vector<Variant> complete;
-  complete.reserve(member.parameter_count);
-  for (std::size_t i = 0; i < member.parameter_count; ++i) {
-    const ParameterInfo& parameter = member.parameter_slots[i];
+  complete.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const ParameterInfo& parameter = member.parameters[i];
     const bool omitted = i >= given.size() || given[i].IsMissing();
     if (omitted && !parameter.optional) Raise(Failure::ArgumentNotOptional);
     complete.push_back(omitted ? DefaultOf(parameter) : Variant::ByReference(given[i]));
   }
   return complete;
+}
+
+const MemberInfo* FindToRead(const ClassInfo& info, int id) {
+  const MemberInfo* method = info.Find(id, MemberKind::Method);
+  return method ? method : info.Find(id, MemberKind::Get);
 }
 
 Error NoSuchMember(TextView name) { return ErrorAbout(Failure::NoSuchMember, name); }
@@ -40,8 +46,8 @@ Error NoSuchMember(TextView name) { return ErrorAbout(Failure::NoSuchMember, nam
 Object::~Object() = default;
 
 const ClassInfo& Object::Class() const {
-  static constexpr ClassInfo kClass{u"Object", {}};
-  return kClass;
+  static constexpr ClassInfo kInfo{.name = u"Object", .members = {}};
+  return kInfo;
 }
 
 std::optional<Error> Object::Invoke(TextView name, MemberKind kind, std::span<Variant> arguments,
@@ -74,6 +80,10 @@ const MemberInfo* ClassInfo::Find(int id, MemberKind kind) const {
     if (member.kind == kind && member.id == id) return &member;
   return nullptr;
 }
+
+const MemberInfo* ClassInfo::DefaultMember() const { return FindToRead(*this, kDefaultMemberId); }
+
+const MemberInfo* ClassInfo::Enumerator() const { return FindToRead(*this, kNewEnumId); }
 
 const EventInfo* ClassInfo::FindEvent(TextView wanted) const {
   for (const EventInfo& event : events)

@@ -3,29 +3,13 @@
 #include <optional>
 
 #include "frame/object/guarded.h"
-#include "tovalin/dispatch.h"
 
 namespace tovalin {
-namespace {
-
-constexpr MemberInfo kMembers[] = {
-    Method<&Enumerador::Siguiente>(1, u"Siguiente", {{u"rElemento"}},
-                                   u"Entrega el elemento siguiente; Falso cuando no hay más"),
-    Get<&Enumerador::Clave>(2, u"Clave", u"La clave del último elemento entregado"),
-    Method<&Enumerador::Reiniciar>(3, u"Reiniciar", {}, u"Vuelve delante del primer elemento"),
-};
-
-constexpr ClassInfo kClass{Enumerador::kClassName, kMembers};
-
-}  // namespace
-
 Enumerador::Enumerador(const KeyedList<Variant>& list, Ref<Object> owner)
     : owner_(std::move(owner)), cursor_(std::in_place_type<KeyedList<Variant>::Cursor>, list) {}
 Enumerador::Enumerador(const KeyedList<Ref<Campo>>& list, Ref<Object> owner)
     : owner_(std::move(owner)), cursor_(std::in_place_type<KeyedList<Ref<Campo>>::Cursor>, list) {}
 Enumerador::~Enumerador() = default;
-const ClassInfo& Enumerador::Class() const { return kClass; }
-
 // The item is assigned last: what it replaces may be an object of the host.
 bool Enumerador::Siguiente(Variant& rElemento) {
   if (place_ == Place::BehindLast) return false;

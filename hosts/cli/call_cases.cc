@@ -64,7 +64,7 @@ Ref<Object> ObjectIn(const Variant& value) {
 bool TakesArguments(const Object& object, TextView member) {
   for (MemberKind kind : {MemberKind::Get, MemberKind::Method})
     if (const MemberInfo* info = object.Class().Find(member, kind))
-      return info->parameter_count > 0;
+      return !info->parameters.empty();
   return false;
 }
 

@@ -26,7 +26,7 @@ bool AssignProperty(Object& object, const std::string& argument) {
   const Assignment assignment = ReadAssignment(argument);
   const MemberInfo* property = object.Class().Find(assignment.name, MemberKind::Let);
   if (!property) return false;
-  const ParameterInfo& value = property->parameter_slots[property->parameter_count - 1];
+  const ParameterInfo& value = property->parameters.back();
   Variant values[] = {ReadValue(assignment.value, value.type.subtype)};
   Variant result;
   ThrowIfFailed(object.Invoke(assignment.name, MemberKind::Let, values, result));
@@ -42,8 +42,8 @@ const MemberInfo* FindMember(const ClassInfo& info, const Text& name) {
 std::vector<Variant> ReadArguments(const MemberInfo& member, Arguments arguments) {
   std::vector<Variant> values;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const bool declared = i < member.parameter_count;
-    const Subtype subtype = declared ? member.parameter_slots[i].type.subtype : Subtype::Variant;
+    const bool declared = i < member.parameters.size();
+    const Subtype subtype = declared ? member.parameters[i].type.subtype : Subtype::Variant;
     values.push_back(ReadValue(arguments[i], subtype));
   }
   return values;
@@ -60,8 +60,8 @@ void CallMember(Object& object, const MemberInfo& member, Arguments arguments) {
   const std::optional<Error> error = Invoke(object, member, values, result);
   if (!error && member.result.subtype != Subtype::Empty) std::cout << ShowValue(result) << '\n';
   // A member that raises keeps what it had set by then.
-  for (std::size_t i = 0; i < std::min(values.size(), member.parameter_count); ++i) {
-    const ParameterInfo& parameter = member.parameter_slots[i];
+  for (std::size_t i = 0; i < std::min(values.size(), member.parameters.size()); ++i) {
+    const ParameterInfo& parameter = member.parameters[i];
     if (parameter.by_reference && Changed(before[i], values[i]))
       std::cout << ToUtf8(parameter.name) << " = " << ShowValue(values[i]) << '\n';
   }
@@ -69,7 +69,8 @@ void CallMember(Object& object, const MemberInfo& member, Arguments arguments) {
 }
 
 int ListClasses() {
-  for (const ClassInfo* info : Classes()) std::cout << ToUtf8(info->name) << '\n';
+  for (const ClassInfo* info : Classes())
+    if (info->create) std::cout << ToUtf8(info->name) << '\n';
   return kDone;
 }
 

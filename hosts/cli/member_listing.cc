@@ -46,7 +46,7 @@ std::string ResultOf(const ValueType& type) {
 
 std::string MethodLine(const MemberInfo& member) {
   const char* const word = member.result.subtype == Subtype::Empty ? "Sub " : "Function ";
-  return word + ToUtf8(member.name) + Declared(member.Parameters()) + ResultOf(member.result);
+  return word + ToUtf8(member.name) + Declared(member.parameters) + ResultOf(member.result);
 }
 
 // A written property has its value as last parameter, a read one as result.
@@ -56,7 +56,7 @@ std::string PropertyLine(const ClassInfo& info, const MemberInfo& member) {
   std::string kinds;
   for (const auto& [kind, name] : kKinds)
     if (info.Find(member.name, kind)) kinds.append(kinds.empty() ? "" : ", ").append(name);
-  Parameters parameters = member.Parameters();
+  Parameters parameters = member.parameters;
   ValueType type = member.result;
   if (member.kind != MemberKind::Get) {
     type = parameters.back().type;
@@ -71,6 +71,7 @@ std::string PropertyLine(const ClassInfo& info, const MemberInfo& member) {
 std::string ListMembers(const ClassInfo& info) {
   std::string lines;
   for (const MemberInfo& member : info.members) {
+    if (member.hidden) continue;
     const auto is_same = [&](const MemberInfo& other) {
       return EqualFolded(other.name, member.name);
     };
@@ -82,7 +83,7 @@ std::string ListMembers(const ClassInfo& info) {
   for (const EventInfo& event : info.events)
     lines.append("Event ")
         .append(ToUtf8(event.name))
-        .append(Declared(Parameters(event.parameter_slots).first(event.parameter_count)))
+        .append(Declared(event.parameters))
         .append("\n");
   return lines;
 }

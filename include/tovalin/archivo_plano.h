@@ -33,6 +33,7 @@ class TOVALIN_API ArchivoPlano : public Object {
 
   ArchivoPlano();
   ~ArchivoPlano() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   // --- Events ---------------------------------------------------------------

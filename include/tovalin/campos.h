@@ -42,6 +42,7 @@ class TOVALIN_API Campo : public Object {
   Campo() = default;
   explicit Campo(Text name) : name_(std::move(name)) {}
   ~Campo() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
   /// A record with the same attributes that belongs to no table.
   Ref<Campo> Copy() const;
@@ -110,6 +111,7 @@ class TOVALIN_API Campos : public Object {
 
   Campos() = default;
   ~Campos() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// Adds a record under its present name: at the end, or before or after the

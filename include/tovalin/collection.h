@@ -22,6 +22,7 @@ class TOVALIN_API Collection : public Object {
   static constexpr TextView kClassName = u"Collection";
 
   ~Collection() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// Adds an item: at the end, or before or after an item that `Before` or

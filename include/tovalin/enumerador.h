@@ -23,6 +23,7 @@ class TOVALIN_API Enumerador : public Object {
   Enumerador(const KeyedList<Variant>& list, Ref<Object> owner);
   Enumerador(const KeyedList<Ref<Campo>>& list, Ref<Object> owner);
   ~Enumerador() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// Puts the next item into `rElemento`. False, with nothing changed, once there are

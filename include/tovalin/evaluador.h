@@ -34,6 +34,7 @@ class TOVALIN_API Evaluador : public Object {
 
   Evaluador();
   ~Evaluador() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   // --- Events ---------------------------------------------------------------

@@ -29,6 +29,7 @@ class TOVALIN_API Formula : public Object {
   class Core;
   explicit Formula(std::unique_ptr<Core> core);
   ~Formula() override;
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// The formula as it was given.

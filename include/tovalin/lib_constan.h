@@ -29,6 +29,7 @@ class TOVALIN_API LibConstan : public Object {
  public:
   static constexpr TextView kClassName = u"LibConstan";
 
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 };
 

@@ -25,6 +25,7 @@ class TOVALIN_API LibFecha : public Object {
   using Clock = HostClock::Function;
 
   LibFecha();
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// Puts another clock in the place of the system's local time; an empty one

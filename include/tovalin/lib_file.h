@@ -17,6 +17,7 @@ class TOVALIN_API LibFile : public Object {
  public:
   static constexpr TextView kClassName = u"LibFile";
 
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// Whether the path is a directory with no attribute but, at most, the archive

@@ -26,6 +26,7 @@ class TOVALIN_API LibGeneral : public Object {
  public:
   static constexpr TextView kClassName = u"LibGeneral";
 
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   // --- Keys. The filters set `KeyAscii` to 0 when the key is not accepted.

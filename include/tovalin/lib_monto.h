@@ -29,6 +29,7 @@ class TOVALIN_API LibMonto : public Object {
  public:
   static constexpr TextView kClassName = u"LibMonto";
 
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// The whole part of `pdblValor` in words, on the long scale (a "billón" is

@@ -15,6 +15,7 @@ class TOVALIN_API LibTexto : public Object {
  public:
   static constexpr TextView kClassName = u"LibTexto";
 
+  static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
   /// The `vPart`-th word of `vData`, counted from 1; the empty text for part 0

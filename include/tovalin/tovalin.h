@@ -9,6 +9,7 @@
 #include "tovalin/collection.h"
 #include "tovalin/control.h"
 #include "tovalin/convert.h"
+#include "tovalin/describe.h"
 #include "tovalin/dispatch.h"
 #include "tovalin/enumerador.h"
 #include "tovalin/error.h"

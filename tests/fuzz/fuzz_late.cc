@@ -124,13 +124,13 @@ class Calls {
   }
 
   std::vector<Variant> Arguments(const MemberInfo& member) {
-    std::size_t count = member.parameter_count;
+    std::size_t count = member.parameters.size();
     if (input_.Below(16) == 0) count = input_.Below(MemberInfo::kMostParameters + 2);
     std::vector<Variant> values(count);
     for (std::size_t i = 0; i < count; ++i) {
-      const bool declared = i < member.parameter_count;
+      const bool declared = i < member.parameters.size();
       values[i] =
-          declared && input_.Below(4) != 0 ? ValueFor(member.parameter_slots[i].type) : AnyValue();
+          declared && input_.Below(4) != 0 ? ValueFor(member.parameters[i].type) : AnyValue();
     }
     return values;
   }
@@ -178,7 +178,11 @@ class Calls {
 
   Ref<Object> AnyObject() {
     if (!objects_.empty() && input_.Below(2) == 0) return objects_[input_.Byte() % objects_.size()];
-    static const std::vector<const ClassInfo*> classes = Classes();
+    static const std::vector<const ClassInfo*> classes = [] {
+      std::vector<const ClassInfo*> creatable;
+      std::ranges::copy_if(Classes(), std::back_inserter(creatable), &ClassInfo::create);
+      return creatable;
+    }();
     return MakeObject(classes[input_.Byte() % classes.size()]->name);
   }
 

@@ -37,7 +37,7 @@ TEST(Classes, DescribeTheirMembersConsistently) {
       EXPECT_TRUE(ids.insert({member.id, member.kind}).second) << where;
       EXPECT_TRUE(names.insert({ToUtf8(ToLower(member.name)), member.kind}).second) << where;
       bool optional = false;
-      for (const ParameterInfo& parameter : member.Parameters()) {
+      for (const ParameterInfo& parameter : member.parameters) {
         EXPECT_FALSE(parameter.name.empty()) << where;
         EXPECT_TRUE(parameter.optional || !optional) << where;
         optional = parameter.optional;
