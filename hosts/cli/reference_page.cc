@@ -86,7 +86,7 @@ void AppendResult(std::string& page, const MemberInfo& member) {
 
 void AppendMember(std::string& page, const ClassInfo& info, const ShownMember& member) {
   const MemberInfo& first = member.First();
-  page.append("#### ").append(ToUtf8(info.name)).append(".").append(ToUtf8(first.name));
+  page.append("### ").append(ToUtf8(info.name)).append(".").append(ToUtf8(first.name));
   page.append("\n\n");
   AppendCode(page, Signature(info, first));
   page.append(Sentence(Explanation(first))).append("\n\n");
@@ -98,7 +98,7 @@ void AppendMember(std::string& page, const ClassInfo& info, const ShownMember& m
 
 void AppendEvents(std::string& page, const ClassInfo& info) {
   for (const EventInfo& event : info.events) {
-    page.append("#### ").append(ToUtf8(info.name)).append(".").append(ToUtf8(event.name));
+    page.append("### ").append(ToUtf8(info.name)).append(".").append(ToUtf8(event.name));
     page.append(" (evento)\n\n");
     AppendCode(page, Signature(event));
     page.append(Sentence(Explanation(event))).append("\n\n");

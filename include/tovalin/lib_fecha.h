@@ -28,7 +28,7 @@ class TOVALIN_API LibFecha : public Object {
   static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
 
-  /// Puts another clock in the place of the system's local time; an empty one
+  /// For C++ hosts: puts another clock in the place of the system's local time; an empty one
   /// brings the system's back. Only the current year matters, to MesesDelAno.
   void UseClock(Clock clock) { clock_.Use(std::move(clock)); }
 

@@ -143,10 +143,10 @@ class TOVALIN_API LibGeneral : public Object {
   /// grid's `Redraw` back is raised.
   void GetControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const;
 
-  // --- Host.
-
   /// Shows a text on the status bar `rctr`; does nothing when it is none.
   void MsgBar(Ref<Object> rctr, TextView vstrTexto, bool vbolPausa = false) const;
+
+  // --- For C++ hosts.
 
   /// Puts the host's services in place of the defaults. A service that is running may do
   /// so too.
