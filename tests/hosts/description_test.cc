@@ -79,9 +79,12 @@ TEST(Description, TellsWhatAHostMayDoWithAClass) {
     const auto name_of = [](const MemberInfo* member) { return member ? member->name : u""; };
     EXPECT_EQ(name_of(info->DefaultMember()), row.default_member) << ToUtf8(row.name);
     EXPECT_EQ(name_of(info->Enumerator()), row.enumerator) << ToUtf8(row.name);
-    if (const MemberInfo* member = info->Enumerator())
+    if (const MemberInfo* member = info->Enumerator()) {
       EXPECT_TRUE(member->hidden && member->restricted);
-    if (info->create) EXPECT_EQ(&info->create()->Class(), info);
+    }
+    if (info->create) {
+      EXPECT_EQ(&info->create()->Class(), info);
+    }
   }
   EXPECT_FALSE(FindClass(u"Control"));
 }
