@@ -181,6 +181,8 @@ set(TOVALIN_TOOL_SOURCES
     hosts/cli/command_line.cc
     hosts/cli/csv.cc
     hosts/cli/csv_parser.cc
+    hosts/cli/describe_command.cc
+    hosts/cli/description_text.cc
     hosts/cli/encoding.cc
     hosts/cli/export_command.cc
     hosts/cli/export_report.cc
@@ -190,8 +192,9 @@ set(TOVALIN_TOOL_SOURCES
     hosts/cli/formula_table.cc
     hosts/cli/input.cc
     hosts/cli/main.cc
-    hosts/cli/member_listing.cc
+    hosts/cli/reference_page.cc
     hosts/cli/selftest_command.cc
+    hosts/cli/signature.cc
     hosts/cli/system_posix.cc
     hosts/cli/system_windows.cc
     hosts/cli/table_command.cc

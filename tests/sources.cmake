@@ -88,6 +88,7 @@ set(files_tests
 
 set(hosts_tests
     hosts/csv_parser_test.cc
+    hosts/description_test.cc
     hosts/factory_test.cc
     hosts/out_of_memory_test.cc
 )
@@ -96,6 +97,7 @@ set(hosts_tests
 set(tool_cases
     call
     check
+    describe
     eval
     export
     flat

@@ -5,7 +5,7 @@
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/encoding.h"
 #include "hosts/cli/input.h"
-#include "hosts/cli/member_listing.h"
+#include "hosts/cli/signature.h"
 #include "tovalin/convert.h"
 #include "tovalin/factory.h"
 
@@ -78,11 +78,12 @@ int ListClasses() {
 
 int RunCall(const std::vector<std::string>& arguments) {
   if (arguments.empty()) return ListClasses();
-  const Ref<Object> object = CreateObject(TextOfArgument(arguments[0]));
-  if (arguments.size() == 1) {
-    std::cout << ListMembers(object->Class());
+  const Text name = TextOfArgument(arguments[0]);
+  if (const ClassInfo* info = FindClass(name); info && arguments.size() == 1) {
+    std::cout << ListMembers(*info);
     return kDone;
   }
+  const Ref<Object> object = CreateObject(name);
   std::size_t next = 1;
   while (next < arguments.size() && AssignProperty(*object, arguments[next])) ++next;
   if (next == arguments.size()) return kDone;

@@ -114,6 +114,14 @@ int RunConstants();
 /// Prints the trace of the last evaluation; with `follow`, again whenever it
 /// changes, until the process is asked to end.
 int RunTrace(bool follow);
+struct DescribeOptions {
+  std::string name;  // of a class or an enumeration, empty for all
+  bool json = false;
+  bool markdown = false;
+  bool ids = false;
+};
+/// Prints the description of the classes.
+int RunDescribe(const DescribeOptions& options);
 int RunCall(const std::vector<std::string>& arguments);
 /// Runs the conformance tables of files and directories, by default those of the
 /// source tree or of the installation; kFaults when a case differs.

@@ -198,6 +198,15 @@ class CommandLine {
     Add("selftest", "Checks the library against the conformance tables", [this] {
       return RunSelftest(tables_);
     }).add_option("FILE", tables_, "Tables or directories of tables");
+    CLI::App& describe = Add("describe", "Prints the description of classes and enumerations",
+                             [this] { return RunDescribe(describe_); });
+    describe.add_option("NAME", describe_.name, "A class or an enumeration, by default all");
+    CLI::Option* json = describe.add_flag("--json", describe_.json, "As JSON");
+    CLI::Option* page =
+        describe.add_flag("--markdown", describe_.markdown, "All, as docs/reference.md");
+    CLI::Option* ids = describe.add_flag("--ids", describe_.ids, "All ids, a line each");
+    json->excludes(page)->excludes(ids);
+    page->excludes(ids);
     call_ = &Add("call",
                  "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...; without MEMBER lists "
                  "the members of a class, without CLASS the classes",
@@ -215,6 +224,7 @@ class CommandLine {
   TableOptions table_;
   ExportOptions export_;
   FlatOptions flat_;
+  DescribeOptions describe_;
   bool follow_ = false;
   std::vector<std::string> tables_;
   CLI::App* call_ = nullptr;

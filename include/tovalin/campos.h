@@ -44,7 +44,7 @@ class TOVALIN_API Campo : public Object {
   ~Campo() override;
   static const ClassInfo kInfo;
   const ClassInfo& Class() const override;
-  /// A record with the same attributes that belongs to no table.
+  /// For C++ hosts: a record with the same attributes that belongs to no table.
   Ref<Campo> Copy() const;
 
   const Text& Name() const { return name_; }
@@ -66,6 +66,7 @@ class TOVALIN_API Campo : public Object {
   /// The formula that gives a formula variable its value, empty for any other.
   const Text& Formula() const { return formula_; }
   void LetFormula(const Text& Formula);
+  /// For C++ hosts: whether there is one.
   bool HasFormula() const { return has_formula_; }
   /// The bare word of a function.
   const Text& SourceName() const { return source_name_; }
@@ -133,8 +134,9 @@ class TOVALIN_API Campos : public Object {
   const Text& SystemList() const { return system_list_; }
   void LetSystemList(const Text& SystemList);
 
-  bool IsSystem(TextView name) const;
+  // --- For C++ hosts.
 
+  bool IsSystem(TextView name) const;
   /// The record of a name, or null.
   Campo* Find(TextView name) const {
     const std::size_t position = list_.Find(name);

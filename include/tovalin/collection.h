@@ -39,7 +39,7 @@ class TOVALIN_API Collection : public Object {
   /// A walk over the items for late-bound hosts, which call it _NewEnum.
   Ref<Enumerador> NewEnum();
 
-  /// The list itself, for C++: positions count from 0 there.
+  /// For C++ hosts, the list itself: positions count from 0 there.
   KeyedList<Variant>& List() { return list_; }
   const KeyedList<Variant>& List() const { return list_; }
 

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
-#include <vector>
 
 #include "tovalin/api.h"
 #include "tovalin/object.h"
@@ -130,6 +129,10 @@ struct ClassInfo {
   TOVALIN_API const MemberInfo* DefaultMember() const;
   TOVALIN_API const MemberInfo* Enumerator() const;
 };
+
+/// Object::Invoke for a member that was found before.
+TOVALIN_API std::optional<Error> Invoke(Object& object, const MemberInfo& member,
+                                        std::span<Variant> arguments, Variant& result);
 
 /// The text of a class, member or event for a person who reads about it.
 template <class Info>

@@ -68,10 +68,6 @@ consteval Parameter Unchanged(Parameter parameter) {
   return parameter;
 }
 
-/// Object::Invoke for a member that was found before.
-TOVALIN_API std::optional<Error> Invoke(Object& object, const MemberInfo& member,
-                                        std::span<Variant> arguments, Variant& result);
-
 namespace dispatch {
 
 // One row for each C++ type that a described member may take or give.

@@ -45,6 +45,8 @@ class TOVALIN_API Formula : public Object {
   /// leaves no trace. True when the walk completes.
   bool Evaluar(Variant& Result);
 
+  // --- For C++ hosts, columns in their own memory.
+
   /// Values of a variable, one for each row.
   struct Column {
     Text name;
@@ -67,7 +69,7 @@ class TOVALIN_API Formula : public Object {
   std::vector<RowError> EvaluarTabla(std::span<const Column> columns, std::size_t rows,
                                      std::span<Variant> results);
 
-  /// The same late-bound: `columns` is a Collection of arrays of one column, keyed
+  /// The same for every host: `columns` is a Collection of arrays of one column, keyed
   /// by the variables' names; `Result` becomes such an array, in which a row that
   /// failed holds its error's number as an Error value. Answers how many failed.
   std::int32_t EvaluarTabla(const Variant& columns, std::int32_t rows, Variant& Result);

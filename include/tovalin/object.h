@@ -35,7 +35,8 @@ class TOVALIN_API Object {
   Object& operator=(const Object&) = delete;
   virtual ~Object();
 
-  /// The description of this object's class. A host's class that does not
+  /// The description of this object's class; classes of the library also have it as
+  /// `kInfo`, without an object. A host's class that does not
   /// override it has the name "Object" and no members.
   virtual const ClassInfo& Class() const;
 

@@ -1,4 +1,4 @@
-#include "hosts/cli/member_listing.h"
+#include "hosts/cli/signature.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,6 +11,7 @@ namespace {
 using Parameters = std::span<const ParameterInfo>;
 
 std::string TypeName(const ValueType& type) {
+  if (type.enumeration) return ToUtf8(type.enumeration->name);
   return ToUtf8(type.class_name.empty() ? SubtypeName(type.subtype) : type.class_name);
 }
 
@@ -49,10 +50,15 @@ std::string MethodLine(const MemberInfo& member) {
   return word + ToUtf8(member.name) + Declared(member.parameters) + ResultOf(member.result);
 }
 
+constexpr std::pair<MemberKind, std::string_view> kKinds[] = {
+    {MemberKind::Method, "Method"},
+    {MemberKind::Get, "Get"},
+    {MemberKind::Let, "Let"},
+    {MemberKind::Set, "Set"},
+};
+
 // A written property has its value as last parameter, a read one as result.
 std::string PropertyLine(const ClassInfo& info, const MemberInfo& member) {
-  constexpr std::pair<MemberKind, std::string_view> kKinds[] = {
-      {MemberKind::Get, "Get"}, {MemberKind::Let, "Let"}, {MemberKind::Set, "Set"}};
   std::string kinds;
   for (const auto& [kind, name] : kKinds)
     if (info.Find(member.name, kind)) kinds.append(kinds.empty() ? "" : ", ").append(name);
@@ -68,23 +74,41 @@ std::string PropertyLine(const ClassInfo& info, const MemberInfo& member) {
 
 }  // namespace
 
+std::string_view KindName(MemberKind kind) {
+  return std::ranges::find(kKinds, kind, &std::pair<MemberKind, std::string_view>::first)->second;
+}
+
+std::string Signature(const ClassInfo& info, const MemberInfo& member) {
+  return member.kind == MemberKind::Method ? MethodLine(member) : PropertyLine(info, member);
+}
+
+std::string Signature(const EventInfo& event) {
+  return "Event " + ToUtf8(event.name) + Declared(event.parameters);
+}
+
+std::vector<ShownMember> ShownMembers(const ClassInfo& info) {
+  std::vector<ShownMember> members;
+  for (const MemberInfo& row : info.members) {
+    if (row.hidden) continue;
+    const auto same = std::ranges::find_if(members, [&](const ShownMember& other) {
+      return EqualFolded(other.First().name, row.name);
+    });
+    if (same == members.end())
+      members.push_back({{&row}});
+    else
+      same->rows.push_back(&row);
+  }
+  return members;
+}
+
 std::string ListMembers(const ClassInfo& info) {
   std::string lines;
-  for (const MemberInfo& member : info.members) {
-    if (member.hidden) continue;
-    const auto is_same = [&](const MemberInfo& other) {
-      return EqualFolded(other.name, member.name);
-    };
-    if (&*std::ranges::find_if(info.members, is_same) != &member) continue;
-    const bool is_method = member.kind == MemberKind::Method;
-    lines.append(is_method ? MethodLine(member) : PropertyLine(info, member)).append("\n");
-    if (!member.doc.empty()) lines.append("    ").append(ToUtf8(member.doc)).append("\n");
+  for (const ShownMember& member : ShownMembers(info)) {
+    lines.append(Signature(info, member.First())).append("\n");
+    const TextView doc = member.First().doc;
+    if (!doc.empty()) lines.append("    ").append(ToUtf8(doc)).append("\n");
   }
-  for (const EventInfo& event : info.events)
-    lines.append("Event ")
-        .append(ToUtf8(event.name))
-        .append(Declared(event.parameters))
-        .append("\n");
+  for (const EventInfo& event : info.events) lines.append(Signature(event)).append("\n");
   return lines;
 }
 
