@@ -3,8 +3,8 @@
 #include "evaluator/references.h"
 #include "evaluator/text_helpers.h"
 #include "formatting/dias360.h"
+#include "formatting/monto_escrito.h"
 #include "formatting/word_extraction.h"
-#include "formatting/words.h"
 #include "frame/object/guarded.h"
 #include "tovalin/convert.h"
 

@@ -19,7 +19,7 @@ std::string PlaceOf(const RecordLayout& record, const FieldLayout& field) {
 
 Text TextOfValue(const Variant& value) {
   Text text;
-  Guarded([&] { text = value.Is(Subtype::Null) ? Text() : ToText(value); });
+  CatchError([&] { text = value.Is(Subtype::Null) ? Text() : ToText(value); });
   return text;
 }
 

@@ -5,7 +5,7 @@
 #include "formatting/cents.h"
 #include "formatting/cheque_words.h"
 #include "formatting/filled_lines.h"
-#include "formatting/words.h"
+#include "formatting/monto_escrito.h"
 #include "frame/object/guarded.h"
 
 namespace tovalin {

@@ -6,7 +6,7 @@
 
 namespace tovalin {
 Text LibTexto::ExtraerPalabra(const Text& vData, std::uint8_t vPart) const {
-  return RaisingErrors([&] { return Text(tovalin::ExtraerPalabra(vData, vPart)); });
+  return RaisingErrors([&] { return Text(NthWord(vData, vPart)); });
 }
 
 Text LibTexto::ExtraerFrase(const Text& vData, std::uint8_t vPart) const {

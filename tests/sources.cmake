@@ -24,7 +24,7 @@ set(formatting_tests
     formatting/cheque_words_test.cc
     formatting/date_texts_test.cc
     formatting/lib_fecha_test.cc
-    formatting/words_test.cc
+    formatting/monto_escrito_test.cc
 )
 
 set(evaluator_tests

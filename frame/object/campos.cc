@@ -4,8 +4,7 @@
 
 #include "frame/object/deep_release.h"
 #include "frame/object/guarded.h"
-#include "frame/object/keys.h"
-#include "frame/object/positions.h"
+#include "frame/object/list_members.h"
 #include "tovalin/enumerador.h"
 
 namespace tovalin {
@@ -60,11 +59,11 @@ void Campo::LetSintax(const Text& Sintax) {
 
 void Campo::LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
 
-Campo::~Campo() { DeepRelease().TakeValues(*this); }
+Campo::~Campo() { DeepRelease().AddValues(*this); }
 
 Campos::~Campos() {
   for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
-  DeepRelease().TakeRecords(*this);
+  DeepRelease().AddRecords(*this);
 }
 
 void Campos::Add(const Ref<Campo>& Campo, const Variant& Before, const Variant& After) {

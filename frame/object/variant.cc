@@ -49,7 +49,7 @@ void Variant::DropReference() {
   }
 }
 
-VariantArray::~VariantArray() { DeepRelease().TakeAll(items_); }
+VariantArray::~VariantArray() { DeepRelease().AddAll(items_); }
 
 const Variant& VariantArray::At(std::size_t column, std::size_t row) const {
   if (column >= columns_ || row >= rows_) Raise(Failure::SubscriptOutOfRange);
