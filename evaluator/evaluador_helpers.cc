@@ -5,7 +5,7 @@
 #include "formatting/dias360.h"
 #include "formatting/monto_escrito.h"
 #include "formatting/word_extraction.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 // The members of Evaluador that work on texts and numbers alone, or on the names

@@ -5,7 +5,7 @@
 
 #include "export/export_run.h"
 #include "export/numeric_widths.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

@@ -2,7 +2,7 @@
 
 #include "export/layout_description.h"
 #include "export/record_writer.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/text/code_page.h"
 #include "tovalin/convert.h"
 

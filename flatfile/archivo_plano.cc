@@ -8,7 +8,7 @@
 #include "flatfile/layout_json.h"
 #include "flatfile/schema_ini.h"
 #include "flatfile/text_file.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/system/replaced_file.h"
 
 // The layout and the properties; archivo_plano_files.cc writes and reads.

@@ -5,7 +5,7 @@
 #include "flatfile/file_reader.h"
 #include "flatfile/file_writer.h"
 #include "flatfile/problem.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 

@@ -4,7 +4,7 @@
 
 #include "flatfile/problem.h"
 #include "flatfile/text_file.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::flat {

@@ -6,7 +6,7 @@
 #include "flatfile/encoding.h"
 #include "flatfile/problem.h"
 #include "flatfile/text_file.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin::flat {
 namespace {

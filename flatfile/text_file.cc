@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin::flat {
 

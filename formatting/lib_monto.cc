@@ -6,7 +6,7 @@
 #include "formatting/cheque_words.h"
 #include "formatting/filled_lines.h"
 #include "formatting/monto_escrito.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 namespace {

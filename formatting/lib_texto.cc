@@ -2,7 +2,7 @@
 
 #include "formatting/phrase_case.h"
 #include "formatting/word_extraction.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 Text LibTexto::ExtraerPalabra(const Text& vData, std::uint8_t vPart) const {

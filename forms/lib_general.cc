@@ -9,7 +9,7 @@
 #include "forms/strip_delimiter.h"
 #include "forms/tag_string.h"
 #include "forms/value_checks.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -155,7 +155,8 @@ void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object
       return;
     }
     Text layout;
-    IgnoreErrors([&] { layout = core_->Settings()->Get(Text(core_->application), Section, Key, {}); });
+    IgnoreErrors(
+        [&] { layout = core_->Settings()->Get(Text(core_->application), Section, Key, {}); });
     if (!layout.empty()) ApplyLayout(*ctrl, layout);
   });
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "frame/object/deep_release.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/object/list_members.h"
 #include "tovalin/enumerador.h"
 

@@ -1,7 +1,7 @@
 #include "tovalin/collection.h"
 
 #include "frame/object/deep_release.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/object/list_members.h"
 #include "tovalin/enumerador.h"
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 namespace {
