@@ -150,7 +150,7 @@ Variant ArchivoPlano::Parametro(const Text& Nombre) const {
 }
 void ArchivoPlano::LetParametro(const Text& Nombre, const Variant& NewValue) {
   RaisingErrors([&] {
-    // No field can show one, and one that leads back here would never be released.
+    // No field can show an object, and one that holds this one would never be released.
     if (NewValue.Value().MayOwnObjects()) Raise(Failure::TypeMismatch);
     if (!core_->parameters->Exists(Nombre)) core_->parameters->Add(Make<Campo>(Nombre));
     core_->parameters->Find(Nombre)->LetValue(NewValue.Value());

@@ -161,7 +161,7 @@ void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object
   });
 }
 
-// The former services go last: what they hold may let go of this object.
+// The former services are destroyed last: what they hold may release this object.
 void LibGeneral::UseHost(HostServices services) {
   auto kept = std::make_shared<const HostServices>(std::move(services));
   core_->host.swap(kept);

@@ -72,7 +72,7 @@ set(forms_tests
     forms/report_parameters_test.cc
     forms/settings_file_test.cc
     forms/tag_string_test.cc
-    forms/value_helpers_test.cc
+    forms/value_checks_test.cc
 )
 
 set(files_tests

@@ -29,7 +29,7 @@ VariantArray& Variant::MutableArray() {
   return *value.array_;
 }
 
-// What was here goes last: its destructor may lead back to this very value, or to
+// The former value is destroyed last: its destructor may use this very Variant, or
 // `other`.
 void Variant::Replace(Variant& other) noexcept {
   const Variant former(std::move(*this));

@@ -208,7 +208,7 @@ Ref<Campos> MakeCampos(const std::vector<ExportField>& fields) {
   return records;
 }
 
-// The order of dates goes last: it takes the other two into use. The class makes an
+// The order of dates is set last: it uses the other two. The class makes an
 // order that it does not know into AMD.
 Ref<clsFileExport> MakeExport(const ExportOptions& options) {
   auto writer = Make<clsFileExport>();
