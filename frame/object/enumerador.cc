@@ -6,21 +6,6 @@
 #include "frame/object/error_translation.h"
 
 namespace tovalin {
-<<<<<<< HEAD
-=======
-namespace {
-
-constexpr MemberInfo kMembers[] = {
-    Method<&Enumerador::Siguiente>(1, u"Siguiente", {{u"rElemento"}},
-                                   u"Entrega el elemento siguiente; Falso cuando no hay más"),
-    Get<&Enumerador::Clave>(2, u"Clave", u"La clave del último elemento entregado"),
-    Method<&Enumerador::Reiniciar>(3, u"Reiniciar", {}, u"Vuelve delante del primer elemento"),
-};
-
-constexpr ClassInfo kClass{Enumerador::kClassName, kMembers};
-
-}  // namespace
-
 struct Enumerador::Core {
   enum class Place : std::uint8_t { BeforeFirst, AtItem, BehindLast };
 
@@ -34,7 +19,6 @@ struct Enumerador::Core {
   Place place = Place::BeforeFirst;
 };
 
->>>>>>> refs/heads/frame
 Enumerador::Enumerador(const KeyedList<Variant>& list, Ref<Object> owner)
     : core_(std::make_unique<Core>(list, std::move(owner))) {}
 Enumerador::Enumerador(const KeyedList<Ref<Campo>>& list, Ref<Object> owner)

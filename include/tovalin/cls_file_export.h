@@ -23,12 +23,10 @@ class TOVALIN_API clsFileExport : public Object {
   static constexpr std::uint8_t TEXTO_DELIMITADO = 0;
   static constexpr std::uint8_t LONGITUDFIJA = 1;
 
-<<<<<<< HEAD
   static const ClassInfo kInfo;
-=======
+
   clsFileExport();
   ~clsFileExport() override;
->>>>>>> refs/heads/frame
   const ClassInfo& Class() const override;
 
   /// Writes the rows 0 to `vlngRows` (the number of the last one, -1 for none) of
