@@ -1,4 +1,4 @@
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/archivo_plano.h"
 #include "tovalin/campos.h"
 #include "tovalin/cls_file_export.h"

@@ -20,19 +20,19 @@ set(TOVALIN_SOURCES
     frame/text/search.cc
     frame/text/text.cc
     frame/text/utf8.cc
-    frame/value/amount.cc
     frame/value/amount_product.cc
     frame/value/arithmetic.cc
     frame/value/calendar.cc
     frame/value/comparison.cc
     frame/value/concatenation.cc
     frame/value/conversion.cc
+    frame/value/currency_conversion.cc
     frame/value/date_text.cc
     frame/value/date_words.cc
     frame/value/decimal_digits.cc
     frame/value/leading_number.cc
     frame/value/locale.cc
-    frame/value/logic.cc
+    frame/value/logical_operators.cc
     frame/value/number_reading.cc
     frame/value/number_text.cc
     frame/value/value_tests.cc
@@ -87,11 +87,11 @@ set(TOVALIN_SOURCES
     formatting/lib_monto_members.cc
     formatting/lib_texto.cc
     formatting/lib_texto_members.cc
+    formatting/monto_escrito.cc
     formatting/numeral_words.cc
     formatting/padding.cc
     formatting/phrase_case.cc
     formatting/word_extraction.cc
-    formatting/words.cc
     evaluator/dependencies.cc
     evaluator/element_search.cc
     evaluator/engine.cc
@@ -135,7 +135,7 @@ set(TOVALIN_SOURCES
     flatfile/archivo_plano.cc
     flatfile/archivo_plano_files.cc
     flatfile/archivo_plano_members.cc
-    flatfile/characters.cc
+    flatfile/encoding.cc
     flatfile/export_layout.cc
     flatfile/field_reader.cc
     flatfile/field_writer.cc
@@ -143,11 +143,13 @@ set(TOVALIN_SOURCES
     flatfile/file_writer.cc
     flatfile/formulas.cc
     flatfile/layout_check.cc
-    flatfile/layout_json.cc
+    flatfile/layout_json_reader.cc
+    flatfile/layout_json_writer.cc
     flatfile/moment.cc
     flatfile/record_splitter.cc
     flatfile/scaled_number.cc
-    flatfile/schema_ini.cc
+    flatfile/schema_ini_reader.cc
+    flatfile/schema_ini_writer.cc
     flatfile/text_file.cc
     flatfile/totals.cc
     forms/control.cc
@@ -161,7 +163,7 @@ set(TOVALIN_SOURCES
     forms/report_parameters.cc
     forms/strip_delimiter.cc
     forms/tag_string.cc
-    forms/value_helpers.cc
+    forms/value_checks.cc
     files/attributes_posix.cc
     files/attributes_windows.cc
     files/command_line.cc

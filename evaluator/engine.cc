@@ -6,7 +6,7 @@
 
 #include "evaluator/formula_chain.h"
 #include "evaluator/references.h"
-#include "frame/object/temporarily.h"
+#include "frame/object/scoped_value.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -120,7 +120,7 @@ Engine::Calculation::ValuesStamp Engine::Calculation::StampValues() const {
 // the way has dependants itself, and so has what handlers ask for.
 void Engine::Calculation::Finish() {
   if (outer_ || finishing_ || (touched_.empty() && changed_.empty())) return;
-  const Temporarily finishing(finishing_, true);
+  const ScopedValue finishing(finishing_, true);
   while (!touched_.empty() || !changed_.empty()) {
     const std::size_t before = changed_at_;
     ComputeAgain(std::exchange(changed_, {}), before);

@@ -7,7 +7,7 @@
 #include "evaluator/infix_check.h"
 #include "evaluator/references.h"
 #include "evaluator/tokenizer.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 // The members of Evaluador that check, convert and evaluate formulas.

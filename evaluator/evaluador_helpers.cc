@@ -3,9 +3,9 @@
 #include "evaluator/references.h"
 #include "evaluator/text_helpers.h"
 #include "formatting/dias360.h"
+#include "formatting/monto_escrito.h"
 #include "formatting/word_extraction.h"
-#include "formatting/words.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 // The members of Evaluador that work on texts and numbers alone, or on the names

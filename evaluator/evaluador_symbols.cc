@@ -1,7 +1,7 @@
 #include "evaluator/core.h"
 #include "evaluator/text_helpers.h"
 #include "evaluator/vocabulary.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 // The members of Evaluador that read and write symbols.
 

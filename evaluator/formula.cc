@@ -4,7 +4,7 @@
 
 #include "evaluator/fault_records.h"
 #include "evaluator/formula_core.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 Formula::Formula(std::unique_ptr<Core> core) : core_(std::move(core)) {}

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "frame/object/temporarily.h"
+#include "frame/object/scoped_value.h"
 #include "frame/value/conversion.h"
 
 namespace tovalin {
@@ -83,7 +83,7 @@ Variant FormulaChain::ValueOf(Plan& plan) {
     if (const double number = plan.numeric.Run(is_alone_); !std::isnan(number))
       return plan.numeric.ResultOf(number);
   // A walk counts for one level itself.
-  const Temporarily depth(engine_.depth_, engine_.depth_ + Depth() - 1);
+  const ScopedValue depth(engine_.depth_, engine_.depth_ + Depth() - 1);
   Variant value = engine_.Walk(plan, locals_).value;
   CheckTables();
   return value;

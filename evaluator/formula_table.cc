@@ -7,7 +7,7 @@
 #include "evaluator/formula_core.h"
 #include "evaluator/numeric_columns.h"
 #include "evaluator/value_columns.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 #include "tovalin/formula.h"
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "evaluator/plan.h"
+#include "frame/object/campo_access.h"
 #include "tovalin/campos.h"
 
 // What an evaluator knows of its formula variables: which were computed, and their
@@ -20,18 +21,22 @@ namespace tovalin {
 /// writes it. An index is a hint; it counts if the record stands there.
 struct FormulaSlot {
   /// The place in the list of those that an evaluation has computed.
-  static std::uint32_t VisitedIndex(const Campo& record) { return record.mark_; }
+  static std::uint32_t VisitedIndex(const Campo& record) {
+    return CampoAccess::AnnotationOf(record)[0];
+  }
   static void SetVisitedIndex(Campo& record, std::size_t index) {
-    record.mark_ = static_cast<std::uint32_t>(index);
+    CampoAccess::AnnotationOf(record)[0] = static_cast<std::uint32_t>(index);
   }
   /// The place of the plan.
-  static std::uint32_t PlanIndex(const Campo& record) { return record.plan_place_; }
+  static std::uint32_t PlanIndex(const Campo& record) {
+    return CampoAccess::AnnotationOf(record)[1];
+  }
   static void SetPlanIndex(Campo& record, std::size_t index) {
-    record.plan_place_ = static_cast<std::uint32_t>(index);
+    CampoAccess::AnnotationOf(record)[1] = static_cast<std::uint32_t>(index);
   }
   /// Replaces the value, which is no change as hosts make them, and gives the former.
   static Variant ExchangeValue(Campo& record, Variant value) {
-    return std::exchange(record.value_, std::move(value));
+    return CampoAccess::ExchangeValue(record, std::move(value));
   }
 };
 

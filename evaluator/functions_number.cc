@@ -2,7 +2,7 @@
 
 #include "evaluator/function_arguments.h"
 #include "evaluator/number_helpers.h"
-#include "formatting/words.h"
+#include "formatting/monto_escrito.h"
 #include "frame/format/patterns.h"
 #include "frame/value/arithmetic.h"
 #include "tovalin/convert.h"

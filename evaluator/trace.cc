@@ -3,7 +3,7 @@
 #include <bit>
 #include <utility>
 
-#include "frame/object/temporarily.h"
+#include "frame/object/scoped_value.h"
 #include "frame/settings/settings_store.h"
 #include "frame/value/number_text.h"
 #include "tovalin/convert.h"
@@ -115,7 +115,7 @@ bool Trace::ShowResult(const Variant& result, std::size_t left) {
 
 void Trace::Save(const LiveChanges& changes) {
   if (is_saving_) return;
-  const Temporarily saving(is_saving_, true);
+  const ScopedValue saving(is_saving_, true);
   const Ref<SettingsStore> store = store_;
   // Copies, since the store may lead to another evaluation.
   std::array<Text, kLiveTexts> texts;

@@ -5,7 +5,7 @@
 
 #include "export/export_run.h"
 #include "export/numeric_widths.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -115,7 +115,7 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
   std::optional<ExportRun> run;
   std::optional<Error> error;
   try {
-    error = Guarded([&] {
+    error = CatchError([&] {
       run.emplace(ExportInput{rvarDatos.Value(), vcolCampos, vlngRows, vstrArchivoSalida,
                               core_->date_pattern, core_->text_qualifier,
                               core_->format != TEXTO_DELIMITADO, core_->clock});
@@ -128,7 +128,7 @@ bool clsFileExport::GenerarArchivoPlanoDesdeBD(Variant& rvarDatos, const Ref<Cam
   FailureReport report;
   report.error = std::move(*error);
   core_->last_failure = std::move(report);
-  if (run) Guarded([&] { run->Describe(*core_->last_failure); });
+  if (run) CatchError([&] { run->Describe(*core_->last_failure); });
   return false;
 }
 

@@ -2,7 +2,7 @@
 
 #include "export/layout_description.h"
 #include "export/record_writer.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/text/code_page.h"
 #include "tovalin/convert.h"
 
@@ -61,7 +61,7 @@ void ExportRun::Describe(clsFileExport::FailureReport& report) {
   report.field = field_->name;
   if (row_ < 0) return;
   // There may be no such cell, or no text of it: that is what failed then.
-  Guarded([&] {
+  CatchError([&] {
     report.value = ToText(CellOf(input_.data, field_->column, static_cast<std::size_t>(row_)));
   });
 }

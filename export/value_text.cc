@@ -14,7 +14,7 @@ TextView ValueText::NumberText(Number number) {
 }
 
 // The common subtypes are read where they lie or written into the same text again;
-// the rest take the general road.
+// the rest take the general path.
 TextView ValueText::Plain(const Variant& value) {
   switch (value.Kind()) {
     case Subtype::String:

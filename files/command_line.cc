@@ -13,7 +13,7 @@ class Splitter {
     std::vector<Text> words;
     SkipBlanks();
     while (!rest_.empty()) {
-      words.push_back(words.empty() ? TakeProgram() : TakeWord());
+      words.push_back(words.empty() ? ReadProgram() : ReadWord());
       SkipBlanks();
     }
     return words;
@@ -26,16 +26,16 @@ class Splitter {
 
   bool AtWordEnd() const { return rest_.empty() || (!quoted_ && IsBlank(rest_.front())); }
 
-  char16_t Take() {
+  char16_t Next() {
     const char16_t c = rest_.front();
     rest_.remove_prefix(1);
     return c;
   }
 
-  Text TakeProgram() {
+  Text ReadProgram() {
     Text word;
     for (quoted_ = false; !AtWordEnd();) {
-      const char16_t c = Take();
+      const char16_t c = Next();
       if (c == u'"')
         quoted_ = !quoted_;
       else
@@ -44,20 +44,20 @@ class Splitter {
     return word;
   }
 
-  Text TakeWord() {
+  Text ReadWord() {
     Text word;
     for (quoted_ = false; !AtWordEnd();) {
       if (rest_.front() == u'\\')
-        TakeBackslashes(word);
+        ReadBackslashes(word);
       else if (rest_.front() == u'"')
-        TakeQuote(word);
+        ReadQuote(word);
       else
-        word += Take();
+        word += Next();
     }
     return word;
   }
 
-  void TakeBackslashes(Text& word) {
+  void ReadBackslashes(Text& word) {
     std::size_t count = 0;
     while (!rest_.empty() && rest_.front() == u'\\') {
       rest_.remove_prefix(1);
@@ -68,13 +68,13 @@ class Splitter {
       return;
     }
     word.append(count / 2, u'\\');
-    if (count % 2 == 1) word += Take();
+    if (count % 2 == 1) word += Next();
   }
 
-  void TakeQuote(Text& word) {
+  void ReadQuote(Text& word) {
     rest_.remove_prefix(1);
     if (quoted_ && rest_.starts_with(u'"'))
-      word += Take();
+      word += Next();
     else
       quoted_ = !quoted_;
   }

@@ -3,7 +3,7 @@
 #include "files/attributes.h"
 #include "files/process.h"
 #include "files/text_file.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

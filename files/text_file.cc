@@ -24,7 +24,7 @@ bool DirectoryOfExists(TextView path) {
   return IsDirectory(path.substr(0, separator));
 }
 
-/// The failure that errno tells of.
+/// The failure that errno stands for.
 Failure FileFailure(TextView path) {
   const int cause = errno;
   // Not every system says that a directory is what cannot be read.
@@ -77,15 +77,15 @@ std::string ReadBytes(TextView path) {
   return bytes;
 }
 
-/// Calls take(first, last) for each line, without its end.
-template <class Take>
-void ForEachLine(const std::string& bytes, Take take) {
+/// Calls visit(first, last) for each line, without its end.
+template <class Visit>
+void ForEachLine(const std::string& bytes, Visit visit) {
   const char* next = bytes.data();
   const char* const end = next + bytes.size();
   while (next != end) {
     const char* last = next;
     while (last != end && *last != '\r' && *last != '\n') ++last;
-    take(next, last);
+    visit(next, last);
     next = last;
     if (next != end && *next == '\r') ++next;
     if (next != end && *next == '\n' && (next == last || next[-1] == '\r')) ++next;

@@ -4,24 +4,16 @@
 
 #include "flatfile/archivo_plano_core.h"
 #include "flatfile/export_layout.h"
+#include "flatfile/keywords.h"
 #include "flatfile/layout_json.h"
 #include "flatfile/schema_ini.h"
 #include "flatfile/text_file.h"
-#include "flatfile/words.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/system/replaced_file.h"
 
 // The layout and the properties; archivo_plano_files.cc writes and reads.
 
 namespace tovalin {
-
-using flat::FieldLayout;
-using flat::KindOf;
-using flat::Layout;
-using flat::NamesOf;
-using flat::RecordLayout;
-using flat::Role;
-using flat::ToCount;
 
 namespace flat {
 
@@ -101,14 +93,16 @@ void ArchivoPlano::DesdeExport(const Ref<clsFileExport>& vExport, const Ref<Camp
   });
 }
 
-Ref<Collection> ArchivoPlano::Columnas() const { return ToCollection(NamesOf(*core_->Required())); }
+Ref<Collection> ArchivoPlano::Columnas() const {
+  return ToCollection(flat::NamesOf(*core_->Required()));
+}
 
 Ref<Collection> ArchivoPlano::ClasesDeRegistro(const Text& oPapel) const {
   return RaisingErrors([&] {
-    const auto role = flat::FindWord<Role>(flat::kRoleWords, ToUtf8(ToLower(oPapel)));
+    const auto role = flat::FindWord<flat::Role>(flat::kRoleWords, ToUtf8(ToLower(oPapel)));
     if (!oPapel.empty() && !role) Raise(Failure::InvalidArgument);
     std::vector<Text> names;
-    for (const RecordLayout& record : core_->Required()->records)
+    for (const flat::RecordLayout& record : core_->Required()->records)
       if (!role || record.role == *role) names.push_back(record.name);
     return ToCollection(names);
   });
@@ -118,7 +112,7 @@ Ref<Collection> ArchivoPlano::CamposDe(const Text& oRegistro) const {
   return RaisingErrors([&] {
     const auto layout = core_->Required();
     std::vector<Text> names;
-    for (const FieldLayout& field : layout->records[KindOf(*layout, oRegistro)].fields)
+    for (const flat::FieldLayout& field : layout->records[flat::KindOf(*layout, oRegistro)].fields)
       names.push_back(field.name);
     return ToCollection(names);
   });
@@ -156,7 +150,7 @@ Variant ArchivoPlano::Parametro(const Text& Nombre) const {
 }
 void ArchivoPlano::LetParametro(const Text& Nombre, const Variant& NewValue) {
   RaisingErrors([&] {
-    // No field can show one, and one that leads back here would never be released.
+    // No field can show an object, and one that holds this one would never be released.
     if (NewValue.Value().MayOwnObjects()) Raise(Failure::TypeMismatch);
     if (!core_->parameters->Exists(Nombre)) core_->parameters->Add(Make<Campo>(Nombre));
     core_->parameters->Find(Nombre)->LetValue(NewValue.Value());
@@ -176,7 +170,7 @@ Ref<Collection> ArchivoPlano::Errores() const {
     auto list = Make<Collection>();
     for (const Fallo& fault : core_->log.Faults()) {
       auto record = Make<Collection>();
-      record->Add(ToCount(fault.fila), u"Fila");
+      record->Add(flat::ToCount(fault.fila), u"Fila");
       record->Add(fault.registro, u"Registro");
       record->Add(fault.campo, u"Campo");
       record->Add(fault.valor, u"Valor");
@@ -186,7 +180,7 @@ Ref<Collection> ArchivoPlano::Errores() const {
     return list;
   });
 }
-std::int32_t ArchivoPlano::NumeroErrores() const { return ToCount(core_->log.Count()); }
+std::int32_t ArchivoPlano::NumeroErrores() const { return flat::ToCount(core_->log.Count()); }
 std::int32_t ArchivoPlano::LimiteErrores() const { return core_->limit; }
 void ArchivoPlano::LetLimiteErrores(std::int32_t NewValue) {
   RaisingErrors([&] {
@@ -194,14 +188,14 @@ void ArchivoPlano::LetLimiteErrores(std::int32_t NewValue) {
     core_->limit = NewValue;
   });
 }
-std::int32_t ArchivoPlano::FilasRechazadas() const { return ToCount(core_->refused); }
+std::int32_t ArchivoPlano::FilasRechazadas() const { return flat::ToCount(core_->refused); }
 
 std::int32_t ArchivoPlano::Registros(const Text& oRegistro) const {
   return RaisingErrors([&] {
     std::int64_t count = 0;
     for (std::size_t i = 0; i < core_->records.size(); ++i)
       if (oRegistro.empty() || EqualFolded(core_->kinds[i], oRegistro)) count += core_->records[i];
-    return ToCount(count);
+    return flat::ToCount(count);
   });
 }
 bool ArchivoPlano::Publicado() const { return core_->published; }

@@ -5,17 +5,9 @@
 #include "flatfile/file_reader.h"
 #include "flatfile/file_writer.h"
 #include "flatfile/problem.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
-
-using flat::FieldLayout;
-using flat::KindOf;
-using flat::Layout;
-using flat::NamesOf;
-using flat::RecordLayout;
-using flat::Role;
-using flat::ToCount;
 
 namespace {
 
@@ -68,7 +60,7 @@ class ArchivoPlano::Escritura::Core {
  private:
   Ref<ArchivoPlano> alive_;
   ArchivoPlano::Core& file_;
-  std::shared_ptr<const Layout> layout_;
+  std::shared_ptr<const flat::Layout> layout_;
   Running running_;
   flat::WriteContext context_;
   flat::FileWriter writer_;
@@ -97,7 +89,7 @@ bool ArchivoPlano::Escribir(const Variant& vDatos, const Text& vArchivo, const T
     const Variant kept = vDatos.Value();  // whatever a formula's host does with the original
     const VariantArray& array = kept.AsArray();
     const std::vector<Text> names =
-        oColumnas.empty() ? NamesOf(*core_->Required()) : SplitNames(oColumnas);
+        oColumnas.empty() ? flat::NamesOf(*core_->Required()) : SplitNames(oColumnas);
     if (names.size() > array.Columns())
       flat::RaiseFault("Datos", "el arreglo tiene " + std::to_string(array.Columns()) +
                                     " columnas y se esperan " + std::to_string(names.size()));
@@ -111,7 +103,7 @@ bool ArchivoPlano::Escribir(const Variant& vDatos, const Text& vArchivo, const T
 bool ArchivoPlano::EscribirFilas(const Text& vArchivo, const Text& oColumnas) {
   return RaisingErrors([&] {
     const std::vector<Text> names =
-        oColumnas.empty() ? NamesOf(*core_->Required()) : SplitNames(oColumnas);
+        oColumnas.empty() ? flat::NamesOf(*core_->Required()) : SplitNames(oColumnas);
     Escritura writing(*this, names, vArchivo);
     std::vector<Variant> values;
     for (std::int32_t number = 1;; ++number) {
@@ -157,12 +149,12 @@ bool ArchivoPlano::LeerFilas(const Text& vArchivo) {
     const auto layout = core_->Required();
     return LeerFilas(
         [&](const Leida& read) {
-          const RecordLayout& record = layout->records[KindOf(*layout, read.registro)];
+          const flat::RecordLayout& record = layout->records[flat::KindOf(*layout, read.registro)];
           auto values = Make<Collection>();
           for (std::size_t i = 0; i < read.valores.size(); ++i)
             values->Add(read.valores[i], record.fields[i].name);
           bool cancel = false;
-          FilaLeida.Raise(ToCount(read.numero), Text(read.registro), values, cancel);
+          FilaLeida.Raise(flat::ToCount(read.numero), Text(read.registro), values, cancel);
           return !cancel;
         },
         vArchivo);
@@ -172,7 +164,7 @@ bool ArchivoPlano::LeerFilas(const Text& vArchivo) {
 Variant ArchivoPlano::Leer(const Text& vArchivo, const Text& oRegistro) {
   return RaisingErrors([&] {
     const auto layout = core_->Required();
-    const RecordLayout& wanted = layout->records[KindOf(*layout, oRegistro)];
+    const flat::RecordLayout& wanted = layout->records[flat::KindOf(*layout, oRegistro)];
     std::vector<Variant> values;
     LeerFilas(
         [&](const Leida& read) {
@@ -203,8 +195,8 @@ bool ArchivoPlano::Convertir(const Ref<ArchivoPlano>& vOrigen, const Text& vEntr
     std::vector<Text> names;
     std::vector<std::vector<std::size_t>> places(source->records.size());
     for (std::size_t kind = 0; kind < source->records.size(); ++kind) {
-      if (source->records[kind].role != Role::Detail) continue;
-      for (const FieldLayout& field : source->records[kind].fields) {
+      if (source->records[kind].role != flat::Role::Detail) continue;
+      for (const flat::FieldLayout& field : source->records[kind].fields) {
         const auto same = [&](const Text& name) { return EqualFolded(name, field.name); };
         const auto found = std::ranges::find_if(names, same);
         places[kind].push_back(static_cast<std::size_t>(found - names.begin()));
@@ -215,8 +207,8 @@ bool ArchivoPlano::Convertir(const Ref<ArchivoPlano>& vOrigen, const Text& vEntr
     std::vector<Variant> row;
     const bool clean = vOrigen->LeerFilas(
         [&](const Leida& read) {
-          const std::size_t kind = KindOf(*source, read.registro);
-          if (source->records[kind].role != Role::Detail) return true;
+          const std::size_t kind = flat::KindOf(*source, read.registro);
+          if (source->records[kind].role != flat::Role::Detail) return true;
           row.assign(names.size(), Variant::Null());
           for (std::size_t i = 0; i < read.valores.size(); ++i)
             row[places[kind][i]] = read.valores[i];

@@ -4,7 +4,7 @@
 
 #include "export/field.h"
 #include "export/record_writer.h"
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/problem.h"
 #include "tovalin/locale.h"
 
@@ -37,7 +37,7 @@ FieldLayout FieldOf(const Field& field, TextView date_pattern) {
   return layout;
 }
 
-void TakeFixed(const Field& field, FieldLayout& layout) {
+void SetFixedForm(const Field& field, FieldLayout& layout) {
   if (field.type.fill == FieldFill::None)
     RaiseFault("Campo " + Quoted(field.name), "es de un tipo sin ancho fijo");
   if (field.type.width <= 0) RaiseFault("Campo " + Quoted(field.name), "no tiene ancho");
@@ -60,7 +60,7 @@ std::vector<Text> LinesOf(const Text& text) {
 }
 
 // "Nombre<blanks><TAB>7": the offset counts from 1 and leaves the delimiters out.
-std::size_t TakeOffset(Text& line, std::size_t number) {
+std::size_t ExtractOffset(Text& line, std::size_t number) {
   const std::size_t tab = line.rfind(u'\t');
   if (tab == Text::npos) RejectLine(number, "no tiene la posición del campo");
   const std::string digits = ToUtf8(TextView(line).substr(tab + 1));
@@ -85,7 +85,7 @@ Layout LayoutOfExport(const clsFileExport& exporter, const Campos& fields) {
   RecordLayout record{u"detalle", Role::Detail, {}, {}};
   for (const Field& field : ResolveFields(&fields)) {
     record.fields.push_back(FieldOf(field, exporter.DatePattern()));
-    if (layout.fixed) TakeFixed(field, record.fields.back());
+    if (layout.fixed) SetFixedForm(field, record.fields.back());
   }
   layout.records.push_back(std::move(record));
   CheckLayout(layout);
@@ -108,7 +108,7 @@ Layout ReadDescription(std::string_view bytes) {
   for (std::size_t i = kHeadingLines; i < lines.size() && !lines[i].empty(); ++i) {
     FieldLayout field;
     if (layout.fixed) {
-      const std::size_t offset = TakeOffset(lines[i], i);
+      const std::size_t offset = ExtractOffset(lines[i], i);
       if (fields.empty() ? offset != 1 : offset <= before)
         RejectLine(i, "la posición no sigue a la anterior");
       if (!fields.empty()) fields.back().width = offset - before;

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/field_writer.h"
 #include "flatfile/moment.h"
 #include "flatfile/problem.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "export/value_text.h"
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/layout.h"
 #include "frame/format/date_pattern.h"
 

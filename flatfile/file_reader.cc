@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/problem.h"
 #include "tovalin/convert.h"
 
@@ -47,7 +47,7 @@ void FileReader::Log(const RecordLayout* record, const FieldLayout* field, std::
             FromUtf8(reason)});
 }
 
-void FileReader::Read(const Take& take) {
+void FileReader::Read(const Visit& visit) {
   std::string_view record;
   if (layout_.header_row) {
     ++number_;
@@ -57,7 +57,7 @@ void FileReader::Read(const Take& take) {
   }
   while (records_of_.Next(record)) {
     ++number_;
-    if (!TakeRecord(record, take)) return;
+    if (!ReadRecord(record, visit)) return;
   }
   RequireFrame();
   CompareTotals();
@@ -81,7 +81,7 @@ void FileReader::CheckTitles(std::string_view record) {
 }
 
 // Answers whether to go on.
-bool FileReader::TakeRecord(std::string_view record, const Take& take) {
+bool FileReader::ReadRecord(std::string_view record, const Visit& visit) {
   std::size_t kind = 0;
   if (!FindKind(record, kind) || !ReadFields(kinds_[kind])) {
     ++refused_;
@@ -89,7 +89,7 @@ bool FileReader::TakeRecord(std::string_view record, const Take& take) {
   }
   ++records_[kind];
   Count(kind);
-  return take(kind, kinds_[kind].values);
+  return visit(kind, kinds_[kind].values);
 }
 
 // The fields stay in slices_ until the next split.

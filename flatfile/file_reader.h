@@ -21,10 +21,10 @@ class FileReader {
   FileReader(const Layout& layout, const Text& path, ErrorLog& log);
 
   /// A record that was read whole: its kind as a number of the layout, its fields' values.
-  using Take = std::function<bool(std::size_t kind, std::span<const Variant> values)>;
-  /// Hands on each record until `take` answers False or the file ends; totals are
+  using Visit = std::function<bool(std::size_t kind, std::span<const Variant> values)>;
+  /// Hands on each record until `visit` answers False or the file ends; totals are
   /// compared at its end.
-  void Read(const Take& take);
+  void Read(const Visit& visit);
 
   std::int64_t Number() const { return number_; }
   std::int64_t Refused() const { return refused_; }
@@ -53,7 +53,7 @@ class FileReader {
 
   std::string ConstantOf(const FieldLayout& field) const;
   void CheckTitles(std::string_view record);
-  bool TakeRecord(std::string_view record, const Take& take);
+  bool ReadRecord(std::string_view record, const Visit& visit);
   const std::vector<Slice>& Split(std::string_view record, const RecordLayout& kind);
   bool FindKind(std::string_view record, std::size_t& found);
   bool HasConstants(std::string_view record, Kind& kind, bool log);

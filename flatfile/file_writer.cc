@@ -4,7 +4,7 @@
 
 #include "flatfile/problem.h"
 #include "flatfile/text_file.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::flat {
@@ -19,7 +19,7 @@ std::string PlaceOf(const RecordLayout& record, const FieldLayout& field) {
 
 Text TextOfValue(const Variant& value) {
   Text text;
-  Guarded([&] { text = value.Is(Subtype::Null) ? Text() : ToText(value); });
+  CatchError([&] { text = value.Is(Subtype::Null) ? Text() : ToText(value); });
   return text;
 }
 

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/layout.h"
 #include "flatfile/moment.h"
 #include "flatfile/problem.h"

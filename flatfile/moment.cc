@@ -45,7 +45,7 @@ std::optional<TextView> LiteralOf(const DatePattern& pattern, const DatePattern:
   return text;
 }
 
-bool TakeNumber(TextView& text, const Readable& row, int& number) {
+bool ExtractNumber(TextView& text, const Readable& row, int& number) {
   std::size_t digits = 0;
   number = 0;
   for (; digits < row.most && digits < text.size(); ++digits) {
@@ -90,7 +90,7 @@ std::optional<Date> ReadMoment(const DatePattern& pattern, TextView text) {
       continue;
     }
     const Readable* row = FindReadable(step.token);
-    if (!row || !TakeNumber(text, *row, parts[row->part])) return std::nullopt;
+    if (!row || !ExtractNumber(text, *row, parts[row->part])) return std::nullopt;
     if (row->token == DateToken::Year2) parts[kYear] = FullYear(parts[kYear]);
     has_day = has_day || row->part == kDay;
   }

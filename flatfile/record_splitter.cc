@@ -1,12 +1,12 @@
 #include "flatfile/record_splitter.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/problem.h"
-#include "frame/object/guarded.h"
+#include "flatfile/text_file.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin::flat {
 namespace {
@@ -18,12 +18,7 @@ constexpr std::size_t kNotFound = std::string::npos;
 }  // namespace
 
 RecordSplitter::RecordSplitter(const Layout& layout, const Text& path)
-    : layout_(layout), path_(path), file_(OpenFile(path, FileUse::Read)) {
-  if (!file_)
-    throw ErrorAbout(errno == ENOENT   ? Failure::FileNotFound
-                     : errno == EACCES ? Failure::PermissionDenied
-                                       : Failure::PathAccess,
-                     path);
+    : layout_(layout), path_(path), file_(OpenToRead(path)) {
   while (!at_end_ && buffer_.size() < kByteOrderMark.size()) ReadMore();
   if (!IsSingleByte(layout.encoding) && buffer_.starts_with(kByteOrderMark))
     begin_ = kByteOrderMark.size();
@@ -104,7 +99,7 @@ const std::vector<Slice>& FieldSplitter::Delimited(std::string_view record) {
   std::size_t at = 0;
   for (;;) {
     if (layout_.quote != 0 && at < record.size() && record[at] == quote) {
-      at = TakeQuoted(record, at + 1);
+      at = ReadQuoted(record, at + 1);
       if (at < record.size() && record[at] != delimiter)
         throw Problem{"hay texto detrás de la comilla que cierra"};
     } else {
@@ -125,7 +120,7 @@ const std::vector<Slice>& FieldSplitter::Delimited(std::string_view record) {
 }
 
 // Answers the place behind the closing quote of a field that begins at `at`.
-std::size_t FieldSplitter::TakeQuoted(std::string_view record, std::size_t at) {
+std::size_t FieldSplitter::ReadQuoted(std::string_view record, std::size_t at) {
   const auto quote = static_cast<char>(layout_.quote);
   const std::size_t begin = at;
   std::string* text = nullptr;

@@ -60,7 +60,7 @@ class FieldSplitter {
   const std::vector<Slice>& Fixed(std::string_view record, const RecordLayout& kind);
 
  private:
-  std::size_t TakeQuoted(std::string_view record, std::size_t at);
+  std::size_t ReadQuoted(std::string_view record, std::size_t at);
 
   const Layout& layout_;
   std::vector<Slice> slices_;

@@ -8,6 +8,9 @@
 
 namespace tovalin::flat {
 
+/// Opens a file to be read. Raises 53, 70 and 75, with the path.
+File OpenToRead(const Text& path);
+
 /// The bytes of a layout file. Raises 53, 70 and 75, and kObjectError for one that is too
 /// large to be a layout.
 std::string ReadWholeFile(const Text& path);

@@ -30,12 +30,12 @@ class AmountReader {
   explicit AmountReader(TextView text) : tokens_(ScanAmount(text)) {}
 
   std::int64_t Read() {
-    const bool negative = Take(Kind::Minus);
+    const bool negative = Accept(Kind::Minus);
     const bool noun_first = IsNoun();
-    if (noun_first) TakeCurrencyNoun();
+    if (noun_first) AcceptCurrencyNoun();
     const std::uint64_t whole = ReadNumber();
     const bool cents_alone = !noun_first && IsNoun() && IsCentNoun(Present().text);
-    const std::int64_t cents = cents_alone ? TakeCentsAlone(whole) : ReadRest(whole, noun_first);
+    const std::int64_t cents = cents_alone ? ReadCentsAlone(whole) : ReadRest(whole, noun_first);
     if (At(AmountToken::Kind::Mark)) ++next_;
     if (!At(AmountToken::Kind::End)) Refuse(u"está fuera de orden");
     return negative ? -cents : cents;
@@ -58,7 +58,7 @@ class AmountReader {
   bool At(AmountToken::Kind kind) const { return Present().kind == kind; }
   bool At(Kind kind) const { return At(AmountToken::Kind::Word) && Present().word.kind == kind; }
 
-  bool Take(Kind kind) {
+  bool Accept(Kind kind) {
     if (!At(kind)) return false;
     ++next_;
     return true;
@@ -91,7 +91,7 @@ class AmountReader {
 
   bool IsNoun() const { return At(Kind::Other); }
 
-  void TakeNoun() {
+  void AcceptNoun() {
     if (!IsNoun()) Refuse(u"está fuera de orden");
     while (IsNoun() || At(Kind::Of)) {
       if (ResemblesNumeral(Present().text)) Refuse(u"se parece a un numeral, pero no lo es");
@@ -100,10 +100,10 @@ class AmountReader {
     if (tokens_[next_ - 1].word.kind == Kind::Of) Refuse(next_ - 1, u"está fuera de orden");
   }
 
-  void TakeCurrencyNoun() {
+  void AcceptCurrencyNoun() {
     if (IsCentNoun(Present().text)) Refuse(u"no es una moneda");
     currency_ = Present().text;
-    TakeNoun();
+    AcceptNoun();
   }
 
   // Numbers.
@@ -159,7 +159,7 @@ class AmountReader {
   }
 
   /// Adds a block with its scale word, if one is here, and reads the next one.
-  void TakeScale(Kind kind, std::uint64_t scale, Block& block, std::uint64_t& total) {
+  void ReadScale(Kind kind, std::uint64_t scale, Block& block, std::uint64_t& total) {
     if (!At(kind)) return;
     const bool singular = Present().word.value == 1;
     // "un mil millón" is how MontoEscrito counts 1000 of them.
@@ -176,12 +176,12 @@ class AmountReader {
 
   std::uint64_t ReadNumber() {
     ends_in_scale_ = false;
-    if (Take(Kind::Zero)) return 0;
+    if (Accept(Kind::Zero)) return 0;
     const std::size_t begin = next_;
     Block block = ReadBlock();
     std::uint64_t total = 0;
-    TakeScale(Kind::Billion, kMillion * kMillion, block, total);
-    TakeScale(Kind::Million, kMillion, block, total);
+    ReadScale(Kind::Billion, kMillion * kMillion, block, total);
+    ReadScale(Kind::Million, kMillion, block, total);
     if (next_ == begin) Refuse(u"no es un numeral");
     return total + block.value;
   }
@@ -194,33 +194,33 @@ class AmountReader {
     return static_cast<std::int64_t>(100 * whole + cents);
   }
 
-  std::int64_t TakeCentsAlone(std::uint64_t cents) {
+  std::int64_t ReadCentsAlone(std::uint64_t cents) {
     if (cents > 99) Refuse(u"son más de 99");
-    TakeNoun();
+    AcceptNoun();
     return static_cast<std::int64_t>(cents);
   }
 
   std::int64_t ReadRest(std::uint64_t whole, bool noun_seen) {
-    if (!noun_seen) noun_seen = TakeNounOfNumber();
-    const bool with = Take(Kind::With);
+    if (!noun_seen) noun_seen = AcceptNounOfNumber();
+    const bool with = Accept(Kind::With);
     if (with && !At(AmountToken::Kind::Fraction)) return Total(whole, ReadCentsInWords());
-    if (!with && Take(Kind::And) && !At(AmountToken::Kind::Fraction))
+    if (!with && Accept(Kind::And) && !At(AmountToken::Kind::Fraction))
       Refuse(next_ - 1, u"está fuera de orden");
     if (!At(AmountToken::Kind::Fraction)) return Total(whole, 0);
     const auto cents = static_cast<std::uint64_t>(Present().cents);
     ++next_;
-    if (!noun_seen && IsNoun()) TakeCurrencyNoun();
+    if (!noun_seen && IsNoun()) AcceptCurrencyNoun();
     return Total(whole, cents);
   }
 
   /// The noun behind the number, if one is there.
-  bool TakeNounOfNumber() {
+  bool AcceptNounOfNumber() {
     const bool of = At(Kind::Of);
     if (!of && !IsNoun()) return false;
     if (of && !ends_in_scale_) Refuse(u"va solo detrás de millones exactos");
     if (!of && ends_in_scale_) Refuse(u"pide «de» delante");
     if (of) ++next_;
-    TakeCurrencyNoun();
+    AcceptCurrencyNoun();
     return true;
   }
 
@@ -229,7 +229,7 @@ class AmountReader {
     const std::uint64_t cents = ReadNumber();
     if (cents > 99) Refuse(begin, u"dice más de 99 centavos");
     if (IsNoun() && SameStem(Present().text, currency_)) Refuse(u"es la moneda, no sus centavos");
-    TakeNoun();
+    AcceptNoun();
     return cents;
   }
 

@@ -7,7 +7,7 @@
 #include "formatting/dias360.h"
 #include "formatting/duration.h"
 #include "frame/format/patterns.h"
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/value/calendar.h"
 #include "frame/value/number_text.h"
 #include "tovalin/convert.h"

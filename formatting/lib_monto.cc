@@ -5,8 +5,8 @@
 #include "formatting/cents.h"
 #include "formatting/cheque_words.h"
 #include "formatting/filled_lines.h"
-#include "formatting/words.h"
-#include "frame/object/guarded.h"
+#include "formatting/monto_escrito.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 namespace {

@@ -2,10 +2,10 @@
 
 namespace tovalin {
 
-TextView ExtraerFrase(TextView vData, std::uint8_t vPart) {
-  if (vPart == 0) return {};
-  TextView rest = Trim(vData);
-  for (int skipped = 1; skipped < vPart; ++skipped) {
+TextView ExtraerFrase(TextView text, std::uint8_t part) {
+  if (part == 0) return {};
+  TextView rest = Trim(text);
+  for (int skipped = 1; skipped < part; ++skipped) {
     const std::size_t blank = rest.find(u' ');
     if (blank == TextView::npos) return {};
     rest.remove_prefix(blank + 1);
@@ -13,8 +13,8 @@ TextView ExtraerFrase(TextView vData, std::uint8_t vPart) {
   return rest;
 }
 
-TextView ExtraerPalabra(TextView vData, std::uint8_t vPart) {
-  const TextView rest = ExtraerFrase(vData, vPart);
+TextView NthWord(TextView text, std::uint8_t part) {
+  const TextView rest = ExtraerFrase(text, part);
   return rest.substr(0, rest.find(u' '));
 }
 

@@ -7,14 +7,14 @@
 namespace tovalin {
 
 // Words are separated by single blanks: two blanks in a row have an empty word
-// between them. Blanks at the ends do not count. Both answer a part of `vData`
+// between them. Blanks at the ends do not count. Both answer a part of `text`
 // itself, which must outlive the answer.
 
-/// The `vPart`-th word of `vData`, counted from 1; empty for part 0 and for a
+/// The `part`-th word of `text`, counted from 1; empty for part 0 and for a
 /// part beyond the last word.
-TextView ExtraerPalabra(TextView vData, std::uint8_t vPart);
+TextView NthWord(TextView text, std::uint8_t part);
 
-/// `vData` from its `vPart`-th word to its end, empty in the same cases.
-TextView ExtraerFrase(TextView vData, std::uint8_t vPart);
+/// `text` from its `part`-th word to its end, empty in the same cases.
+TextView ExtraerFrase(TextView text, std::uint8_t part);
 
 }  // namespace tovalin

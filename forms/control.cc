@@ -1,6 +1,6 @@
 #include "tovalin/control.h"
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 namespace {
@@ -39,7 +39,7 @@ class BoundControl : public Control {
   std::optional<Error> Call(const BoundCall& bound, std::span<Variant> arguments, Variant& result) {
     // A widget's function may drop the host's last Ref on this control.
     const Ref<Object> alive = Hold<Object>(*this);
-    return Guarded([&] { result = bound.call(arguments); });
+    return CatchError([&] { result = bound.call(arguments); });
   }
 
   const ControlKind kind_;

@@ -3,7 +3,7 @@
 #include "forms/host_services.h"
 #include "forms/member_access.h"
 #include "forms/tag_string.h"
-#include "forms/value_helpers.h"
+#include "forms/value_checks.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {

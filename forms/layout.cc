@@ -118,7 +118,7 @@ void ApplyColumnWidths(Object& grid, TextView layout) {
 void ApplyGridLayout(Object& grid, TextView layout) {
   Variant redraw;
   bool redraw_is_off = false;
-  Quietly([&] {
+  IgnoreErrors([&] {
     redraw = ReadMember(grid, u"Redraw");
     WriteMember(grid, u"Redraw", Variant(false));
     redraw_is_off = true;
@@ -158,11 +158,11 @@ void ApplyLayout(Object& control, TextView layout) {
     case ControlKind::Grid:
       return ApplyGridLayout(control, layout);
     case ControlKind::ListView:
-      return Quietly([&] { ApplyListViewLayout(control, layout); });
+      return IgnoreErrors([&] { ApplyListViewLayout(control, layout); });
     case ControlKind::Form:
-      return Quietly([&] { ApplyProperties(control, kFormProperties, layout); });
+      return IgnoreErrors([&] { ApplyProperties(control, kFormProperties, layout); });
     default:
-      return Quietly([&] { ApplyProperties(control, kPlaceProperties, layout); });
+      return IgnoreErrors([&] { ApplyProperties(control, kPlaceProperties, layout); });
   }
 }
 

@@ -8,8 +8,8 @@
 #include "forms/report_parameters.h"
 #include "forms/strip_delimiter.h"
 #include "forms/tag_string.h"
-#include "forms/value_helpers.h"
-#include "frame/object/guarded.h"
+#include "forms/value_checks.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
@@ -53,7 +53,7 @@ void LibGeneral::GotFocus(Ref<Object> rctrControl, TextView ostrTextoBarra,
                           Ref<Object> rctr) const {
   if (!rctr) return;
   const Ref<const LibGeneral> alive = Hold(*this);
-  Quietly([&] {
+  IgnoreErrors([&] {
     if (!ostrTextoBarra.empty()) return MsgBar(rctr, ostrTextoBarra);
     if (rctrControl) MsgBar(rctr, HelpText(*rctrControl, core_->separator));
   });
@@ -141,7 +141,7 @@ void LibGeneral::LetAplicacion(const Text& NewValue) {
 void LibGeneral::SaveControlProperties(TextView Section, TextView Key, Ref<Object> ctrl) const {
   if (!core_->uses_layouts || !ctrl) return;
   const Ref<const LibGeneral> alive = Hold(*this);
-  Quietly([&] {
+  IgnoreErrors([&] {
     const Text layout = LayoutText(*ctrl);
     if (!layout.empty()) core_->Settings()->Save(Text(core_->application), Section, Key, layout);
   });
@@ -151,16 +151,17 @@ void LibGeneral::GetControlProperties(TextView Section, TextView Key, Ref<Object
   RaisingErrors([&] {
     if (!ctrl) return;
     if (!core_->uses_layouts) {
-      if (KindOf(*ctrl) == ControlKind::Grid) Quietly([&] { FitGridColumns(*ctrl); });
+      if (KindOf(*ctrl) == ControlKind::Grid) IgnoreErrors([&] { FitGridColumns(*ctrl); });
       return;
     }
     Text layout;
-    Quietly([&] { layout = core_->Settings()->Get(Text(core_->application), Section, Key, {}); });
+    IgnoreErrors(
+        [&] { layout = core_->Settings()->Get(Text(core_->application), Section, Key, {}); });
     if (!layout.empty()) ApplyLayout(*ctrl, layout);
   });
 }
 
-// The former services go last: what they hold may let go of this object.
+// The former services are destroyed last: what they hold may release this object.
 void LibGeneral::UseHost(HostServices services) {
   auto kept = std::make_shared<const HostServices>(std::move(services));
   core_->host.swap(kept);

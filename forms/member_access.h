@@ -32,9 +32,9 @@ void CallMember(Object& object, TextView name);
 /// The object that a value holds. Raises 424 for another subtype, 91 for none.
 Ref<Object> RequireObject(const Variant& value);
 
-/// Runs `work` and lets a failure end it quietly.
+/// Runs `work`; an error that it raises ends it and is ignored.
 template <class Work>
-void Quietly(Work work) {
+void IgnoreErrors(Work work) {
   try {
     work();
   } catch (const Error&) {

@@ -24,7 +24,7 @@ set(formatting_tests
     formatting/cheque_words_test.cc
     formatting/date_texts_test.cc
     formatting/lib_fecha_test.cc
-    formatting/words_test.cc
+    formatting/monto_escrito_test.cc
 )
 
 set(evaluator_tests
@@ -72,7 +72,7 @@ set(forms_tests
     forms/report_parameters_test.cc
     forms/settings_file_test.cc
     forms/tag_string_test.cc
-    forms/value_helpers_test.cc
+    forms/value_checks_test.cc
 )
 
 set(files_tests

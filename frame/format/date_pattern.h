@@ -48,7 +48,7 @@ enum class DateToken : std::uint8_t {
   SkipUnlessTime,  // ... with a time, or with neither
 };
 
-/// A date pattern, ready to be walked. The compound tokens (ShortDate, LongDate,
+/// A date pattern, ready to be applied. The compound tokens (ShortDate, LongDate,
 /// LongTime, General) have been replaced by the steps of the locale's patterns.
 struct DatePattern {
   struct Step {

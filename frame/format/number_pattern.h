@@ -8,7 +8,7 @@
 
 namespace tovalin {
 
-/// One section of a number pattern, ready to be walked: the counts that govern
+/// One section of a number pattern, ready to be applied: the counts that govern
 /// the digits, and the steps in the order in which they are shown.
 struct NumberSection {
   enum class Show : std::uint8_t { Literal, Integer, Point, Fraction, Exponent };

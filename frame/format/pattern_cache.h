@@ -12,7 +12,7 @@ namespace tovalin {
 struct OrdinaryText {};
 struct GeneralNumber {};
 
-/// A pattern of any kind, ready to be walked.
+/// A pattern of any kind, ready to be applied.
 using Pattern = std::variant<OrdinaryText, GeneralNumber, NumberPattern, DatePattern, TextPattern>;
 
 /// The parsed form of a pattern or of a named format. Parsing is remembered, so

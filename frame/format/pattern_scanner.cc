@@ -2,7 +2,7 @@
 
 namespace tovalin {
 
-TextView PatternScanner::Take(std::size_t length) {
+TextView PatternScanner::Consume(std::size_t length) {
   const TextView taken = rest_.substr(0, length);
   rest_.remove_prefix(taken.size());
   return taken;
@@ -12,12 +12,12 @@ std::optional<PatternPiece> PatternScanner::Next() {
   if (rest_.empty()) return std::nullopt;
   if (rest_.front() == u'\\') {
     Skip(1);
-    return PatternPiece{Take(1), true};
+    return PatternPiece{Consume(1), true};
   }
-  if (rest_.front() != u'"') return PatternPiece{Take(1), false};
+  if (rest_.front() != u'"') return PatternPiece{Consume(1), false};
   Skip(1);
-  const PatternPiece piece{Take(rest_.find(u'"')), true};
-  Take(1);
+  const PatternPiece piece{Consume(rest_.find(u'"')), true};
+  Consume(1);
   return piece;
 }
 

@@ -31,7 +31,7 @@ class PatternScanner {
   void Skip(std::size_t length) { rest_.remove_prefix(length); }
 
  private:
-  TextView Take(std::size_t length);
+  TextView Consume(std::size_t length);
 
   TextView rest_;
 };

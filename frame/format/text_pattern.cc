@@ -64,11 +64,11 @@ class SectionWriter {
         literal += step.length;
         continue;
       }
-      if (place_ == 0 && !section_.from_left) Take(excess_);
+      if (place_ == 0 && !section_.from_left) CopyText(excess_);
       WritePlaces(step);
     }
     // Without places, or filling from the left, the rest stands at the end.
-    Take(text_.size());
+    CopyText(text_.size());
     return std::move(result_);
   }
 
@@ -77,13 +77,13 @@ class SectionWriter {
     for (std::size_t end = place_ + step.length; place_ < end; ++place_) {
       const bool empty = section_.from_left ? text_.empty() : place_ < missing_;
       if (!empty)
-        Take(1);
+        CopyText(1);
       else if (step.show == Show::CharacterOrBlank)
         result_ += u' ';
     }
   }
 
-  void Take(std::size_t length) {
+  void CopyText(std::size_t length) {
     result_ += text_.substr(0, length);
     text_.remove_prefix(length);
   }

@@ -7,7 +7,7 @@
 
 namespace tovalin {
 
-/// One section of a text pattern, ready to be walked.
+/// One section of a text pattern, ready to be applied.
 struct TextSection {
   enum class Show : std::uint8_t { Literal, CharacterOrBlank, CharacterOrNothing };  // @ and &
   enum class Case : std::uint8_t { Kept, Lower, Upper };

@@ -3,9 +3,8 @@
 #include <algorithm>
 
 #include "frame/object/deep_release.h"
-#include "frame/object/guarded.h"
-#include "frame/object/keys.h"
-#include "frame/object/positions.h"
+#include "frame/object/error_translation.h"
+#include "frame/object/list_members.h"
 #include "tovalin/enumerador.h"
 
 namespace tovalin {
@@ -34,7 +33,8 @@ void Campo::LetName(const Text& Name) {
   });
 }
 
-// What is replaced goes last: its destructor may lead back here, and let go of the record.
+// The former value is destroyed last: its destructor may run code of the host that calls
+// this record again, or releases it.
 void Campo::LetValue(const Variant& Value) {
   const Variant former = std::exchange(value_, Value.Value());
   for (Campos* table : tables_) ++table->values_version_;
@@ -60,11 +60,11 @@ void Campo::LetSintax(const Text& Sintax) {
 
 void Campo::LetDirection(const Variant& Direction) { direction_ = Direction.Value(); }
 
-Campo::~Campo() { DeepRelease().TakeValues(*this); }
+Campo::~Campo() { DeepRelease().AddValues(*this); }
 
 Campos::~Campos() {
   for (const Ref<Campo>& record : list_.Items()) std::erase(record->tables_, this);
-  DeepRelease().TakeRecords(*this);
+  DeepRelease().AddRecords(*this);
 }
 
 void Campos::Add(const Ref<Campo>& Campo, const Variant& Before, const Variant& After) {
@@ -99,7 +99,7 @@ Ref<Enumerador> Campos::NewEnum() {
 
 void Campos::Remove(const Variant& Index) {
   const std::size_t position = PositionOf(list_, Index);
-  const Ref<Campo> record = list_[position];  // goes last, and perhaps the table with it
+  const Ref<Campo> record = list_[position];  // released last: it may hold the last Ref on the table
   // A record may stand in the table twice, under an old and a new name.
   auto& tables = record->tables_;
   tables.erase(std::find(tables.begin(), tables.end(), this));

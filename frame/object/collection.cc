@@ -1,13 +1,12 @@
 #include "tovalin/collection.h"
 
 #include "frame/object/deep_release.h"
-#include "frame/object/guarded.h"
-#include "frame/object/keys.h"
-#include "frame/object/positions.h"
+#include "frame/object/error_translation.h"
+#include "frame/object/list_members.h"
 #include "tovalin/enumerador.h"
 
 namespace tovalin {
-Collection::~Collection() { DeepRelease().TakeAll(list_.Items()); }
+Collection::~Collection() { DeepRelease().AddAll(list_.Items()); }
 
 void Collection::Add(const Variant& Item, const Variant& Key, const Variant& Before,
                      const Variant& After) {

@@ -16,7 +16,7 @@ thread_local DeepRelease* innermost = nullptr;
 DeepRelease::DeepRelease() : outer_(innermost), depth_(outer_ ? outer_->depth_ + 1 : 0) {}
 
 // Without memory it goes with its holder, as it would anyway.
-void DeepRelease::Take(Variant& value) noexcept {
+void DeepRelease::Add(Variant& value) noexcept {
   if (value.IsByReference() || !MayHold(value)) return;
   try {
     pending_.push_back(std::move(value));
@@ -24,23 +24,23 @@ void DeepRelease::Take(Variant& value) noexcept {
   }
 }
 
-void DeepRelease::TakeAll(std::vector<Variant>& values) {
-  for (Variant& value : values) Take(value);
+void DeepRelease::AddAll(std::vector<Variant>& values) {
+  for (Variant& value : values) Add(value);
 }
 
-void DeepRelease::TakeValues(Campo& record) {
-  Take(record.value_);
-  Take(record.direction_);
+void DeepRelease::AddValues(Campo& record) {
+  Add(record.value_);
+  Add(record.direction_);
 }
 
-void DeepRelease::TakeRecords(Campos& table) {
+void DeepRelease::AddRecords(Campos& table) {
   for (Ref<Campo>& record : table.list_.Items())
-    if (record->references.Value() == 1) TakeValues(*record);
+    if (record->references.Value() == 1) AddValues(*record);
 }
 
 DeepRelease::~DeepRelease() {
   if (depth_ >= kDeepest) {
-    outer_->TakeAll(pending_);
+    outer_->AddAll(pending_);
     return;
   }
   innermost = this;
@@ -56,17 +56,17 @@ DeepRelease::~DeepRelease() {
 void DeepRelease::Empty(const Variant& holder) {
   if (holder.Is(Subtype::Array)) {
     const VariantArray& array = holder.AsArray();
-    if (array.references.Value() == 1) TakeAll(const_cast<VariantArray&>(array).items_);
+    if (array.references.Value() == 1) AddAll(const_cast<VariantArray&>(array).items_);
     return;
   }
   const Ref<Object>& object = holder.AsObject();
   if (!object || object->references.Value() != 1) return;
   if (auto* collection = dynamic_cast<Collection*>(object.get()))
-    TakeAll(collection->list_.Items());
+    AddAll(collection->list_.Items());
   else if (auto* record = dynamic_cast<Campo*>(object.get()))
-    TakeValues(*record);
+    AddValues(*record);
   else if (auto* table = dynamic_cast<Campos*>(object.get()))
-    TakeRecords(*table);
+    AddRecords(*table);
 }
 
 }  // namespace tovalin

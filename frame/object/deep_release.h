@@ -13,16 +13,17 @@ class Campos;
 /// array holds alone is taken out of it before it goes, so that a chain of a
 /// million of them, one within the other, needs no stack. Where other objects stand
 /// in between, releases nest in one another; below a certain depth they leave what
-/// they took to the release around them.
+/// they hold to the release around them.
 class DeepRelease {
  public:
   DeepRelease();
   DeepRelease(const DeepRelease&) = delete;
   DeepRelease& operator=(const DeepRelease&) = delete;
-  void Take(Variant& value) noexcept;
-  void TakeAll(std::vector<Variant>& values);
-  void TakeValues(Campo& record);
-  void TakeRecords(Campos& table);
+  /// Each moves what may hold others out of its place, to be released at the end.
+  void Add(Variant& value) noexcept;
+  void AddAll(std::vector<Variant>& values);
+  void AddValues(Campo& record);
+  void AddRecords(Campos& table);
   ~DeepRelease();
 
  private:

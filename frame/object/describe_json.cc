@@ -1,6 +1,6 @@
 #include <charconv>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 #include "tovalin/describe.h"
 #include "tovalin/version.h"

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 namespace {
@@ -95,7 +95,7 @@ std::optional<Error> Invoke(Object& object, const MemberInfo& member, std::span<
                             Variant& result) {
   // A handler may drop the host's last Ref on the object while its member runs.
   const Ref<Object> alive = Hold(object);
-  return Guarded([&] {
+  return CatchError([&] {
     CheckStack();
     std::vector<Variant> complete = CompleteArguments(member, arguments);
     result = member.call(object, complete);

@@ -3,7 +3,7 @@
 #include <optional>
 #include <variant>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 

@@ -1,6 +1,6 @@
 #include "tovalin/error.h"
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin {
 namespace {

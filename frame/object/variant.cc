@@ -29,7 +29,7 @@ VariantArray& Variant::MutableArray() {
   return *value.array_;
 }
 
-// What was here goes last: its destructor may lead back to this very value, or to
+// The former value is destroyed last: its destructor may use this very Variant, or
 // `other`.
 void Variant::Replace(Variant& other) noexcept {
   const Variant former(std::move(*this));
@@ -49,7 +49,7 @@ void Variant::DropReference() {
   }
 }
 
-VariantArray::~VariantArray() { DeepRelease().TakeAll(items_); }
+VariantArray::~VariantArray() { DeepRelease().AddAll(items_); }
 
 const Variant& VariantArray::At(std::size_t column, std::size_t row) const {
   if (column >= columns_ || row >= rows_) Raise(Failure::SubscriptOutOfRange);

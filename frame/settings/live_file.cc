@@ -28,7 +28,7 @@ constexpr std::size_t SlotPlace(std::size_t slot) {
 constexpr std::size_t kBufferSize = SlotPlace(kLiveTexts);
 constexpr std::size_t kFileSize = kBuffersPlace + 2 * kBufferSize;
 
-constexpr Word kStandsHere = 1 << 16;
+constexpr Word kInSlot = 1 << 16;
 
 constexpr std::size_t kLatestPlace = 0;
 constexpr std::size_t kLongTextsPlace = 8;
@@ -47,24 +47,24 @@ std::filesystem::path FilePath(std::filesystem::path stem, Word number) {
 // Makes the state odd and answers the one before. Nothing when another's write does not
 // end: its process was forked and killed.
 std::optional<Word> BeginWrite(Mapping& file) {
-  constexpr int kTurns = 2000;
-  constexpr int kBriskTurns = 200;
-  for (int turn = 0; turn < kTurns; ++turn) {
+  constexpr int kAttempts = 2000;
+  constexpr int kAttemptsWithoutPause = 200;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const Word state = file.Load(kStatePlace);
     if ((state & 1) == 0 && file.CompareExchange(kStatePlace, state, state + 1)) return state;
-    if (turn > kBriskTurns) std::this_thread::sleep_for(std::chrono::microseconds(20));
+    if (attempt > kAttemptsWithoutPause) std::this_thread::sleep_for(std::chrono::microseconds(20));
   }
   return std::nullopt;
 }
 
 std::size_t SizeOf(Word head, std::size_t slot) {
-  return std::min<std::size_t>(head % kStandsHere, LiveFile::kLongest[slot]);
+  return std::min<std::size_t>(head % kInSlot, LiveFile::kLongest[slot]);
 }
 
 void Fill(Mapping& file, std::size_t buffer, std::size_t slot, const LiveEntry<TextView>& entry) {
   const std::size_t size = entry.text.size() <= LiveFile::kLongest[slot] ? entry.text.size() : 0;
   file.Write(buffer + SlotPlace(slot), entry.text.data(), 2 * size);
-  file.Store(buffer + 8 * slot, entry.in_settings ? size : kStandsHere + size);
+  file.Store(buffer + 8 * slot, entry.in_settings ? size : kInSlot + size);
 }
 
 void Copy(Mapping& file, std::size_t from, std::size_t to, std::size_t slot) {
@@ -75,15 +75,15 @@ void Copy(Mapping& file, std::size_t from, std::size_t to, std::size_t slot) {
 
 LiveEntry<Text> ReadSlot(const Mapping& file, std::size_t buffer, std::size_t slot) {
   const Word head = file.Load(buffer + 8 * slot);
-  LiveEntry<Text> entry{Text(SizeOf(head, slot), u'\0'), head < kStandsHere};
+  LiveEntry<Text> entry{Text(SizeOf(head, slot), u'\0'), head < kInSlot};
   file.Read(buffer + SlotPlace(slot), entry.text.data(), 2 * entry.text.size());
   return entry;
 }
 
 LiveTexts ReadTexts(const Mapping& file) {
-  constexpr int kTurns = 100'000;
-  for (int turn = 0; turn < kTurns; ++turn) {
-    if (turn % 100 == 99) std::this_thread::yield();
+  constexpr int kAttempts = 100'000;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    if (attempt % 100 == 99) std::this_thread::yield();
     const Word state = file.Load(kStatePlace);
     LiveTexts texts;
     for (std::size_t slot = 0; slot < kLiveTexts; ++slot)
@@ -99,7 +99,7 @@ LiveTexts ReadTexts(const Mapping& file) {
 LiveFile::LiveFile(std::filesystem::path stem, Word number, Mapping latest, Mapping file)
     : stem_(std::move(stem)), number_(number), latest_(std::move(latest)), file_(std::move(file)) {}
 
-std::shared_ptr<LiveFile> LiveFile::Take(const std::filesystem::path& stem) {
+std::shared_ptr<LiveFile> LiveFile::Claim(const std::filesystem::path& stem) {
   MakeDirectories(stem.parent_path());
   std::optional<Mapping> latest = Mapping::Make(LatestPath(stem), kLatestSize);
   if (!latest) return nullptr;

@@ -49,8 +49,8 @@ class LiveFile {
   static constexpr std::array<std::size_t, kLiveTexts> kLongest = {8168, 8168, 8168, 32};
 
   /// Takes a file that no process has. Null when none can be had.
-  static std::shared_ptr<LiveFile> Take(const std::filesystem::path& stem);
-  /// As Take makes it.
+  static std::shared_ptr<LiveFile> Claim(const std::filesystem::path& stem);
+  /// As Claim makes it.
   LiveFile(std::filesystem::path stem, std::uint64_t number, Mapping latest, Mapping file);
 
   /// Whether other processes find the file.

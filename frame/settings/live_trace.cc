@@ -23,16 +23,16 @@ constexpr int kLockAttempts = 50;  // an evaluation waits no longer for the sett
 
 constexpr std::uint64_t Bit(std::size_t key) { return std::uint64_t{1} << key; }
 
-std::uint64_t Hash(std::u8string_view bytes) {
+template <class Characters>
+std::uint64_t Hash(const Characters& characters) {
   std::uint64_t hash = 0xCBF29CE484222325;
-  for (char8_t byte : bytes) hash = (hash ^ byte) * 0x100000001B3;
+  for (auto character : characters) hash = (hash ^ character) * 0x100000001B3;
   return hash;
 }
 
 // Four characters that tell a text from others.
 Text FingerprintOf(TextView text) {
-  std::uint64_t hash = 0xCBF29CE484222325;
-  for (char16_t c : text) hash = (hash ^ c) * 0x100000001B3;
+  const std::uint64_t hash = Hash(text);
   Text characters;
   for (int shift = 0; shift < 64; shift += 16) characters += static_cast<char16_t>(hash >> shift);
   return characters;
@@ -85,14 +85,14 @@ std::optional<std::size_t> FindTraceKey(TextView application, TextView section, 
 }
 
 TraceTexts ReadTrace() {
-  constexpr int kTurns = 50;  // after which a person has edited the settings
+  constexpr int kAttempts = 50;  // after which a person has edited the settings
   const path settings = SettingsPath(kTraceApplication);
-  for (int turn = 0;; ++turn) {
+  for (int attempt = 0;; ++attempt) {
     LiveTexts live = ReadLatestOf(settings);
     TraceTexts texts;
     for (std::size_t key = 0; key < kLiveTexts; ++key)
       if (!live[key].in_settings) texts[key] = std::move(live[key].text);
-    if (ReadFromSettings(settings, live, texts) || turn == kTurns) return texts;
+    if (ReadFromSettings(settings, live, texts) || attempt == kAttempts) return texts;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 }
@@ -114,7 +114,7 @@ class ProcessFile {
       if (!lock) return nullptr;
       const bool is_placed = SettingsPath(kTraceApplication) == settings_ &&
                              RuntimeDirectories() == directories_ && file_ && file_->IsInPlace();
-      if (!is_placed || file_.get() == unwanted) Take();
+      if (!is_placed || file_.get() == unwanted) ChooseFile();
       return file_;
     } catch (...) {
       return nullptr;
@@ -123,13 +123,13 @@ class ProcessFile {
 
  private:
   // The former file stays locked meanwhile, so that it is not taken again.
-  void Take() {
+  void ChooseFile() {
     settings_ = SettingsPath(kTraceApplication);
     directories_ = RuntimeDirectories();
     std::shared_ptr<LiveFile> file;
     for (const path& stem : StemsOf(settings_, directories_)) {
       try {
-        if (!file) file = LiveFile::Take(stem);
+        if (!file) file = LiveFile::Claim(stem);
       } catch (const Error&) {
         // No directory can be made there.
       }

@@ -21,8 +21,8 @@ class Mapping {
   /// Maps a file for reading. Nothing when it cannot be opened or is shorter than `size`.
   static std::optional<Mapping> Open(const std::filesystem::path& path, std::size_t size);
 
-  /// Maps a file for writing; made, or made longer with zeros, when need be. Its room on the
-  /// disk is taken beforehand, and it is left readable for the user alone and writable for
+  /// Maps a file for writing; made, or made longer with zeros, when need be. Its space on
+  /// the disk is reserved, and it is left readable for the user alone and writable for
   /// nobody. Nothing when that cannot be done.
   static std::optional<Mapping> Make(const std::filesystem::path& path, std::size_t size);
 

@@ -24,9 +24,9 @@ int OpenToWrite(const std::filesystem::path& path) {
   return -1;
 }
 
-// Only for a file that is too short: where the file system cannot take room itself, bytes are
+// Only for a file that is too short: where the file system cannot reserve space itself, bytes are
 // written, which others may be writing too.
-bool TakeRoom(int file, const struct stat& status, std::size_t size) {
+bool ReserveSpace(int file, const struct stat& status, std::size_t size) {
   if (static_cast<std::size_t>(status.st_size) >= size) return true;
   return posix_fallocate(file, 0, static_cast<off_t>(size)) == 0;
 }
@@ -55,7 +55,7 @@ std::optional<Mapping> Mapping::Make(const std::filesystem::path& path, std::siz
   if (file < 0) return std::nullopt;
   Mapping mapping(nullptr, size, file, 0, 0);  // closes the file
   const std::optional<struct stat> status = StatusOf(file);
-  if (!status || fchmod(file, 0400) != 0 || !TakeRoom(file, *status, size)) return std::nullopt;
+  if (!status || fchmod(file, 0400) != 0 || !ReserveSpace(file, *status, size)) return std::nullopt;
   mapping.volume_ = status->st_dev;
   mapping.file_ = status->st_ino;
   void* const start = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);

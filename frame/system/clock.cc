@@ -4,7 +4,7 @@
 
 namespace tovalin {
 
-// The former function goes last: what it holds may lead back here.
+// The former function is destroyed last: what it holds may call this clock again.
 void HostClock::Use(Function function) {
   std::shared_ptr<const Function> kept;
   if (function) kept = std::make_shared<const Function>(std::move(function));

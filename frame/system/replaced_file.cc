@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "frame/system/host_file.h"
 #include "frame/system/write_failure.h"
 

@@ -108,6 +108,10 @@ std::size_t ValidUtf8Length(std::string_view bytes) {
   return valid;
 }
 
+std::size_t CountUtf8Characters(std::string_view utf8) {
+  return utf8.size() - static_cast<std::size_t>(std::ranges::count_if(utf8, IsUtf8Continuation));
+}
+
 std::string ToUtf8(TextView text) {
   std::string utf8;
   AppendUtf8(utf8, text);

@@ -9,7 +9,7 @@
 #include "frame/system/power.h"
 #include "frame/value/amount_product.h"
 #include "frame/value/conversion.h"
-#include "frame/value/widening.h"
+#include "frame/value/promotion.h"
 #include "tovalin/error.h"
 
 namespace tovalin {
@@ -18,14 +18,14 @@ namespace {
 using arithmetic::IsFinite;
 
 // An amount is wider than Double in a sum, but becomes one in a product.
-constexpr Subtype kSumLadder[] = {Subtype::Empty,    Subtype::Byte,   Subtype::Integer,
-                                  Subtype::Long,     Subtype::Single, Subtype::Double,
-                                  Subtype::Currency, Subtype::Date};
-constexpr Subtype kProductLadder[] = {Subtype::Empty, Subtype::Byte,     Subtype::Integer,
-                                      Subtype::Long,  Subtype::Currency, Subtype::Single,
-                                      Subtype::Double};
-constexpr Widening kSums(kSumLadder);
-constexpr Widening kProducts(kProductLadder);
+constexpr Subtype kSumOrder[] = {Subtype::Empty,    Subtype::Byte,   Subtype::Integer,
+                                 Subtype::Long,     Subtype::Single, Subtype::Double,
+                                 Subtype::Currency, Subtype::Date};
+constexpr Subtype kProductOrder[] = {Subtype::Empty, Subtype::Byte,     Subtype::Integer,
+                                     Subtype::Long,  Subtype::Currency, Subtype::Single,
+                                     Subtype::Double};
+constexpr Promotion kSums(kSumOrder);
+constexpr Promotion kProducts(kProductOrder);
 
 /// A whole result in `subtype`, or in the next wider one that holds it.
 Variant Whole(Subtype subtype, std::int64_t value) {
@@ -121,7 +121,7 @@ Currency Product(Currency left, Currency right) {
   return {*units};
 }
 
-/// The operation on two operands that meet in `subtype`.
+/// The operation on two operands that are promoted to `subtype`.
 template <class Operation>
 Variant Compute(Subtype subtype, const Variant& left, const Variant& right) {
   switch (subtype) {
@@ -166,20 +166,20 @@ namespace arithmetic {
 
 Variant Sum(const Variant& left, const Variant& right) {
   if (AreJoined(left, right)) return Concatenate(left, right);
-  return Compute<Plus>(kSums.Meet(left, right), left, right);
+  return Compute<Plus>(kSums.Common(left, right), left, right);
 }
 
 Variant Difference(const Variant& left, const Variant& right) {
   const bool dates = left.Is(Subtype::Date) && right.Is(Subtype::Date);
-  return Compute<Minus>(dates ? Subtype::Double : kSums.Meet(left, right), left, right);
+  return Compute<Minus>(dates ? Subtype::Double : kSums.Common(left, right), left, right);
 }
 
 Variant Product(const Variant& left, const Variant& right) {
-  return Compute<Times>(kProducts.Meet(left, right), left, right);
+  return Compute<Times>(kProducts.Common(left, right), left, right);
 }
 
 Variant Quotient(const Variant& left, const Variant& right) {
-  const Subtype subtype = kProducts.Meet(left, right);
+  const Subtype subtype = kProducts.Common(left, right);
   if (subtype == Subtype::Error) Raise(Failure::TypeMismatch);
   if (subtype == Subtype::Null) return Variant::Null();
   const double dividend = ToDouble(left);
@@ -192,7 +192,7 @@ Variant Quotient(const Variant& left, const Variant& right) {
 }  // namespace arithmetic
 
 Variant Power(const Variant& left, const Variant& right) {
-  const Subtype subtype = kProducts.Meet(left, right);
+  const Subtype subtype = kProducts.Common(left, right);
   if (subtype == Subtype::Error) Raise(Failure::TypeMismatch);
   if (subtype == Subtype::Null) return Variant::Null();
   const double base = ToDouble(left);

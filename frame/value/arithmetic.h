@@ -14,7 +14,7 @@ namespace tovalin {
 // read as numbers; so does an operand that is no number at all (an object, an
 // array, an error code).
 
-namespace arithmetic {  // the roads of all pairs of subtypes
+namespace arithmetic {  // of all pairs of subtypes
 
 Variant Sum(const Variant& left, const Variant& right);
 Variant Difference(const Variant& left, const Variant& right);
@@ -81,7 +81,7 @@ Variant Or(const Variant& left, const Variant& right);
 /// both are Null: then the result is Null.
 Variant Concatenate(const Variant& left, const Variant& right);
 
-/// The same for a left operand that is given up: a text that nobody else holds
+/// The same for a left operand that is a temporary: a text that nobody else holds
 /// grows in place, so that a chain of joins takes linear time.
 Variant Concatenate(Variant&& left, const Variant& right);
 

@@ -7,22 +7,22 @@
 namespace tovalin {
 namespace {
 
-// Joins come in chains: room for what follows spares most of the growing.
-constexpr std::size_t kRoom = 47;
+// Joins come in chains: a text that has capacity for what follows seldom grows.
+constexpr std::size_t kLeastCapacity = 47;
 
 std::size_t LengthOf(const Variant& value) {
   return value.Is(Subtype::String) ? value.AsText().size() : 0;
 }
 
-// A text that would be too long is not made in the first place.
-void RequireRoom(std::size_t length) {
+// Raises 7 before a text that would be too long is made.
+void RequireLength(std::size_t length) {
   if (length > kLongestText) Raise(Failure::OutOfMemory);
 }
 
 void AppendOperand(Text& text, const Variant& value) {
-  RequireRoom(text.size() + LengthOf(value));
+  RequireLength(text.size() + LengthOf(value));
   if (!value.Is(Subtype::Null)) AppendText(text, value);
-  RequireRoom(text.size());  // of a number it is known now
+  RequireLength(text.size());  // of a number it is known now
 }
 
 }  // namespace
@@ -30,9 +30,9 @@ void AppendOperand(Text& text, const Variant& value) {
 Variant Concatenate(const Variant& left, const Variant& right) {
   if (left.Is(Subtype::Null) && right.Is(Subtype::Null)) return Variant::Null();
   const std::size_t length = LengthOf(left) + LengthOf(right);
-  RequireRoom(length);
+  RequireLength(length);
   Text text;
-  text.reserve(std::max(kRoom, length));
+  text.reserve(std::max(kLeastCapacity, length));
   AppendOperand(text, left);
   AppendOperand(text, right);
   return text;

@@ -94,15 +94,15 @@ class WordReader {
     const Locale& locale = CurrentLocale();
     const char16_t first = rest_.front();
     if (IsDigit(first)) return ReadNumber();
-    if (first == u':' || first == locale.time_separator) return Take({.kind = Kind::Colon}, 1);
-    if (first == locale.date_separator) return Take({.kind = Kind::Mark, .value = u'/'}, 1);
-    if (IsMark(first)) return Take({.kind = Kind::Mark, .value = first}, 1);
+    if (first == u':' || first == locale.time_separator) return Consume({.kind = Kind::Colon}, 1);
+    if (first == locale.date_separator) return Consume({.kind = Kind::Mark, .value = u'/'}, 1);
+    if (IsMark(first)) return Consume({.kind = Kind::Mark, .value = first}, 1);
     if (const std::size_t length = MeridiemLength(locale.morning, u'a'))
-      return Take({.kind = Kind::Morning}, length);
+      return Consume({.kind = Kind::Morning}, length);
     if (const std::size_t length = MeridiemLength(locale.afternoon, u'p'))
-      return Take({.kind = Kind::Afternoon}, length);
+      return Consume({.kind = Kind::Afternoon}, length);
     const std::size_t length = LetterCount(rest_);
-    return Take(WordNamed(rest_.substr(0, length)), length);
+    return Consume(WordNamed(rest_.substr(0, length)), length);
   }
 
   DateWord ReadNumber() {
@@ -141,7 +141,7 @@ class WordReader {
 
   char16_t CharacterAt(std::size_t i) const { return i < rest_.size() ? rest_[i] : u'\0'; }
 
-  DateWord Take(const DateWord& word, std::size_t length) {
+  DateWord Consume(const DateWord& word, std::size_t length) {
     if (word.kind != Kind::End) rest_.remove_prefix(length);
     return word;
   }

@@ -30,7 +30,7 @@ struct DateWord {
 };
 
 /// The words of one date text. A date has few words: a text with more than
-/// kMost, or with a word that no date has, is given up early.
+/// kMost, or with a word that no date has, is rejected early.
 struct DateWords {
   static constexpr std::size_t kMost = 20;
 

@@ -35,7 +35,7 @@ class LenientReader {
   }
 
   /// Moves the digits of `base` that stand here to the end of `digits`.
-  bool TakeDigits(std::string& digits, int base) {
+  bool ReadDigits(std::string& digits, int base) {
     const std::size_t before = digits.size();
     for (char c = Peek(); IsDigit(c, base); c = Peek()) {
       digits += c;
@@ -59,7 +59,7 @@ class LenientReader {
 double ReadBits(LenientReader& reader) {
   const int base = reader.Skip('h') ? 16 : reader.Skip('o') ? 8 : 0;
   std::string digits;
-  if (base == 0 || !reader.TakeDigits(digits, base)) return 0;
+  if (base == 0 || !reader.ReadDigits(digits, base)) return 0;
   std::uint32_t bits = 0;
   const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), bits, base);
   if (read.ec == std::errc::result_out_of_range) Raise(Failure::Overflow);
@@ -70,16 +70,16 @@ double ReadBits(LenientReader& reader) {
 
 /// The characters of the decimal number that stands here, as from_chars takes
 /// them; empty when there is none.
-std::string TakeDecimal(LenientReader& reader) {
+std::string ReadDecimal(LenientReader& reader) {
   std::string number;
   if (reader.Skip('-'))
     number += '-';
   else
     reader.Skip('+');
-  bool any = reader.TakeDigits(number, 10);
+  bool any = reader.ReadDigits(number, 10);
   if (reader.Skip('.')) {
     number += '.';
-    any = reader.TakeDigits(number, 10) || any;
+    any = reader.ReadDigits(number, 10) || any;
   }
   if (!any) return {};
   if (reader.Skip('e') || reader.Skip('d')) {
@@ -88,7 +88,7 @@ std::string TakeDecimal(LenientReader& reader) {
       exponent += '-';
     else
       reader.Skip('+');
-    if (reader.TakeDigits(exponent, 10)) number += exponent;
+    if (reader.ReadDigits(exponent, 10)) number += exponent;
   }
   return number;
 }
@@ -106,7 +106,7 @@ bool IsLarge(const std::string& number) {
 double LeadingNumber(TextView text) {
   LenientReader reader(text);
   if (reader.Skip('&')) return ReadBits(reader);
-  const std::string number = TakeDecimal(reader);
+  const std::string number = ReadDecimal(reader);
   double value = 0;
   const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
   if (read.ec == std::errc::result_out_of_range && IsLarge(number)) Raise(Failure::Overflow);

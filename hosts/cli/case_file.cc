@@ -77,7 +77,7 @@ Section BeginSection(const std::string& file, TableLine head) {
   return section;
 }
 
-void TakeLine(const std::string& file, TableLine line, std::vector<Section>& sections) {
+void AddLine(const std::string& file, TableLine line, std::vector<Section>& sections) {
   if (line.raw.starts_with('[')) {
     sections.push_back(BeginSection(file, std::move(line)));
     return;
@@ -121,7 +121,7 @@ std::vector<Section> ReadSections(const std::string& path) {
     ++number;
     if (raw.empty() || raw.starts_with('#')) return;
     try {
-      TakeLine(path, {number, std::string(raw), Cells(FromUtf8(raw))}, sections);
+      AddLine(path, {number, std::string(raw), Cells(FromUtf8(raw))}, sections);
     } catch (const TableFault& fault) {
       throw TableFault{path + ":" + std::to_string(number) + ": " + fault.text};
     }

@@ -57,8 +57,8 @@ std::size_t CsvReader::ParseBlock(CsvParser& parser, std::string_view bytes, boo
   return rest;
 }
 
-void CsvReader::ForEachRow(const std::function<void(CsvRow&)>& take) {
-  CsvParser parser(path_, ',', take);
+void CsvReader::ForEachRow(const std::function<void(CsvRow&)>& on_row) {
+  CsvParser parser(path_, ',', on_row);
   std::vector<char> block(kBlock);
   std::size_t waiting = 0;
   for (bool first = true, more = true; more; first = false) {
@@ -89,10 +89,10 @@ std::string SeparatorHint(const CsvRow& header) {
 CsvWriter::CsvWriter(const std::string& path, Encoding encoding)
     : file_(PathOf(path)), encoding_(encoding), buffer_(kBlock) {}
 
-// A field is written where it stays, without asking for room at every byte. `most` is
+// A field is written where it stays, without a test of the capacity at every byte. `most` is
 // the most bytes that it may take.
 char* CsvWriter::BeginField(std::size_t most) {
-  if (buffer_.size() - used_ <= most) MakeRoom(most);
+  if (buffer_.size() - used_ <= most) Reserve(most);
   if (first_in_row_)
     row_ = used_;
   else
@@ -101,7 +101,7 @@ char* CsvWriter::BeginField(std::size_t most) {
   return buffer_.data() + used_;
 }
 
-void CsvWriter::MakeRoom(std::size_t most) {
+void CsvWriter::Reserve(std::size_t most) {
   Flush();
   if (buffer_.size() <= most) buffer_.resize(most + 1);
 }
@@ -158,7 +158,7 @@ void CsvWriter::Quote(std::string_view utf8) {
 
 void CsvWriter::EndRow() {
   if (used_ == row_ && !first_in_row_) Quote({});  // an empty line would be no row
-  if (used_ == buffer_.size()) MakeRoom(0);
+  if (used_ == buffer_.size()) Reserve(0);
   buffer_[used_++] = '\n';
   first_in_row_ = true;
 }

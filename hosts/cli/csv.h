@@ -23,8 +23,8 @@ class CsvReader {
   /// Hands each row on, in UTF-8. A byte order mark is passed over, and says that the
   /// file is in UTF-8 whatever the encoding. Raises 75 for a file that cannot be read,
   /// kObjectError, with the place, at the first byte that is not of the encoding and
-  /// what CsvParser does, and what `take` throws.
-  void ForEachRow(const std::function<void(CsvRow&)>& take);
+  /// what CsvParser does, and what `on_row` throws.
+  void ForEachRow(const std::function<void(CsvRow&)>& on_row);
 
  private:
   std::string_view WithoutMark(std::string_view bytes);
@@ -61,7 +61,7 @@ class CsvWriter {
   char* BeginField(std::size_t most);
   void Quote(std::string_view utf8);
   void EndField(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.data()); }
-  void MakeRoom(std::size_t most);
+  void Reserve(std::size_t most);
   void Flush();
   void WriteInCodePage(std::string_view utf8);
 

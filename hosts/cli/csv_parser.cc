@@ -5,8 +5,8 @@
 
 namespace tovalin::tool {
 
-CsvParser::CsvParser(std::string file, char delimiter, std::function<void(CsvRow&)> take)
-    : file_(std::move(file)), delimiter_(delimiter), take_(std::move(take)) {}
+CsvParser::CsvParser(std::string file, char delimiter, std::function<void(CsvRow&)> on_row)
+    : file_(std::move(file)), delimiter_(delimiter), on_row_(std::move(on_row)) {}
 
 void CsvParser::Parse(std::string_view block) {
   if (block.empty()) return;
@@ -122,7 +122,7 @@ void CsvParser::PassLineEnd(const char* at) {
 
 void CsvParser::EndRow() {
   row_.resize(std::exchange(fields_, 0));
-  take_(row_);
+  on_row_(row_);
 }
 
 }  // namespace tovalin::tool

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/text/utf8.h"
 #include "hosts/cli/encoding.h"
 
 namespace tovalin::tool {
@@ -22,11 +23,11 @@ using CsvRow = std::vector<std::string>;
 /// not quoted, text behind a closing quote, and a quote that is never closed.
 class CsvParser {
  public:
-  /// `file` is its name for errors; `take` gets each row, and may swap it away.
-  CsvParser(std::string file, char delimiter, std::function<void(CsvRow&)> take);
+  /// `file` is its name for errors; `on_row` gets each row, and may swap it away.
+  CsvParser(std::string file, char delimiter, std::function<void(CsvRow&)> on_row);
 
   /// Takes the next block of valid UTF-8, which ends with a whole character. Throws
-  /// what `take` does.
+  /// what `on_row` does.
   void Parse(std::string_view block);
   /// Ends the last row, which may have no line end.
   void Finish();
@@ -49,7 +50,7 @@ class CsvParser {
     const char* at;
     Place Count() const {
       const auto bytes = static_cast<std::size_t>(at - line_start);
-      return {line, characters_before + CountCharacters({line_start, bytes}) + 1};
+      return {line, characters_before + CountUtf8Characters({line_start, bytes}) + 1};
     }
   };
 
@@ -66,7 +67,7 @@ class CsvParser {
 
   std::string file_;
   char delimiter_;
-  std::function<void(CsvRow&)> take_;
+  std::function<void(CsvRow&)> on_row_;
   CsvRow row_;
   std::size_t fields_ = 0;  // of the row that are complete
   State state_ = State::FieldStart;

@@ -9,9 +9,6 @@
 namespace tovalin::tool {
 namespace {
 
-bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
-bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
 [[noreturn]] void RaiseFor(std::string_view what, std::string_view problem) {
   RaiseOwn(u"tovalin", FromUtf8(what).append(u": ").append(FromUtf8(problem)));
 }
@@ -28,17 +25,12 @@ void RaiseAt(std::string_view file, Place place, std::string_view problem) {
            problem);
 }
 
-std::size_t CountCharacters(std::string_view utf8) {
-  return utf8.size() -
-         static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), ContinuesCharacter));
-}
-
 Text TextOf(std::string_view utf8, std::string_view what) {
   const std::size_t valid = ValidUtf8Length(utf8);
   if (valid == utf8.size()) return FromUtf8(utf8);
-  RaiseFor(
-      std::string(what) + ", " + Numbered("columna", CountCharacters(utf8.substr(0, valid)) + 1),
-      "el texto no es UTF-8");
+  RaiseFor(std::string(what) + ", " +
+               Numbered("columna", CountUtf8Characters(utf8.substr(0, valid)) + 1),
+           "el texto no es UTF-8");
 }
 
 Text TextOfLine(std::string_view utf8, std::string_view file, std::size_t line) {
@@ -69,7 +61,7 @@ std::size_t AppendInCodePage(std::string& bytes, std::string_view utf8) {
     bytes.append(rest.begin(), stop);
     taken += static_cast<std::size_t>(stop - rest.begin());
     if (stop == rest.end()) break;
-    const auto next = std::find_if_not(stop + 1, rest.end(), ContinuesCharacter);
+    const auto next = std::find_if_not(stop + 1, rest.end(), IsUtf8Continuation);
     const Text character = FromUtf8(std::string_view(stop, next));
     if (character.size() != 1 || !InCodePage(character[0])) break;
     bytes.push_back(ToCodePage(character[0]));

@@ -27,9 +27,6 @@ struct Place {
 /// Throws kObjectError: "FILE: línea N, columna M: PROBLEM".
 [[noreturn]] void RaiseAt(std::string_view file, Place place, std::string_view problem);
 
-/// The characters of UTF-8 text.
-std::size_t CountCharacters(std::string_view utf8);
-
 /// The text of UTF-8 bytes. Raises kObjectError, with `what` they are and where, for
 /// bytes that are not UTF-8.
 Text TextOf(std::string_view utf8, std::string_view what);

@@ -102,7 +102,7 @@ class FieldList {
  public:
   FieldList(const std::string& path, Encoding encoding) : path_(path) {
     CsvReader reader(path, encoding);
-    reader.ForEachRow([this](const CsvRow& row) { Take(row); });
+    reader.ForEachRow([this](const CsvRow& row) { HandleRow(row); });
     if (rows_ == 0) RaiseFor(path_ + ": no tiene encabezado");
   }
 
@@ -113,8 +113,8 @@ class FieldList {
   static constexpr TextView kHeaders[kColumns] = {u"name", u"type", u"size", u"column"};
   static constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 
-  void Take(const CsvRow& row) {
-    if (rows_++ == 0) return TakeHeader(row);
+  void HandleRow(const CsvRow& row) {
+    if (rows_++ == 0) return HandleHeader(row);
     if (row.size() != columns_)
       RaiseFor(Place() + ": tiene " + std::to_string(row.size()) + " campos y el encabezado " +
                std::to_string(columns_));
@@ -127,7 +127,7 @@ class FieldList {
                                               Place() + ", column"))});
   }
 
-  void TakeHeader(const CsvRow& row) {
+  void HandleHeader(const CsvRow& row) {
     columns_ = row.size();
     for (std::size_t i = 0; i < kColumns; ++i) {
       const auto named = [&](const std::string& header) {
@@ -156,8 +156,8 @@ class ExportRows {
   ExportRows(const std::vector<ExportField>& fields, std::optional<std::int32_t> most)
       : fields_(fields), most_(most) {}
 
-  void Take(const CsvRow& row) {
-    if (!header_) return TakeHeader(row);
+  void HandleRow(const CsvRow& row) {
+    if (!header_) return HandleHeader(row);
     if (most_ && rows_ == static_cast<std::size_t>(*most_)) return;
     ++rows_;
     if (row.size() > *header_)
@@ -179,7 +179,7 @@ class ExportRows {
   }
 
  private:
-  void TakeHeader(const CsvRow& row) {
+  void HandleHeader(const CsvRow& row) {
     header_ = row.size();
     for (const ExportField& field : fields_)
       if (field.column >= row.size())
@@ -208,7 +208,7 @@ Ref<Campos> MakeCampos(const std::vector<ExportField>& fields) {
   return records;
 }
 
-// The order of dates goes last: it takes the other two into use. The class makes an
+// The order of dates is set last: it uses the other two. The class makes an
 // order that it does not know into AMD.
 Ref<clsFileExport> MakeExport(const ExportOptions& options) {
   auto writer = Make<clsFileExport>();
@@ -243,7 +243,7 @@ int RunExport(const ExportOptions& options) {
   if (options.rows != "all") most = WholeNumber(options.rows, 0, kMost, "--rows");
   ExportRows rows(list.Fields(), most);
   CsvReader reader(options.input, encoding);
-  reader.ForEachRow([&rows](const CsvRow& row) { rows.Take(row); });
+  reader.ForEachRow([&rows](const CsvRow& row) { rows.HandleRow(row); });
   for (const char* extension : {".txt", ".ref"})
     for (const std::string& input : {options.input, options.fields})
       RequireOtherFile(input, options.output + extension);

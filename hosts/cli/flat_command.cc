@@ -57,8 +57,8 @@ class RowWriter {
  public:
   RowWriter(ArchivoPlano& file, const Text& output) : file_(file), output_(output) {}
 
-  void Take(const CsvRow& row) {
-    if (!writing_) return TakeHeader(row);
+  void HandleRow(const CsvRow& row) {
+    if (!writing_) return HandleHeader(row);
     ++rows_;
     if (row.size() > types_.size())
       RaiseOwn(u"tovalin",
@@ -75,7 +75,7 @@ class RowWriter {
   }
 
  private:
-  void TakeHeader(const CsvRow& row) {
+  void HandleHeader(const CsvRow& row) {
     std::vector<Text> names;
     for (const std::string& cell : row) {
       names.emplace_back(Trim(FromUtf8(cell)));
@@ -136,7 +136,7 @@ int RunFlatWrite(const FlatOptions& options) {
   RequireOtherFile(options.input, options.output);
   RowWriter rows(*file, TextOfArgument(options.output));
   CsvReader reader(options.input, ReadEncoding(options.encoding));
-  reader.ForEachRow([&rows](const CsvRow& row) { rows.Take(row); });
+  reader.ForEachRow([&rows](const CsvRow& row) { rows.HandleRow(row); });
   if (rows.Finish()) return kDone;
   ShowFaults(*file);
   std::cerr << (file->Publicado() ? "El archivo se publicó sin las filas rechazadas\n"

@@ -15,7 +15,7 @@ struct NamedFormula {
 };
 
 /// Formulas that may use one another in any order, over rows that come in
-/// portions. A portion is computed formula by formula, each over all its rows, in
+/// batches. A batch is computed formula by formula, each over all its rows, in
 /// the order in which they build on one another. Formulas that go in a circle are
 /// computed row by row, as formula variables: each reads its last value.
 class FormulaTable {
@@ -28,14 +28,14 @@ class FormulaTable {
   std::size_t Columns() const { return columns_.size(); }
   /// Whether some formula reads a column. What no formula reads needs no values.
   bool IsRead(std::size_t column) const { return is_read_[column]; }
-  /// The values of a column that is read, one for each row of the portion, to be
+  /// The values of a column that is read, one for each row of the batch, to be
   /// filled in before Compute.
   std::vector<Variant>& Values(std::size_t column) { return values_[column]; }
-  /// Computes a portion of `rows` rows.
+  /// Computes a batch of `rows` rows.
   void Compute(std::size_t rows);
 
   /// Whether a formula reads no column, not even through others: it gives the same in
-  /// all rows of a portion.
+  /// all rows of a batch.
   bool IsConstant(std::size_t formula) const { return is_constant_[formula]; }
   /// What a formula gave in a row, if it did not fail there.
   const Variant& Result(std::size_t formula, std::size_t row) const {

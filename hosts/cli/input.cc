@@ -36,7 +36,7 @@ InputFile OpenInput(const std::string& path) {
   return file;
 }
 
-void ReadLines(const std::string& path, const std::function<void(std::string_view)>& take) {
+void ReadLines(const std::string& path, const std::function<void(std::string_view)>& on_line) {
   // A stream, because reading from standard input then writes what waits for
   // standard output: a program may talk with the tool line by line.
   std::ifstream file;
@@ -50,7 +50,7 @@ void ReadLines(const std::string& path, const std::function<void(std::string_vie
     std::string_view text = line;
     if (first && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     if (text.ends_with('\r')) text.remove_suffix(1);
-    take(text);
+    on_line(text);
   }
   if (!input.eof()) RaiseAbout(Failure::PathAccess, path);
 }

@@ -25,7 +25,7 @@ InputFile OpenInput(const std::string& path);
 
 /// Hands on the lines of a file, "-" for standard input, without their line ends
 /// and a byte order mark. Raises what OpenInput does, and 75 for a directory.
-void ReadLines(const std::string& path, const std::function<void(std::string_view)>& take);
+void ReadLines(const std::string& path, const std::function<void(std::string_view)>& on_line);
 
 /// Raises kObjectError when a file to be written is the one that is read.
 void RequireOtherFile(const std::string& input, const std::string& output);

@@ -22,7 +22,7 @@
 namespace tovalin::tool {
 namespace {
 
-// Rows are computed in portions of this many.
+// Rows are computed in batches of this many.
 constexpr std::size_t kPortion = 512;
 
 // "Name = formula".
@@ -122,11 +122,11 @@ class TableRun {
   TableRun(const TableOptions& options, std::vector<NamedFormula> formulas)
       : formulas_(std::move(formulas)), writer_(options.output, ReadEncoding(options.encoding)) {}
 
-  void Take(CsvRow& row) {
+  void HandleRow(CsvRow& row) {
     if (!table_)
-      TakeHeader(row);
+      HandleHeader(row);
     else
-      TakeRow(row);
+      HandleData(row);
   }
 
   int Finish() {
@@ -138,7 +138,7 @@ class TableRun {
   }
 
  private:
-  void TakeHeader(const CsvRow& row) {
+  void HandleHeader(const CsvRow& row) {
     std::vector<Text> columns;
     for (const std::string& header : row) {
       columns.emplace_back(Trim(FromUtf8(header)));
@@ -157,7 +157,7 @@ class TableRun {
     }
   }
 
-  void TakeRow(CsvRow& row) {
+  void HandleData(CsvRow& row) {
     if (rows_.size() == count_) rows_.emplace_back();
     rows_[count_++].swap(row);
     if (count_ == kPortion) WritePortion();
@@ -234,9 +234,9 @@ class TableRun {
   std::vector<NamedFormula> formulas_;
   CsvWriter writer_;
   std::optional<FormulaTable> table_;   // from the header on
-  std::vector<CsvRow> rows_;            // of a portion, as they were read
+  std::vector<CsvRow> rows_;            // of a batch, as they were read
   std::size_t count_ = 0;               // how many of them there are
-  std::vector<std::string> constants_;  // what constant formulas show in a portion, by formula
+  std::vector<std::string> constants_;  // what constant formulas show in a batch, by formula
   Text number_;                         // of one cell, kept for its memory
   Progress progress_;
   std::size_t failed_cells_ = 0;
@@ -251,7 +251,7 @@ int RunTable(const TableOptions& options) {
   for (const std::string& input : {options.input, options.formulas})
     RequireOtherFile(input, options.output);
   TableRun run(options, formulas);
-  reader.ForEachRow([&run](CsvRow& row) { run.Take(row); });
+  reader.ForEachRow([&run](CsvRow& row) { run.HandleRow(row); });
   return run.Finish();
 }
 

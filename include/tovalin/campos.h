@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "tovalin/api.h"
@@ -82,13 +83,13 @@ class TOVALIN_API Campo : public Object {
  private:
   friend class Campos;
   friend class DeepRelease;
-  friend struct FormulaSlot;
+  friend struct CampoAccess;
 
-  // What an evaluation asks stands in front, so that it finds it in one place.
+  // The layout is part of the ABI. What an evaluation reads stands in front, in one line
+  // of the processor's cache.
   bool has_formula_ = false;  // more than blanks
   std::int32_t status_ = kIdle;
-  std::uint32_t mark_ = 0;        // see FormulaSlot
-  std::uint32_t plan_place_ = 0;  // see FormulaSlot
+  std::array<std::uint32_t, 2> annotation_{};  // see CampoAccess
   Variant value_;
   Text name_;
   std::int32_t data_type_ = 0;
@@ -127,7 +128,7 @@ class TOVALIN_API Campos : public Object {
 
   /// The names under which the records stand, in their order.
   Ref<Collection> Claves() const;
-  /// A walk over the records for late-bound hosts, which call it _NewEnum.
+  /// An iterator over the records for late-bound hosts, which call it _NewEnum.
   Ref<Enumerador> NewEnum();
 
   /// The comma-joined names that belong to the system.

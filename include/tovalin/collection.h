@@ -36,7 +36,7 @@ class TOVALIN_API Collection : public Object {
 
   /// The keys in the order of the items, an empty text for an item without one.
   Ref<Collection> Claves() const;
-  /// A walk over the items for late-bound hosts, which call it _NewEnum.
+  /// An iterator over the items for late-bound hosts, which call it _NewEnum.
   Ref<Enumerador> NewEnum();
 
   /// For C++ hosts, the list itself: positions count from 0 there.

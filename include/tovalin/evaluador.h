@@ -145,8 +145,8 @@ class TOVALIN_API Evaluador : public Object {
                Ref<Campos>* LocalVbles = nullptr);
 
   /// Computes a formula text, or a postfix Collection, into `Result`. True when
-  /// the walk completes; a formula with faults gives 0 and LastError tells.
-  /// Raises whatever the walk or a handler raises; `Result` keeps its value then.
+  /// the evaluation completes; a formula with faults gives 0 and LastError tells.
+  /// Raises whatever the evaluation or a handler raises; `Result` keeps its value then.
   bool EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                        Ref<Campos>* LocalVbles = nullptr);
 

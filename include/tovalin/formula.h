@@ -42,7 +42,7 @@ class TOVALIN_API Formula : public Object {
   Ref<Collection> Errores() const;
 
   /// Computes the value into `Result` as Evaluador::EvaluatePosfijo does, but
-  /// leaves no trace. True when the walk completes.
+  /// leaves no trace. True when the evaluation completes.
   bool Evaluar(Variant& Result);
 
   // --- For C++ hosts, columns in their own memory.

@@ -13,7 +13,7 @@
 
 namespace tovalin {
 
-/// Where a walk over a list stands; the list keeps it right as items come and go.
+/// The position of a cursor; the list adjusts it as items are inserted and removed.
 struct CursorState {
   CursorState* next = nullptr;
   std::size_t position = 0;
@@ -21,7 +21,7 @@ struct CursorState {
   bool list_gone = false;
 };
 
-/// Put a walk among those that a list knows, and take it out again.
+/// Add a cursor to those that a list adjusts, and remove it.
 TOVALIN_API void AttachCursor(CursorState*& first, CursorState& cursor);
 TOVALIN_API void DetachCursor(CursorState*& first, CursorState& cursor);
 
@@ -36,9 +36,9 @@ TOVALIN_API void DetachCursor(CursorState*& first, CursorState& cursor);
 template <class T>
 class KeyedList {
  public:
-  /// A walk that stays right while the list changes: an item inserted behind the
-  /// present one is met, one inserted before it is not, a removed one is not met
-  /// any more, none is met twice. The walk ends when the list does.
+  /// An iterator that stays valid while the list changes: an item inserted behind the
+  /// present one is visited, one inserted before it is not, a removed one is not any
+  /// more, none is visited twice. It is at its end when the list is gone.
   class Cursor {
    public:
     using iterator_category = std::input_iterator_tag;
@@ -109,7 +109,7 @@ class KeyedList {
   }
 
   void Append(T item) {
-    MakeRoom();
+    ReserveOne();
     items_.push_back(std::move(item));
     if (index_) index_->nodes.push_back(nullptr);
   }
@@ -131,7 +131,7 @@ class KeyedList {
       index->nodes.resize(items_.size());
       index_ = std::move(index);
     }
-    MakeRoom();
+    ReserveOne();
     Node* node = key ? &*index_->positions.emplace(Text(*key), position).first : nullptr;
     const auto offset = static_cast<std::ptrdiff_t>(position);
     items_.insert(items_.begin() + offset, std::move(item));
@@ -174,8 +174,8 @@ class KeyedList {
     std::vector<Node*> nodes;  // one for each item, null without a key
   };
 
-  // Room for one more item, so that nothing throws once the list begins to change.
-  void MakeRoom() {
+  // Memory for one more item, so that nothing throws once the list begins to change.
+  void ReserveOne() {
     GrowFor(items_);
     if (index_) GrowFor(index_->nodes);
   }

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "formatting/words.h"
+#include "formatting/monto_escrito.h"
 
 namespace {
 std::size_t allocations = 0;

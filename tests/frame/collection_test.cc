@@ -98,8 +98,8 @@ TEST(Collection, RefusesWhatItCannotPlace) {
   EXPECT_EQ(collection->Count(), 1);
 }
 
-std::string Walk(const Ref<Collection>& collection,
-                 const std::function<void(std::int32_t)>& at_item) {
+std::string Iterate(const Ref<Collection>& collection,
+                    const std::function<void(std::int32_t)>& at_item) {
   std::string met;
   for (const Variant& item : *collection) {
     met += ToUtf8(ToText(item)) + " ";
@@ -116,55 +116,55 @@ Ref<Collection> OneToFive() {
 
 TEST(Iteration, StaysRightWhileItemsComeAndGo) {
   auto collection = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t item) {
-                   if (item == 2) collection->Remove(2);
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t item) {
+                      if (item == 2) collection->Remove(2);
+                    }),
             "1 2 3 4 5 ");
   collection = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t item) {
-                   if (item == 3) collection->Remove(1);
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t item) {
+                      if (item == 3) collection->Remove(1);
+                    }),
             "1 2 3 4 5 ");
   collection = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t item) {
-                   if (item == 2) collection->Add(u"nuevo", Variant::Missing(), std::int32_t{1});
-                   if (item == 4) collection->Add(u"luego");
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t item) {
+                      if (item == 2) collection->Add(u"nuevo", Variant::Missing(), std::int32_t{1});
+                      if (item == 4) collection->Add(u"luego");
+                    }),
             "1 2 3 4 5 luego ");
   collection = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t item) {
-                   if (item != 3) return;
-                   collection->Remove(3);
-                   collection->Add(u"aquí", Variant::Missing(), std::int32_t{3});
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t item) {
+                      if (item != 3) return;
+                      collection->Remove(3);
+                      collection->Add(u"aquí", Variant::Missing(), std::int32_t{3});
+                    }),
             "1 2 3 aquí 4 5 ");
   collection = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t) {
-                   while (collection->Count()) collection->Remove(1);
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t) {
+                      while (collection->Count()) collection->Remove(1);
+                    }),
             "1 ");
   collection = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t item) {
-                   if (item == 5) collection->Remove(5);
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t item) {
+                      if (item == 5) collection->Remove(5);
+                    }),
             "1 2 3 4 5 ");
-  // Walks within walks, and a list that dies on the way.
+  // Nested iterations, and a list that is released during one.
   collection = OneToFive();
   std::string inner;
   auto doomed = OneToFive();
-  EXPECT_EQ(Walk(collection,
-                 [&](std::int32_t item) {
-                   if (item == 1)
-                     inner = Walk(collection, [&](std::int32_t i) {
-                       if (i == 4) collection->Remove(2);
-                     });
-                 }),
+  EXPECT_EQ(Iterate(collection,
+                    [&](std::int32_t item) {
+                      if (item == 1)
+                        inner = Iterate(collection, [&](std::int32_t i) {
+                          if (i == 4) collection->Remove(2);
+                        });
+                    }),
             "1 3 4 5 ");
   EXPECT_EQ(inner, "1 2 3 4 5 ");
   for (const Variant& item : *doomed) {
@@ -173,21 +173,21 @@ TEST(Iteration, StaysRightWhileItemsComeAndGo) {
   }
 }
 
-// What a late-bound walk meets: "key=item " for each item. Calls `change` at each.
+// What a late-bound iteration visits: "key=item " for each item. Calls `change` at each.
 std::string LateBoundWalk(Object& list, const std::function<void(const std::string&)>& change) {
   const MemberInfo* new_enum = list.Class().Find(kNewEnumId, MemberKind::Method);
   EXPECT_TRUE(new_enum && new_enum->hidden);
   Variant items;
   EXPECT_FALSE(list.Invoke(u"_newenum", MemberKind::Method, {}, items));
-  const Ref<Object> walk = items.AsObject();
+  const Ref<Object> iterator = items.AsObject();
   std::string met;
   for (;;) {
     Variant item;
     Variant found;
     Variant key;
     Variant arguments[] = {Variant::ByReference(item)};
-    EXPECT_FALSE(walk->Invoke(u"Siguiente", MemberKind::Method, arguments, found));
-    EXPECT_FALSE(walk->Invoke(u"Clave", MemberKind::Get, {}, key));
+    EXPECT_FALSE(iterator->Invoke(u"Siguiente", MemberKind::Method, arguments, found));
+    EXPECT_FALSE(iterator->Invoke(u"Clave", MemberKind::Get, {}, key));
     if (!found.AsBoolean()) return met;
     const auto record = item.Is(Subtype::Object) ? item.AsObject().As<Campo>() : Ref<Campo>();
     const std::string shown = ToUtf8(record ? record->Name() : ToText(item));
@@ -231,7 +231,7 @@ TEST(Iteration, StartsAgainAndOutlivesItsList) {
   collection->Add(2.0);
   EXPECT_FALSE(items->Siguiente(item));  // it has ended
   items->Reiniciar();
-  collection = nullptr;  // the walk holds it
+  collection = nullptr;  // the iterator holds it
   EXPECT_TRUE(items->Siguiente(item));
   EXPECT_EQ(item.AsDouble(), 2.0);
   Ref<Enumerador> of_a_local;
@@ -241,7 +241,7 @@ TEST(Iteration, StartsAgainAndOutlivesItsList) {
     of_a_local = local.NewEnum();
   }
   EXPECT_FALSE(of_a_local->Siguiente(item));
-  // A walk that assigns into the variable that holds it.
+  // An iteration that assigns into the variable that holds it.
   Variant self = Variant(items);
   items->Reiniciar();
   EXPECT_TRUE(items->Siguiente(self));

@@ -23,7 +23,7 @@ std::string PlaceOf(const std::string& text, std::size_t position) {
     line += text[i] == '\n' || text[i + 1] != '\n';
     start = i + 1;
   }
-  const std::size_t column = CountCharacters(text.substr(start, position - start)) + 1;
+  const std::size_t column = CountUtf8Characters(text.substr(start, position - start)) + 1;
   return "f: línea " + std::to_string(line) + ", columna " + std::to_string(column);
 }
 

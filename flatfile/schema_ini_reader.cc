@@ -1,57 +1,16 @@
-#include "flatfile/schema_ini.h"
-
 #include <charconv>
 #include <map>
-#include <set>
 
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 #include "flatfile/moment.h"
 #include "flatfile/problem.h"
-#include "flatfile/words.h"
+#include "flatfile/schema_ini.h"
+#include "flatfile/schema_ini_words.h"
 #include "frame/text/characters.h"
 #include "frame/text/utf8.h"
 
-// A section describes one file:
-//
-//   [nomina.txt]
-//   Format=FixedLength
-//   CharacterSet=1252
-//   DateTimeFormat=yyyymmdd
-//   Col1=Codigo Text Width 5
-//   Col2="Fecha de ingreso" DateTime Width 8
-
 namespace tovalin::flat {
 namespace {
-
-/// The types of columns; the first one of a field's type is what is written.
-struct TypeRow {
-  TextView word;
-  FieldType type;
-  bool amount = false;  // CurrencyDigits decimals
-};
-constexpr TypeRow kTypes[] = {
-    {u"Text", FieldType::Text},
-    {u"Char", FieldType::Text},
-    {u"Memo", FieldType::Text},
-    {u"LongChar", FieldType::Text},
-    {u"Long", FieldType::Whole},
-    {u"Short", FieldType::Whole},
-    {u"Integer", FieldType::Whole},
-    {u"Byte", FieldType::Whole},
-    {u"Currency", FieldType::Number, true},
-    {u"Decimal", FieldType::Number, true},
-    {u"Double", FieldType::Number},
-    {u"Float", FieldType::Number},
-    {u"Single", FieldType::Number},
-    {u"Bit", FieldType::Logical},
-    {u"DateTime", FieldType::Date},
-    {u"Date", FieldType::Date},
-};
-
-constexpr Word<Encoding> kPages[] = {
-    {"1252", Encoding::CodePage1252}, {"ansi", Encoding::CodePage1252}, {"65001", Encoding::Utf8},
-    {"28591", Encoding::Latin1},      {"20127", Encoding::Ascii},
-};
 
 /// Keys that say nothing of how a value stands in the file, or how it is guessed.
 constexpr TextView kIgnored[] = {
@@ -119,7 +78,7 @@ class SectionReader {
     layout_.header_row = true;
     layout_.records.push_back({u"detalle", Role::Detail, {}, {}});
     for (const Entry& entry : entries)
-      if (!IsColumn(entry)) TakeSetting(entry);
+      if (!IsColumn(entry)) ReadSetting(entry);
     if (layout_.fixed) layout_.header_row = layout_.header_row && has_header_;
     std::map<int, FieldLayout> columns;
     for (const Entry& entry : entries)
@@ -139,14 +98,14 @@ class SectionReader {
            IsDigit(entry.key[3]);
   }
 
-  void TakeSetting(const Entry& entry) {
+  void ReadSetting(const Entry& entry) {
     const auto is = [&](TextView key) { return EqualFolded(entry.key, key); };
-    if (is(u"Format")) return TakeFormat(entry);
+    if (is(u"Format")) return ReadFormat(entry);
     if (is(u"ColNameHeader") || is(u"FirstRowHasNames")) {
       has_header_ = true;
-      layout_.header_row = TakeTruth(entry);
+      layout_.header_row = ReadTruth(entry);
     } else if (is(u"CharacterSet")) {
-      TakePage(entry);
+      ReadCodePage(entry);
     } else if (is(u"DateTimeFormat")) {
       pattern_ = entry.value;
     } else if (is(u"DecimalSymbol")) {
@@ -165,7 +124,7 @@ class SectionReader {
     }
   }
 
-  void TakeFormat(const Entry& entry) {
+  void ReadFormat(const Entry& entry) {
     const TextView value = entry.value;
     if (EqualFolded(value, u"FixedLength")) {
       layout_.fixed = true;
@@ -179,14 +138,14 @@ class SectionReader {
     }
   }
 
-  static bool TakeTruth(const Entry& entry) {
+  static bool ReadTruth(const Entry& entry) {
     if (EqualFolded(entry.value, u"True") || entry.value == u"1") return true;
     if (EqualFolded(entry.value, u"False") || entry.value == u"0") return false;
     Reject(entry, "debe ser True o False");
   }
 
-  void TakePage(const Entry& entry) {
-    const auto page = FindWord<Encoding>(kPages, ToUtf8(ToLower(entry.value)));
+  void ReadCodePage(const Entry& entry) {
+    const auto page = FindWord<Encoding>(kCodePages, ToUtf8(ToLower(entry.value)));
     if (!page) Reject(entry, Quoted(entry.value) + " no se admite");
     layout_.encoding = *page;
   }
@@ -201,12 +160,12 @@ class SectionReader {
       field.name = rest.substr(1, end - 1);
       rest = rest.substr(end + 1);
     } else {
-      field.name = TakeWord(rest);
+      field.name = NextWord(rest);
     }
-    TakeType(entry, TakeWord(rest), field);
-    const TextView width = TakeWord(rest);
+    ReadType(entry, NextWord(rest), field);
+    const TextView width = NextWord(rest);
     if (EqualFolded(width, u"Width"))
-      field.width = static_cast<std::size_t>(NumberOf(entry, TakeWord(rest), 1, 1 << 20));
+      field.width = static_cast<std::size_t>(NumberOf(entry, NextWord(rest), 1, 1 << 20));
     else if (!width.empty())
       Reject(entry, Quoted(width) + " no se admite");
     if (!Trim(rest).empty()) Reject(entry, Quoted(rest) + " no se admite");
@@ -214,7 +173,7 @@ class SectionReader {
     return field;
   }
 
-  static TextView TakeWord(TextView& rest) {
+  static TextView NextWord(TextView& rest) {
     rest = Trim(rest);
     const std::size_t end = std::min(rest.find(u' '), rest.size());
     const TextView word = rest.substr(0, end);
@@ -222,11 +181,11 @@ class SectionReader {
     return word;
   }
 
-  void TakeType(const Entry& entry, TextView word, FieldLayout& field) const {
+  void ReadType(const Entry& entry, TextView word, FieldLayout& field) const {
     if (word.empty()) return;
-    const auto named = [&](const TypeRow& row) { return EqualFolded(row.word, word); };
-    const auto row = std::ranges::find_if(kTypes, named);
-    if (row == std::end(kTypes)) Reject(entry, Quoted(word) + " no es un tipo");
+    const auto named = [&](const ColumnType& row) { return EqualFolded(row.word, word); };
+    const auto row = std::ranges::find_if(kColumnTypes, named);
+    if (row == std::end(kColumnTypes)) Reject(entry, Quoted(word) + " no es un tipo");
     field.type = row->type;
     field.decimal_point = point_;
     if (row->amount)
@@ -237,11 +196,11 @@ class SectionReader {
       field.decimals = number_digits_;
     field.true_text = u"1";
     field.false_text = u"0";
-    if (row->type == FieldType::Date && !pattern_.empty()) TakePattern(field);
+    if (row->type == FieldType::Date && !pattern_.empty()) ReadPattern(field);
   }
 
   // A pattern with hours makes the column a moment.
-  void TakePattern(FieldLayout& field) const {
+  void ReadPattern(FieldLayout& field) const {
     field.pattern = pattern_;
     const DatePattern parsed = ParseDatePattern(pattern_);
     if (!WhyUnreadable(parsed, FieldType::DateTime)) field.type = FieldType::DateTime;
@@ -255,95 +214,6 @@ class SectionReader {
   int currency_digits_ = -1;
 };
 
-// Writes one section, and refuses what it cannot say.
-class SectionWriter {
- public:
-  explicit SectionWriter(const Layout& layout) : layout_(layout) {}
-
-  Text Write(TextView section) {
-    const auto reject = [](const char* reason) { RaiseFault("schema.ini", reason); };
-    if (layout_.records.size() != 1) reject("sólo describe archivos de un registro");
-    if (!layout_.separator.empty() || layout_.line_end == LineEnd::None)
-      reject("no describe registros sin fin de línea ni con separadores en ancho fijo");
-    if (!layout_.fixed && (layout_.delimiter == u' ' || !layout_.doubled))
-      reject("no describe este delimitador o las comillas sin doblar");
-    Text columns;
-    std::size_t number = 0;
-    std::size_t end = 0;
-    for (const FieldLayout& field : layout_.records.front().fields) {
-      CheckField(field, end);
-      end += field.width;
-      columns += FromUtf8("Col" + std::to_string(++number) + "=") + Column(field) + u"\r\n";
-    }
-    if (layout_.fixed && layout_.length > end) reject("no describe blancos al final");
-    return u"[" + Text(section) + u"]\r\n" + Settings() + columns;
-  }
-
- private:
-  void CheckField(const FieldLayout& field, std::size_t end) const {
-    const FieldLayout usual;
-    const bool logical =
-        field.type == FieldType::Logical && (field.true_text != u"1" || field.false_text != u"0");
-    const bool number =
-        field.IsNumber() && (field.implied || field.sign != Sign::Front || field.plus ||
-                             field.group != 0 || !field.pattern.empty());
-    if (logical || number || field.fill != u' ' || field.type == FieldType::Time ||
-        !field.null_text.empty() || field.alignment != Alignment::Default ||
-        (layout_.fixed && (field.start != end + 1 || field.width == 0)))
-      RaiseFault("schema.ini", "no describe la forma del campo " + Quoted(field.name));
-  }
-
-  Text Column(const FieldLayout& field) {
-    const bool amount = field.type == FieldType::Number && field.decimals.has_value();
-    const FieldType type = field.type == FieldType::DateTime ? FieldType::Date : field.type;
-    const auto fits = [&](const TypeRow& row) { return row.type == type && row.amount == amount; };
-    Text text = u"\"" + field.name + u"\" ";
-    if (field.name.find(u'"') != Text::npos)
-      RaiseFault("schema.ini", "el nombre " + Quoted(field.name) + " tiene comillas");
-    text += std::ranges::find_if(kTypes, fits)->word;
-    if (layout_.fixed) text += FromUtf8(" Width " + std::to_string(field.width));
-    if (amount) Keep(digits_, FromUtf8(std::to_string(*field.decimals)));
-    if (field.IsMoment()) Keep(pattern_, field.pattern);
-    if (field.type == FieldType::Number) Keep(point_, Text(1, field.decimal_point));
-    return text;
-  }
-
-  // A section says these once for all columns.
-  static void Keep(Text& kept, const Text& value) {
-    if (kept.empty()) kept = value;
-    if (kept != value)
-      RaiseFault("schema.ini", Quoted(kept) + " y " + Quoted(value) + " no caben en una sección");
-  }
-
-  Text Settings() const {
-    const Encoding page =
-        layout_.encoding == Encoding::Utf8Mark ? Encoding::Utf8 : layout_.encoding;
-    Text text = u"Format=";
-    if (layout_.fixed)
-      text += u"FixedLength";
-    else if (layout_.delimiter == u',')
-      text += u"CSVDelimited";
-    else if (layout_.delimiter == u'\t')
-      text += u"TabDelimited";
-    else
-      text += u"Delimited(" + Text(1, layout_.delimiter) + u")";
-    text += layout_.header_row ? u"\r\nColNameHeader=True" : u"\r\nColNameHeader=False";
-    text += u"\r\nCharacterSet=" + FromUtf8(WordOf<Encoding>(kPages, page)) + u"\r\n";
-    if (!layout_.fixed && layout_.quote != u'"')
-      text += u"TextDelimiter=" + (layout_.quote == 0 ? Text(u"none") : Text(1, layout_.quote)) +
-              u"\r\n";
-    if (!pattern_.empty()) text += u"DateTimeFormat=" + pattern_ + u"\r\n";
-    if (!point_.empty()) text += u"DecimalSymbol=" + point_ + u"\r\n";
-    if (!digits_.empty()) text += u"CurrencyDigits=" + digits_ + u"\r\n";
-    return text;
-  }
-
-  const Layout& layout_;
-  Text pattern_;
-  Text point_;
-  Text digits_;
-};
-
 }  // namespace
 
 Layout ReadSchemaIni(std::string_view bytes, TextView section) {
@@ -351,10 +221,6 @@ Layout ReadSchemaIni(std::string_view bytes, TextView section) {
   Text text = Decode(bytes, utf8 ? Encoding::Utf8 : Encoding::CodePage1252);
   if (text.starts_with(u'\uFEFF')) text.erase(0, 1);
   return SectionReader().Read(EntriesOf(text, section));
-}
-
-Text WriteSchemaIni(const Layout& layout, TextView section) {
-  return SectionWriter(layout).Write(section);
 }
 
 }  // namespace tovalin::flat

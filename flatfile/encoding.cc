@@ -1,4 +1,4 @@
-#include "flatfile/characters.h"
+#include "flatfile/encoding.h"
 
 #include <algorithm>
 #include <iterator>
@@ -20,9 +20,6 @@ constexpr TextView kUnaccented =
     u"AAAAAACEEEEIIIINOOOOOOUUUUYYSZaaaaaaceeeeiiiinoooooouuuuyysz"
     u"oa''\"\"-- ";
 static_assert(kAccented.size() == kUnaccented.size());
-
-bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
-bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 }  // namespace
 
@@ -107,15 +104,14 @@ Text Decode(std::string_view bytes, Encoding encoding) {
 }
 
 std::size_t CountCharacters(std::string_view bytes, Encoding encoding) {
-  if (IsSingleByte(encoding)) return bytes.size();
-  return bytes.size() - static_cast<std::size_t>(std::ranges::count_if(bytes, ContinuesCharacter));
+  return IsSingleByte(encoding) ? bytes.size() : CountUtf8Characters(bytes);
 }
 
 std::size_t BytesOf(std::string_view bytes, std::size_t count, Encoding encoding) {
   if (IsSingleByte(encoding)) return std::min(count, bytes.size());
   std::size_t at = 0;
-  while (at < bytes.size() && (count > 0 || ContinuesCharacter(bytes[at])))
-    if (!ContinuesCharacter(bytes[at++])) --count;
+  while (at < bytes.size() && (count > 0 || IsUtf8Continuation(bytes[at])))
+    if (!IsUtf8Continuation(bytes[at++])) --count;
   return at;
 }
 

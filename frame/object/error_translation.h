@@ -34,7 +34,7 @@ decltype(auto) RaisingErrors(Work work) {
 
 /// Runs a piece of work and turns whatever it throws into error information.
 template <class Work>
-std::optional<Error> Guarded(Work work) {
+std::optional<Error> CatchError(Work work) {
   try {
     work();
     return std::nullopt;

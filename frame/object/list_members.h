@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <optional>
 
+#include "tovalin/collection.h"
 #include "tovalin/convert.h"
 #include "tovalin/keyed_list.h"
 #include "tovalin/variant.h"
 
-// The `Index`, `Before` and `After` arguments of Collection and Campos.
+// What Collection and Campos share: the arguments `Index`, `Before` and `After`, and the
+// list of keys.
 
 namespace tovalin {
 
@@ -34,6 +36,15 @@ std::size_t InsertionPosition(const KeyedList<T>& list, const Variant& before,
   if (!before.IsMissing()) return PositionOf(list, before);
   if (!after.IsMissing()) return PositionOf(list, after) + 1;
   return list.Size();
+}
+
+/// The keys of a list in the order of its items, an empty text for an item without one.
+template <class T>
+Ref<Collection> KeysOf(const KeyedList<T>& list) {
+  auto keys = Make<Collection>();
+  keys->List().Items().reserve(list.Size());
+  for (std::size_t i = 0; i < list.Size(); ++i) keys->List().Append(list.Key(i));
+  return keys;
 }
 
 }  // namespace tovalin

@@ -31,9 +31,9 @@ Subtype LogicSubtype(const Variant& value) {
   }
 }
 
-/// The subtype of the result. A text goes along with a Boolean, an Integer or a
-/// Long and is a Long by itself; Null goes along with anything.
-Subtype Meet(Subtype left, Subtype right) {
+/// The subtype of the result. A text beside a Boolean, an Integer or a Long counts as that
+/// and is a Long by itself; Null counts as whatever is beside it.
+Subtype CommonSubtype(Subtype left, Subtype right) {
   if (left == Subtype::Null) std::swap(left, right);
   if (right == Subtype::Null) right = left;
   if (left == right) return left == Subtype::String ? Subtype::Long : left;
@@ -76,7 +76,7 @@ Variant FromBits(std::int32_t bits, Subtype subtype) {
 }  // namespace
 
 Variant And(const Variant& left, const Variant& right) {
-  const Subtype subtype = Meet(LogicSubtype(left), LogicSubtype(right));
+  const Subtype subtype = CommonSubtype(LogicSubtype(left), LogicSubtype(right));
   if (left.Is(Subtype::Null) || right.Is(Subtype::Null)) {
     const Variant& other = left.Is(Subtype::Null) ? right : left;
     return HasNoBits(other) ? FromBits(0, subtype) : Variant::Null();
@@ -86,7 +86,7 @@ Variant And(const Variant& left, const Variant& right) {
 }
 
 Variant Or(const Variant& left, const Variant& right) {
-  const Subtype subtype = Meet(LogicSubtype(left), LogicSubtype(right));
+  const Subtype subtype = CommonSubtype(LogicSubtype(left), LogicSubtype(right));
   if (left.Is(Subtype::Null) || right.Is(Subtype::Null)) {
     const Variant& other = left.Is(Subtype::Null) ? right : left;
     const std::int32_t bits = other.Is(Subtype::Null) ? 0 : BitsOf(other, subtype);

@@ -9,19 +9,19 @@
 
 namespace tovalin {
 
-/// The subtype in which two operands meet, worked out beforehand for every pair:
-/// Null when one is Null, Error when one is no operand of arithmetic.
-class Widening {
+/// The common subtype to which two operands are promoted, computed beforehand for every
+/// pair: Null when one is Null, Error when one is no operand of arithmetic.
+class Promotion {
  public:
-  /// `ladder` names the subtypes from the narrowest to the widest; operands meet
-  /// in the wider one of theirs.
-  explicit constexpr Widening(std::span<const Subtype> ladder) {
+  /// `order` names the subtypes from the narrowest to the widest; operands are promoted
+  /// to the wider one of theirs.
+  explicit constexpr Promotion(std::span<const Subtype> order) {
     for (std::size_t left = 0; left < kCodes; ++left)
       for (std::size_t right = 0; right < kCodes; ++right)
-        table_[left][right] = Join(ladder, static_cast<Subtype>(left), static_cast<Subtype>(right));
+        table_[left][right] = Join(order, static_cast<Subtype>(left), static_cast<Subtype>(right));
   }
 
-  Subtype Meet(const Variant& left, const Variant& right) const {
+  Subtype Common(const Variant& left, const Variant& right) const {
     return table_[Index(left.Kind())][Index(right.Kind())];
   }
 
@@ -33,25 +33,25 @@ class Widening {
     return code < kCodes ? code : static_cast<std::size_t>(Subtype::Error);
   }
 
-  /// What a subtype that the ladder leaves out counts as.
-  static constexpr Subtype Stand(std::span<const Subtype> ladder, Subtype subtype) {
-    if (std::ranges::find(ladder, subtype) != ladder.end()) return subtype;
+  /// The subtype of the order that a subtype counts as.
+  static constexpr Subtype Operand(std::span<const Subtype> order, Subtype subtype) {
+    if (std::ranges::find(order, subtype) != order.end()) return subtype;
     if (subtype == Subtype::Boolean) return Subtype::Integer;
     if (subtype == Subtype::String || subtype == Subtype::Date) return Subtype::Double;
     return subtype == Subtype::Null ? Subtype::Null : Subtype::Error;
   }
 
-  static constexpr Subtype Join(std::span<const Subtype> ladder, Subtype left, Subtype right) {
-    left = Stand(ladder, left);
-    right = Stand(ladder, right);
+  static constexpr Subtype Join(std::span<const Subtype> order, Subtype left, Subtype right) {
+    left = Operand(order, left);
+    right = Operand(order, right);
     if (left == Subtype::Error || right == Subtype::Error) return Subtype::Error;
     if (left == Subtype::Null || right == Subtype::Null) return Subtype::Null;
-    const auto rung = [ladder](Subtype subtype) { return std::ranges::find(ladder, subtype); };
-    const auto narrow = std::min(rung(left), rung(right));
-    const auto wide = std::max(rung(left), rung(right));
+    const auto rank = [order](Subtype subtype) { return std::ranges::find(order, subtype); };
+    const auto narrow = std::min(rank(left), rank(right));
+    const auto wide = std::max(rank(left), rank(right));
     if (*wide == Subtype::Empty) return Subtype::Integer;
     // A Single has not the digits of a Long or of an amount.
-    if (*wide == Subtype::Single && *narrow != *wide && narrow > rung(Subtype::Integer))
+    if (*wide == Subtype::Single && *narrow != *wide && narrow > rank(Subtype::Integer))
       return Subtype::Double;
     return *wide;
   }

@@ -1,4 +1,4 @@
-#include "forms/value_helpers.h"
+#include "forms/value_checks.h"
 
 #include "frame/value/arithmetic.h"
 #include "tovalin/convert.h"

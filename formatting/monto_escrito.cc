@@ -1,4 +1,4 @@
-#include "formatting/words.h"
+#include "formatting/monto_escrito.h"
 
 #include <array>
 #include <cmath>
