@@ -222,12 +222,15 @@ TEST(EvaluarTabla, TakesColumnsOfAnyValues) {
                              u"Redondear(1, 0 - 1) & X",
                              u"NVL(X, A) & Y",
                              u"MIN(X, Y) & MAX(X, Y)",
-                             u"X ^ A"};
+                             u"X ^ A",
+                             u"Par",
+                             u"Par & X"};
   const Variant values[] = {5.0,  -2.5,  0.0,           Variant(),   Variant::Null(), u"",
                             u"D", u"x",  u"1,234.50",   u"a,b",      u"1,2,3",        u"\"q\"",
                             true, 1e308, u"15/03/2012", Date{45000}, std::int16_t{3}, u"\"1,234\""};
   FormulaHost host;
   host.evaluator->AddVble(u"Y", 0.0, u"", kNumeric);
+  host.evaluator->AddVble(u"Par", Variant(), u"", kNumeric, u"Y & A");  // reads columns too
   std::mt19937 random(5);
   std::vector<Variant> x(kRows), y(kRows), results(kRows);
   std::vector<double> a(kRows);

@@ -93,6 +93,8 @@ TEST(NumberReading, UnderAnotherLocale) {
   EXPECT_EQ(ReadNumber(u"Bs. 1.234,5"), 1234.5);
   EXPECT_EQ(ReadNumber(u"$5"), std::nullopt);
   EXPECT_EQ(ToText(Variant(-1234.5)), u"-1234,5");
+  EXPECT_EQ(ToText(Variant(1.5e-20)), u"1,5E-20");
+  EXPECT_EQ(ToText(Variant(0.5F)), u"0,5");
   EXPECT_EQ(ToText(Variant(Currency{15000})), u"1,5");
   EXPECT_EQ(ToText(Variant(true)), u"Sí");
   EXPECT_EQ(LeadingNumber(u"1.5"), 1.5);

@@ -8,6 +8,7 @@
 
 #include "frame/value/calendar.h"
 #include "frame/value/date_text.h"
+#include "tovalin/locale.h"
 
 namespace tovalin {
 namespace {
@@ -129,6 +130,51 @@ TEST(PatternTest, ThreadsShareNothing) {
   std::thread other(work);
   work();
   other.join();
+}
+
+// In a thread of its own, which remembers no pattern.
+TEST(PatternTest, UnderAnotherLocale) {
+  const Locale before = CurrentLocale();
+  Locale locale;
+  locale.decimal_separator = u',';
+  locale.thousands_separator = u'.';
+  locale.date_separator = u'-';
+  locale.time_separator = u'.';
+  locale.currency_symbol = u"Bs.";
+  locale.true_text = u"Sí";
+  locale.false_text = u"No";
+  locale.morning = u"mañana";
+  locale.afternoon = u"tarde";
+  locale.short_date = u"yyyy/mm/dd";
+  locale.long_date = u"mmmm d";
+  locale.long_time = u"h:nn";
+  locale.short_time = u"hh:n";
+  locale.months[1] = u"FEBRERO";
+  locale.short_months[1] = u"FB";
+  locale.days[1] = u"LUNES";
+  locale.short_days[1] = u"LU";
+  SetLocale(locale);
+  const Case cases[] = {
+      {1234.5, u"#,##0.00", u"1.234,50"},
+      {-1234567.0, u"0.00E+00", u"-1,23E+06"},
+      {0.5, u"#.0#", u",5"},
+      {1234.5, u"Currency", u"Bs.1.234,50"},
+      {1.0, u"True/False", u"Sí"},
+      {0.0, u"True/False", u"No"},
+      {kAfternoon, u"dd/mm/yy", u"05-02-24"},
+      {kAfternoon, u"hh:nn:ss", u"14.03.09"},
+      {kAfternoon, u"h:m", u"14.3"},
+      {kAfternoon, u"mmmm mmm dddd ddd", u"FEBRERO FB LUNES LU"},
+      {kAfternoon, u"h AMPM", u"2 tarde"},
+      {Variant(MakeDate({2024, 2, 5}, {2, 3, 9})), u"h AMPM", u"2 mañana"},
+      {kAfternoon, u"h AM/PM", u"2 PM"},
+      {kAfternoon, u"c", u"2024-02-05 14.03"},
+      {kAfternoon, u"dddddd", u"FEBRERO 5"},
+      {kAfternoon, u"Short Time", u"14.3"},
+      {kAfternoon, u"ttttt", u"14.03"},
+  };
+  std::thread([&cases] { ExpectFormats(cases); }).join();
+  SetLocale(before);
 }
 
 // Each thread leaves what it remembers behind it, and formats on while another ends.
