@@ -99,7 +99,8 @@ Ref<Enumerador> Campos::NewEnum() {
 
 void Campos::Remove(const Variant& Index) {
   const std::size_t position = PositionOf(list_, Index);
-  const Ref<Campo> record = list_[position];  // released last: it may hold the last Ref on the table
+  const Ref<Campo> record =
+      list_[position];  // released last: it may hold the last Ref on the table
   // A record may stand in the table twice, under an old and a new name.
   auto& tables = record->tables_;
   tables.erase(std::find(tables.begin(), tables.end(), this));
