@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tovalin/api.h"
-#include "tovalin/dispatch.h"
+#include "tovalin/binding.h"
 #include "tovalin/object.h"
 
 // How a host shows its widgets to LibGeneral: as objects that say their kind and
@@ -97,7 +97,7 @@ consteval bool CanAnswer() {
 }  // namespace dispatch
 
 /// A host's function under late-bound arguments, which are converted to its
-/// parameters as those of the library's own members are (see dispatch.h).
+/// parameters as those of the library's own members are (see binding.h).
 struct BoundCall {
   BoundCall() = default;
   template <class Function>
