@@ -92,38 +92,31 @@ set(TOVALIN_SOURCES
     formatting/padding.cc
     formatting/phrase_case.cc
     formatting/word_extraction.cc
-    evaluator/dependencies.cc
-    evaluator/element_search.cc
-    evaluator/engine.cc
+    evaluator/calculation.cc
+    evaluator/check.cc
     evaluator/evaluador.cc
-    evaluator/evaluador_helpers.cc
     evaluator/evaluador_members.cc
     evaluator/evaluador_symbols.cc
-    evaluator/fault_records.cc
+    evaluator/evaluate.cc
     evaluator/formula.cc
-    evaluator/formula_chain.cc
-    evaluator/formula_members.cc
     evaluator/formula_table.cc
-    evaluator/functions.cc
+    evaluator/formula_variables.cc
     evaluator/functions_date.cc
     evaluator/functions_logic.cc
     evaluator/functions_number.cc
     evaluator/functions_text.cc
-    evaluator/infix_check.cc
-    evaluator/number_helpers.cc
+    evaluator/language.cc
+    evaluator/lexer.cc
+    evaluator/numeric.cc
     evaluator/numeric_columns.cc
-    evaluator/numeric_program.cc
     evaluator/operators.cc
-    evaluator/plan_cache.cc
-    evaluator/plan_store.cc
+    evaluator/plan.cc
     evaluator/postfix.cc
-    evaluator/references.cc
-    evaluator/symbols.cc
-    evaluator/text_helpers.cc
-    evaluator/tokenizer.cc
+    evaluator/rounding.cc
+    evaluator/text_operations.cc
     evaluator/trace.cc
+    evaluator/trie.cc
     evaluator/value_columns.cc
-    evaluator/vocabulary.cc
     export/cls_file_export.cc
     export/cls_file_export_members.cc
     export/export_run.cc

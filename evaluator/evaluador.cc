@@ -1,12 +1,8 @@
 #include "tovalin/evaluador.h"
 
-#include <cmath>
+#include <optional>
 
-#include "evaluator/fault_records.h"
-#include "evaluator/formula_core.h"
-#include "evaluator/infix_check.h"
-#include "evaluator/references.h"
-#include "evaluator/tokenizer.h"
+#include "evaluator/calculation.h"
 #include "frame/object/error_translation.h"
 #include "tovalin/convert.h"
 
@@ -20,6 +16,39 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
   if (!local_variables) return nullptr;
   if (!*local_variables) *local_variables = Make<Campos>();
   return *local_variables;
+}
+
+// The plan of what a host wants evaluated: a formula text, or a postfix Collection.
+PreparedPlan Prepare(Evaluador::Core& core, const Variant& expression, const Ref<Campos>& locals) {
+  if (!expression.Is(Subtype::Object)) {
+    const Variant text = expression.Is(Subtype::String) ? expression : Variant(ToText(expression));
+    PreparedPlan prepared = core.plans.Prepare(text.AsSharedText(), locals);
+    core.ReportFaults(text.AsText(), *prepared.plan);
+    return prepared;
+  }
+  if (!expression.AsObject()) Raise(Failure::ObjectNotSet);
+  const Ref<Collection> items = expression.AsObject().As<Collection>();
+  if (!items) Raise(Failure::TypeMismatch);
+  return {core.plans.MakeOfItems(*items, locals), Text()};  // the trace shows no expression
+}
+
+// Where the host's code may run, the formula is in the trace before, in case the host
+// does not survive it; otherwise it can wait for the result, or the error.
+PlanResult EvaluateItemsTraced(Evaluador::Core& core, Calculation& calculation,
+                               const PreparedPlan& prepared, const Campos* locals) {
+  Plan& plan = *prepared.plan;
+  const bool calls_host = plan.postfix.calls_host;
+  if (calls_host) core.trace.Begin(prepared.plan, prepared.Expression());
+  try {
+    PlanResult result = calculation.EvaluateItems(prepared.plan);
+    // The trace has its text made from the names.
+    if (plan.trace_version == 0) core.plans.KeepCurrent(plan, locals);
+    return result;
+  } catch (...) {
+    core.plans.KeepCurrent(plan, locals);
+    if (!calls_host) core.trace.Begin(prepared.plan, prepared.Expression());
+    throw;
+  }
 }
 
 }  // namespace
@@ -56,8 +85,7 @@ Text Evaluador::LastError() const {
   return RaisingErrors([&] {
     Text lines;
     std::size_t number = 0;
-    for (const FaultReport& report : core_->engine.Reports())
-      AppendFaultLines(lines, number, report);
+    for (const FaultReport& report : core_->reports) AppendFaultLines(lines, number, report);
     return lines;
   });
 }
@@ -65,7 +93,7 @@ Text Evaluador::LastError() const {
 Ref<Collection> Evaluador::Errores() const {
   return RaisingErrors([&] {
     auto records = Make<Collection>();
-    for (const FaultReport& report : core_->engine.Reports()) AppendFaultRecords(*records, report);
+    for (const FaultReport& report : core_->reports) AppendFaultRecords(*records, report);
     return records;
   });
 }
@@ -73,9 +101,9 @@ Ref<Collection> Evaluador::Errores() const {
 Ref<Collection> Evaluador::CheckInfijo(Text& rExpresion, Ref<Campos>* LocalVbles) {
   return RaisingErrors([&] {
     const Ref<Campos> locals = LocalsOf(LocalVbles);
-    std::vector<FaultReport>& reports = core_->engine.Reports();
+    std::vector<FaultReport>& reports = core_->reports;
     reports.clear();
-    TokenList list = core_->plans.Tokens(rExpresion);
+    TokenList list = core_->plans.GetLexer().Tokens(rExpresion);
     Text normalised = NormalisedExpression(list);
     CheckTokens(list, core_->symbols, locals.get());
     auto tokens = Make<Collection>();
@@ -95,14 +123,14 @@ Text Evaluador::Posfijo(const Ref<Collection>& vcolInfijo, Ref<Collection>& rPos
     TokenList list;
     if (vcolInfijo)
       for (const Variant& token : vcolInfijo->List().Items())
-        AppendHostToken(list, token, core_->plans.Elements(), core_->symbols);
+        core_->plans.GetLexer().AppendHostToken(list, token);
     for (Token& token : list.tokens)
       if (token.kind == TokenKind::Name) ResolveOperand(list, token, core_->symbols, locals.get());
-    Plan plan;
-    ConvertToPostfix(list, plan);
-    plan.text = std::move(list.text);
-    const Ref<Collection> items = PostfixItems(plan);
-    Text text = PostfixText(plan);
+    Postfix postfix;
+    ConvertToPostfix(list, postfix);
+    postfix.text = std::move(list.text);
+    const Ref<Collection> items = PostfixItems(postfix);
+    Text text = PostfixText(postfix);
     if (rPosfijo)
       rPosfijo->List().AppendAll(items->List().Items());
     else
@@ -131,85 +159,37 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
                                 Ref<Campos>* LocalVbles) {
   return RaisingErrors([&] {
     const Ref<Campos> locals = LocalsOf(LocalVbles);
-    const bool is_kept_by_host = core_->trace.UsesStore();
-    const Ref<Evaluador> alive = is_kept_by_host ? Hold(*this) : nullptr;
-    // A text that came before: the way of most evaluations counts no references.
-    const Ref<Plan>* recent = vExpresion.Is(Subtype::String) && !is_kept_by_host
-                                  ? core_->engine.Recent(vExpresion.AsSharedText(), locals.get())
-                                  : nullptr;
-    if (recent && core_->RunNumbers(*recent, nullptr, Result)) return true;
-    const Engine::Prepared prepared = core_->Prepare(vExpresion, locals);
-    // Where a former plan went, an object in it may have changed the tables.
-    const bool may_run =
-        !recent && prepared.plan->numeric && core_->engine.IsCurrent(*prepared.plan, locals.get());
-    if (may_run && core_->RunNumbers(prepared.plan, prepared.Expression(), Result)) return true;
-    Engine::Calculation calculation(core_->engine, locals);
-    Engine::Outcome outcome = core_->Walk(calculation, prepared, locals);
-    core_->trace.End(prepared.plan, prepared.Expression(), outcome.value.Value(), outcome.left);
-    Result.Assign(std::move(outcome.value));
+    // A plan of numbers runs no code of the host, except that which keeps the trace.
+    const Ref<Evaluador> alive = core_->trace.UsesStore() ? Hold(*this) : nullptr;
+    if (!vExpresion.Is(Subtype::Object)) core_->ForgetReports();
+    // A text that came before counts no references on its way.
+    const bool may_be_recent = vExpresion.Is(Subtype::String) && !alive;
+    const Ref<Plan>* plan =
+        may_be_recent ? core_->plans.Recent(vExpresion.AsSharedText(), locals.get()) : nullptr;
+    PreparedPlan prepared;
+    if (!plan) {
+      prepared = Prepare(*core_, vExpresion, locals);
+      plan = &prepared.plan;
+    }
+    std::optional<Calculation> calculation;  // under way until the result is assigned
+    PlanResult result = EvaluatePlan(**plan, [&] {
+      // Code of the host may replace a plan that is kept.
+      if (!prepared.plan) prepared.plan = *std::exchange(plan, &prepared.plan);
+      calculation.emplace(*core_, locals);
+      return EvaluateItemsTraced(*core_, *calculation, prepared, locals.get());
+    });
+    core_->trace.End(*plan, prepared.Expression(), result.value.Value(), result.left);
+    // Last, since what it replaces may be an object of the host.
+    Result.Assign(std::move(result.value));
     return true;
   });
-}
-
-// Where the host's code may run, the formula is in the trace before, in case the host
-// does not survive it; otherwise it can wait for the result, or the error.
-Engine::Outcome Evaluador::Core::Walk(Engine::Calculation& calculation,
-                                      const Engine::Prepared& prepared, const Ref<Campos>& locals) {
-  Plan& plan = *prepared.plan;
-  const bool calls_host = plan.calls_host;
-  if (calls_host) {
-    engine.KeepCurrent(plan, locals.get());
-    trace.Begin(prepared.plan, prepared.Expression());
-  }
-  try {
-    Engine::Outcome outcome = calculation.Walk(prepared.plan);
-    // The trace has its text made from the names.
-    if (plan.trace_edition == 0) engine.KeepCurrent(plan, locals.get());
-    return outcome;
-  } catch (...) {
-    engine.KeepCurrent(plan, locals.get());
-    if (!calls_host) trace.Begin(prepared.plan, prepared.Expression());
-    throw;
-  }
-}
-
-// A plan of numbers runs no code of the host: its trace can wait for the result,
-// which is assigned last, since what it replaces may be an object of the host.
-bool Evaluador::Core::RunNumbers(const Ref<Plan>& plan, const Text* expression, Variant& result) {
-  const NumericProgram& numeric = plan->numeric;
-  const double number = numeric.Run();
-  if (std::isnan(number)) return false;
-  engine.ForgetReports();
-  const Variant value = numeric.ResultOf(number);
-  trace.End(plan, expression, value, numeric.left);
-  result.Assign(value);
-  return true;
-}
-
-Engine::Prepared Evaluador::Core::Prepare(const Variant& expression, const Ref<Campos>& locals) {
-  if (expression.Is(Subtype::String)) {
-    engine.ForgetReports();
-    return engine.Prepare(expression.AsSharedText(), locals);
-  }
-  if (!expression.Is(Subtype::Object)) {
-    engine.ForgetReports();
-    return engine.Prepare(ToText(expression), locals);
-  }
-  if (!expression.AsObject()) Raise(Failure::ObjectNotSet);
-  const Ref<Collection> items = expression.AsObject().As<Collection>();
-  if (!items) Raise(Failure::TypeMismatch);
-  auto plan = Make<Plan>();
-  plan->stamp = StampNames(symbols, locals.get());
-  for (const Variant& item : items->List().Items())
-    AppendHostItem(*plan, item, symbols, locals.get());
-  return {plan, Text()};
 }
 
 void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome> outcomes) {
   if (formulas.size() != outcomes.size()) Raise(Failure::InvalidArgument);
   const Ref<Evaluador> alive = Hold(*this);
-  Engine::Calculation calculation(core_->engine, nullptr);
-  std::vector<FaultReport>& reports = core_->engine.Reports();
+  Calculation calculation(*core_, nullptr);
+  std::vector<FaultReport>& reports = core_->reports;
   reports.clear();
   for (std::size_t i = 0; i < formulas.size(); ++i) {
     Outcome& outcome = outcomes[i];
@@ -222,22 +202,21 @@ void Evaluador::EvaluateBatch(std::span<const Text> formulas, std::span<Outcome>
       }
     };
     const std::size_t reported = reports.size();
-    attempt([&] { outcome.value = core_->EvaluateInBatch(calculation, formulas[i]); });
+    attempt([&] {
+      const PreparedPlan prepared = core_->plans.Prepare(formulas[i], nullptr);
+      core_->ReportFaults(formulas[i], *prepared.plan);
+      PlanResult result = EvaluatePlan(*prepared.plan, [&] {
+        return EvaluateItemsTraced(*core_, calculation, prepared, nullptr);
+      });
+      core_->trace.End(prepared.plan, prepared.Expression(), result.value, result.left);
+      outcome.value = std::move(result.value);
+    });
     attempt([&] {
       std::size_t number = 0;
       for (std::size_t r = reported; r < reports.size(); ++r)
         AppendFaultLines(outcome.faults, number, reports[r]);
     });
   }
-}
-
-Variant Evaluador::Core::EvaluateInBatch(Engine::Calculation& calculation, const Text& formula) {
-  const Engine::Prepared prepared = engine.Prepare(formula, nullptr);
-  std::optional<Engine::Outcome> numeric;
-  if (engine.IsCurrent(*prepared.plan, nullptr)) numeric = Engine::RunNumeric(*prepared.plan);
-  Engine::Outcome outcome = numeric ? std::move(*numeric) : Walk(calculation, prepared, nullptr);
-  trace.End(prepared.plan, prepared.Expression(), outcome.value, outcome.left);
-  return std::move(outcome.value);
 }
 
 Variant Evaluador::LoadTopePila(Ref<Collection>& rPila) {
@@ -255,11 +234,11 @@ void Evaluador::CalcularDependencias(const Text& Name) {
   RaisingErrors([&] {
     Campo* root = core_->symbols.Find(Name);
     if (!root) return;
-    Engine::Calculation(core_->engine, nullptr).Touch(Ref<Campo>::Share(root));
+    Calculation(*core_, nullptr).Touch(Ref<Campo>::Share(root));
   });
 }
 
-void Evaluador::UseClock(HostClock::Function clock) { core_->engine.UseClock(std::move(clock)); }
+void Evaluador::UseClock(HostClock::Function clock) { core_->items.UseClock(std::move(clock)); }
 
 void Evaluador::UseSettings(Ref<SettingsStore> settings) {
   core_->trace.UseStore(std::move(settings));

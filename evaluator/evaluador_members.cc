@@ -1,4 +1,4 @@
-#include "evaluator/token.h"
+#include "evaluator/lexer.h"
 #include "frame/object/enumerations.h"
 #include "tovalin/dispatch.h"
 #include "tovalin/evaluador.h"

@@ -1,12 +1,61 @@
 #include "tovalin/formula.h"
 
-#include <cmath>
-
-#include "evaluator/fault_records.h"
-#include "evaluator/formula_core.h"
+#include "evaluator/calculation.h"
 #include "frame/object/error_translation.h"
+#include "tovalin/dispatch.h"
 
 namespace tovalin {
+namespace {
+
+constexpr std::int32_t (Formula::*kLateBoundTable)(const Variant&, std::int32_t,
+                                                   Variant&) = &Formula::EvaluarTabla;
+
+constexpr ErrorInfo kGone{kObjectError, u"el Evaluador de la fórmula ya no existe"};
+
+constexpr MemberRow kMembers[] = {
+    Get<&Formula::Texto>(1, u"Texto", u"La fórmula como se dio"),
+    Get<&Formula::Posfijo>(2, u"Posfijo", u"Su texto posfijo").Errors({kGone}),
+    Get<&Formula::Variables>(3, u"Variables", u"Los nombres de las variables que lee")
+        .Result(u"Una Collection de nombres, con el nombre como clave")
+        .Errors({kGone}),
+    Get<&Formula::Errores>(4, u"Errores", u"Sus faltas, con su lugar")
+        .Reference(u"Sus faltas, con su lugar, como en Evaluador.Errores; ninguna si se puede "
+                   u"evaluar.")
+        .Errors({kGone}),
+    Method<&Formula::Evaluar>(5, u"Evaluar",
+                              {Out({u"Result", u"Recibe el valor; no cambia si hay un error"})},
+                              u"Calcula el valor")
+        .Reference(u"Calcula el valor con los valores que tienen ahora las variables, como "
+                   u"Evaluador.EvaluatePosfijo pero sin dejar rastro.")
+        .Result(u"Verdadero cuando el cálculo termina")
+        .Errors({kGone,
+                 {13, u"una operación no admite los tipos de sus valores"},
+                 {6, u"un resultado es demasiado grande"}}),
+    Method<kLateBoundTable>(
+        6, u"EvaluarTabla",
+        {{u"columns",
+          u"Una Collection de arreglos de una columna, cada uno bajo el nombre de su "
+          u"variable"},
+         {u"rows", u"Cuántas filas"},
+         Out({u"Result",
+              u"Recibe un arreglo de una columna con los valores; una fila que falla "
+              u"tiene el número de su error, como valor Error"})},
+        u"Calcula el valor de cada fila")
+        .Reference(u"Calcula el valor de cada fila, con las variables de las columnas en los "
+                   u"valores de la fila: lo mismo que Evaluar fila por fila. Después las variables "
+                   u"tienen otra vez sus valores.")
+        .Result(u"Cuántas filas fallaron")
+        .Errors({kGone,
+                 {5, u"una columna no es de una variable, o es de una con fórmula"},
+                 {9, u"una columna tiene menos filas"}}),
+};
+
+}  // namespace
+
+constinit const ClassInfo Formula::kInfo = DescribeClass<Formula, kMembers>(
+    u"Una fórmula que Evaluador.Preparar dejó lista para evaluarla muchas veces");
+
+const ClassInfo& Formula::Class() const { return kInfo; }
 Formula::Formula(std::unique_ptr<Core> core) : core_(std::move(core)) {}
 Formula::~Formula() = default;
 
@@ -14,28 +63,19 @@ void Formula::Core::RaiseGone() {
   RaiseOwn(u"Formula", u"El Evaluador de la fórmula ya no existe");
 }
 
-// A former plan goes before another one is made: a value in it may run code of the host,
-// which may ask for the plan again.
+// A former plan is destroyed before another one is made: a value in it may run code of
+// the host, which may ask for the plan again.
 void Formula::Core::PrepareAgain() {
   while (plan_ && !IsCurrent()) plan_ = nullptr;
-  if (!plan_) plan_ = Host().engine.PrepareApart(text_, locals_);
+  if (!plan_) plan_ = Host().plans.MakeFor(text_, locals_);
 }
 
-Engine::Outcome Formula::Core::Evaluate() {
-  std::optional<Engine::Outcome> numeric = Engine::RunNumeric(*Current());
-  Host().engine.ForgetReports();
-  return numeric ? std::move(*numeric) : Walk();
-}
-
-Engine::Outcome Formula::Core::Walk() {
-  const Ref<Plan> plan = Current();
+PlanResult Formula::Core::EvaluateItems() {
+  const Ref<Plan> plan = plan_;
   Evaluador::Core& host = Host();
-  host.engine.ForgetReports();
-  if (plan->faults) host.engine.Reports().push_back({text_, plan->text, plan->Faults()});
-  return Engine::Calculation(host.engine, locals_).Walk(plan);
+  host.ReportFaults(text_, *plan);
+  return Calculation(host, locals_).EvaluateItems(plan);
 }
-
-void Formula::Core::WalkInto(Variant& result) { result.Assign(Walk().value); }
 
 Text Formula::Texto() const {
   return RaisingErrors([&] { return core_->FormulaText(); });
@@ -44,7 +84,7 @@ Text Formula::Texto() const {
 Text Formula::Posfijo() const {
   return RaisingErrors([&] {
     const Ref<const Formula> alive = Hold(*this);
-    return PostfixText(*core_->Current());
+    return PostfixText(core_->Current()->postfix);
   });
 }
 
@@ -53,7 +93,7 @@ Ref<Collection> Formula::Variables() const {
     const Ref<const Formula> alive = Hold(*this);
     const Ref<Plan> plan = core_->Current();
     auto names = Make<Collection>();
-    for (const Item& item : plan->items) {
+    for (const Item& item : plan->postfix.items) {
       if (item.kind != ItemKind::Variable) continue;
       const Variant name(item.record->Name());
       if (names->List().Find(item.record->Name()) == KeyedList<Variant>::kNotFound)
@@ -68,7 +108,7 @@ Ref<Collection> Formula::Errores() const {
     const Ref<const Formula> alive = Hold(*this);
     const Ref<Plan> plan = core_->Current();
     auto records = Make<Collection>();
-    AppendFaultRecords(*records, {core_->FormulaText(), plan->text, plan->Faults()});
+    AppendFaultRecords(*records, {core_->FormulaText(), plan->postfix.text, plan->Faults()});
     return records;
   });
 }
@@ -79,18 +119,10 @@ bool Formula::EvaluarAgain(Variant& Result) {
   return Evaluar(Result);
 }
 
-// Nothing but the number moves on the road of most formulas.
 bool Formula::Evaluar(Variant& Result) {
   return RaisingErrors([&] {
     if (!core_->IsCurrent()) return EvaluarAgain(Result);
-    const NumericProgram& numeric = core_->LastPlan()->numeric;
-    const double number = numeric.Run();
-    if (std::isnan(number)) {
-      core_->WalkInto(Result);
-    } else {
-      core_->Host().engine.ForgetReports();
-      Result.Assign(numeric.ResultOf(number));
-    }
+    Result.Assign(core_->Evaluate().value);
     return true;
   });
 }

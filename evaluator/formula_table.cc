@@ -4,7 +4,7 @@
 #include <optional>
 #include <type_traits>
 
-#include "evaluator/formula_core.h"
+#include "evaluator/calculation.h"
 #include "evaluator/numeric_columns.h"
 #include "evaluator/value_columns.h"
 #include "frame/object/error_translation.h"
@@ -29,7 +29,7 @@ Variant ValueAt(const Column& column, std::size_t row) {
 }
 
 bool Reads(const Plan& plan, const Campo& record) {
-  return std::ranges::any_of(plan.items, [&record](const Item& item) {
+  return std::ranges::any_of(plan.postfix.items, [&record](const Item& item) {
     return item.kind == ItemKind::Variable && item.record == &record;
   });
 }
@@ -55,20 +55,20 @@ class BoundVariables {
   BoundVariables(const BoundVariables&) = delete;
   BoundVariables& operator=(const BoundVariables&) = delete;
 
-  /// Leaves out the columns that a walk of `plan` cannot come to.
+  /// Leaves out the columns that an evaluation of `plan` cannot read.
   void KeepThoseOf(const Plan& plan) {
     const auto leads_elsewhere = [](const Item& item) {
       return item.kind == ItemKind::HostFunction ||
              (item.kind == ItemKind::Variable && item.record->HasFormula());
     };
-    taken_.clear();
-    const bool all = std::ranges::any_of(plan.items, leads_elsewhere);
+    used_.clear();
+    const bool all = std::ranges::any_of(plan.postfix.items, leads_elsewhere);
     for (std::size_t i = 0; i < records_.size(); ++i)
-      if (all || Reads(plan, *records_[i])) taken_.push_back(i);
+      if (all || Reads(plan, *records_[i])) used_.push_back(i);
   }
 
-  void TakeRow(std::size_t row) {
-    for (std::size_t i : taken_) records_[i]->LetValue(ValueAt(columns_[i], row));
+  void SetRow(std::size_t row) {
+    for (std::size_t i : used_) records_[i]->LetValue(ValueAt(columns_[i], row));
   }
 
   std::vector<NumericColumns::Bound> Numbers() const {
@@ -93,14 +93,14 @@ class BoundVariables {
   std::span<const Column> columns_;
   std::vector<Ref<Campo>> records_;
   std::vector<Variant> own_values_;
-  std::vector<std::size_t> taken_;  // the columns that are set for each row
+  std::vector<std::size_t> used_;  // the columns that are set for each row
 };
 
 template <class Result>
-class TableRun {
+class TableEvaluation {
  public:
-  TableRun(Formula::Core& formula, std::span<const Column> columns, std::size_t rows,
-           std::span<Result> results)
+  TableEvaluation(Formula::Core& formula, std::span<const Column> columns, std::size_t rows,
+                  std::span<Result> results)
       : formula_(formula),
         plan_(formula.Current()),
         variables_(columns, rows, formula.Host().symbols, formula.Locals().get()),
@@ -154,7 +154,7 @@ class TableRun {
         continue;
       }
       for (std::size_t i = 0; i < count; ++i) {
-        if (std::optional<Variant> result = columns.TakeResult(i))
+        if (std::optional<Variant> result = columns.ExtractResult(i))
           Store(first + i, [&result] { return std::move(*result); });
         else
           RunRows(first + i, first + i + 1);
@@ -197,7 +197,7 @@ class TableRun {
 
   void RunRows(std::size_t first, std::size_t end) {
     for (std::size_t row = first; row < end; ++row) {
-      variables_.TakeRow(row);
+      variables_.SetRow(row);
       Store(row, [this] { return formula_.Evaluate().value; });
     }
   }
@@ -244,7 +244,7 @@ std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std
   CheckStack();  // a clock may come back here
   return RaisingErrors([&] {
     const Ref<Formula> alive = Hold(*this);
-    return TableRun<double>(*core_, columns, rows, results).Run();
+    return TableEvaluation<double>(*core_, columns, rows, results).Run();
   });
 }
 
@@ -253,7 +253,7 @@ std::vector<RowError> Formula::EvaluarTabla(std::span<const Column> columns, std
   CheckStack();  // a clock may come back here
   return RaisingErrors([&] {
     const Ref<Formula> alive = Hold(*this);
-    return TableRun<Variant>(*core_, columns, rows, results).Run();
+    return TableEvaluation<Variant>(*core_, columns, rows, results).Run();
   });
 }
 

@@ -1,13 +1,25 @@
+#include <cmath>
 #include <cstdint>
 
-#include "evaluator/function_arguments.h"
-#include "evaluator/number_helpers.h"
+#include "evaluator/language.h"
 #include "formatting/dias360.h"
 #include "frame/value/calendar.h"
 #include "tovalin/convert.h"
 
 namespace tovalin::functions {
 namespace {
+
+constexpr TextView kMonths[] = {u"Enero",      u"Febrero", u"Marzo",     u"Abril",
+                                u"Mayo",       u"Junio",   u"Julio",     u"Agosto",
+                                u"Septiembre", u"Octubre", u"Noviembre", u"Diciembre"};
+constexpr TextView kShortMonths[] = {u"Ene", u"Feb", u"Mar", u"Abr", u"May", u"Jun",
+                                     u"Jul", u"Ago", u"Sep", u"Oct", u"Nov", u"Dic"};
+
+Variant MonthText(std::span<const TextView> names, double month) {
+  const double number = std::nearbyint(month);
+  if (!(number >= 1 && number <= 12)) return Variant::Null();
+  return names[static_cast<std::size_t>(number) - 1];
+}
 
 /// A number beyond the calendar is not one that is too large for a date (6), but
 /// outside of what the function accepts (5).
@@ -20,11 +32,11 @@ Variant DaysOf360(Arguments arguments, const FunctionContext&) {
 }
 
 Variant MonthName(Arguments arguments, const FunctionContext&) {
-  return evaluator::NombreMes(ToDouble(arguments[0]));
+  return MonthText(kMonths, ToDouble(arguments[0]));
 }
 
 Variant ShortMonthName(Arguments arguments, const FunctionContext&) {
-  return evaluator::MesAbr(ToDouble(arguments[0]));
+  return MonthText(kShortMonths, ToDouble(arguments[0]));
 }
 
 Variant Today(Arguments, const FunctionContext& context) {

@@ -1,5 +1,5 @@
-#include "evaluator/function_arguments.h"
-#include "evaluator/text_helpers.h"
+#include "evaluator/language.h"
+#include "evaluator/text_operations.h"
 #include "frame/value/comparison.h"
 #include "tovalin/convert.h"
 

@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include "evaluator/function_arguments.h"
-#include "evaluator/number_helpers.h"
+#include "evaluator/language.h"
+#include "evaluator/rounding.h"
 #include "formatting/monto_escrito.h"
 #include "frame/format/patterns.h"
 #include "frame/value/arithmetic.h"

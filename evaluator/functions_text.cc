@@ -2,9 +2,9 @@
 #include <cmath>
 #include <cstdint>
 
-#include "evaluator/function_arguments.h"
-#include "evaluator/number_helpers.h"
-#include "evaluator/text_helpers.h"
+#include "evaluator/language.h"
+#include "evaluator/rounding.h"
+#include "evaluator/text_operations.h"
 #include "formatting/padding.h"
 #include "formatting/word_extraction.h"
 #include "frame/text/code_page.h"
@@ -95,11 +95,11 @@ Variant CodeOfCharacter(Arguments arguments, const FunctionContext&) {
 }
 
 Variant FirstName(Arguments arguments, const FunctionContext&) {
-  return evaluator::ExtraerPalabra(TextArgument(arguments[0]), 1);
+  return evaluator::WordOfName(TextArgument(arguments[0]), 1);
 }
 
 Variant SecondName(Arguments arguments, const FunctionContext&) {
-  return evaluator::ExtraerPalabra(TextArgument(arguments[0]), 2);
+  return evaluator::WordOfName(TextArgument(arguments[0]), 2);
 }
 
 Variant Phrase(Arguments arguments, const FunctionContext&) {
@@ -107,7 +107,7 @@ Variant Phrase(Arguments arguments, const FunctionContext&) {
 }
 
 Variant Word(Arguments arguments, const FunctionContext&) {
-  return evaluator::ExtraerPalabra(TextArgument(arguments[0]), ToByte(arguments[1]));
+  return evaluator::WordOfName(TextArgument(arguments[0]), ToByte(arguments[1]));
 }
 
 Variant LastWord(Arguments arguments, const FunctionContext&) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "evaluator/function_arguments.h"
 #include "frame/value/arithmetic.h"
 #include "frame/value/comparison.h"
 #include "tovalin/convert.h"

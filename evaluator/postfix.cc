@@ -1,10 +1,9 @@
+#include "evaluator/postfix.h"
+
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "evaluator/element_search.h"
-#include "evaluator/number_token.h"
-#include "evaluator/plan.h"
 #include "frame/value/conversion.h"
 
 namespace tovalin {
@@ -37,13 +36,13 @@ bool BindConstant(HeldValue& held, std::vector<Variant>& former) {
   return !same;
 }
 
-void SetFunction(Plan& plan, Item& item, Campo& record, const BuiltinFunction* builtin) {
+void SetFunction(Postfix& postfix, Item& item, Campo& record, const BuiltinFunction* builtin) {
   item.record = &record;
   item.kind = builtin ? ItemKind::Builtin : ItemKind::HostFunction;
   if (builtin)
     item.builtin = FunctionIndex(*builtin);
   else
-    plan.calls_host = true;
+    postfix.calls_host = true;
 }
 
 void SetOperator(Item& item, Campo& record, OperatorCode code) {
@@ -52,41 +51,41 @@ void SetOperator(Item& item, Campo& record, OperatorCode code) {
   item.operator_code = code;
 }
 
-void SetVariable(Plan& plan, Item& item, Campo& record) {
+void SetVariable(Postfix& postfix, Item& item, Campo& record) {
   item.record = &record;
   item.kind = ItemKind::Variable;
-  if (record.HasFormula()) plan.calls_host = true;
+  if (record.HasFormula()) postfix.calls_host = true;
 }
 
-void SetHeld(Plan& plan, Item& item, ItemKind kind, HeldValue held) {
+void SetHeld(Postfix& postfix, Item& item, ItemKind kind, HeldValue held) {
   item.kind = kind;
-  item.held = plan.held.size();
-  plan.held.push_back(std::move(held));
+  item.held = postfix.held.size();
+  postfix.held.push_back(std::move(held));
 }
 
-void SetConstant(Plan& plan, Item& item, Campo& record) {
+void SetConstant(Postfix& postfix, Item& item, Campo& record) {
   HeldValue held{{}, &record};
   std::vector<Variant> none;
   BindConstant(held, none);
-  SetHeld(plan, item, ItemKind::Constant, std::move(held));
-  plan.has_constants = true;
+  SetHeld(postfix, item, ItemKind::Constant, std::move(held));
+  postfix.has_constants = true;
 }
 
-void SetLiteral(Plan& plan, Item& item, TextView text) {
-  SetHeld(plan, item, ItemKind::Literal, {text, nullptr, true});
+void SetLiteral(Postfix& postfix, Item& item, TextView text) {
+  SetHeld(postfix, item, ItemKind::Literal, {text, nullptr, true});
 }
 
-// Operators, and the brackets that they stand behind, wait in a stack that is
-// chained through the tokens themselves.
+// The shunting-yard algorithm: operators, and the brackets that they stand behind, are
+// on a stack that is linked through the tokens themselves.
 class Converter {
  public:
-  Converter(TokenList& list, Plan& plan) : list_(list), plan_(plan) {}
+  Converter(TokenList& list, Postfix& postfix) : list_(list), postfix_(postfix) {}
 
   void Run() {
-    plan_.items.reserve(plan_.items.size() + static_cast<std::size_t>(std::ranges::count_if(
-                                                 list_.tokens, BecomesItem, &Token::kind)));
-    for (Token& token : list_.tokens) Take(token);
-    while (waiting_) Release();
+    postfix_.items.reserve(postfix_.items.size() + static_cast<std::size_t>(std::ranges::count_if(
+                                                       list_.tokens, BecomesItem, &Token::kind)));
+    for (Token& token : list_.tokens) Accept(token);
+    while (top_) PopOperator();
   }
 
  private:
@@ -94,59 +93,59 @@ class Converter {
     return kind != TokenKind::Open && kind != TokenKind::Close && kind != TokenKind::Comma;
   }
 
-  void Take(Token& token) {
+  void Accept(Token& token) {
     switch (token.kind) {
       case TokenKind::Operator:
-        TakeOperator(token);
+        AcceptOperator(token);
         break;
       case TokenKind::Function:
         if (token.is_opener)
-          Wait(token);
+          PushOperator(token);
         else
           Append(token);
         break;
       case TokenKind::Open:
-        Wait(token);
+        PushOperator(token);
         break;
       case TokenKind::Comma:
-        TakeComma();
+        AcceptComma();
         break;
       case TokenKind::Close:
-        while (waiting_ && !IsBracket(*waiting_)) Release();
-        if (waiting_) Release();
+        while (top_ && !IsBracket(*top_)) PopOperator();
+        if (top_) PopOperator();
         break;
       default:
         Append(token);
     }
   }
 
-  void TakeOperator(Token& token) {
-    while (token.priority && waiting_ && !IsBracket(*waiting_)) {
-      if (!waiting_->priority || *waiting_->priority < *token.priority) break;
-      Release();
+  void AcceptOperator(Token& token) {
+    while (token.priority && top_ && !IsBracket(*top_)) {
+      if (!top_->priority || *top_->priority < *token.priority) break;
+      PopOperator();
     }
-    Wait(token);
+    PushOperator(token);
   }
 
   // A comma ends an argument of the call that it stands in, and nothing else.
-  void TakeComma() {
-    const Token* bracket = waiting_;
+  void AcceptComma() {
+    const Token* bracket = top_;
     while (bracket && !IsBracket(*bracket)) bracket = bracket->below;
     if (!bracket || bracket->kind != TokenKind::Function) return;
-    while (waiting_ != bracket) Release();
+    while (top_ != bracket) PopOperator();
   }
 
   static bool IsBracket(const Token& token) { return token.kind != TokenKind::Operator; }
 
-  void Wait(Token& token) { token.below = std::exchange(waiting_, &token); }
+  void PushOperator(Token& token) { token.below = std::exchange(top_, &token); }
 
-  void Release() {
-    const Token& token = *std::exchange(waiting_, waiting_->below);
+  void PopOperator() {
+    const Token& token = *std::exchange(top_, top_->below);
     if (token.kind != TokenKind::Open) Append(token);
   }
 
   void Append(const Token& token) {
-    Item& item = plan_.items.emplace_back();
+    Item& item = postfix_.items.emplace_back();
     item.start = token.start;
     item.length = token.length;
     switch (token.kind) {
@@ -155,40 +154,40 @@ class Converter {
         item.number = token.number;
         break;
       case TokenKind::Literal:
-        SetLiteral(plan_, item, list_.Span(token));
+        SetLiteral(postfix_, item, list_.Span(token));
         break;
       case TokenKind::Value:
-        SetHeld(plan_, item, ItemKind::Value, {token.value->Value()});
+        SetHeld(postfix_, item, ItemKind::Value, {token.value->Value()});
         break;
       case TokenKind::Operator:
         SetOperator(item, *token.record, token.operator_code);
         break;
       case TokenKind::Function:
-        if (token.record) SetFunction(plan_, item, *token.record, token.builtin);
+        if (token.record) SetFunction(postfix_, item, *token.record, token.builtin);
         break;
       default:
         if (token.scope == Scope::Constant)
-          SetConstant(plan_, item, *token.record);
+          SetConstant(postfix_, item, *token.record);
         else if (token.scope != Scope::None)
-          SetVariable(plan_, item, *token.record);
+          SetVariable(postfix_, item, *token.record);
     }
   }
 
   TokenList& list_;
-  Plan& plan_;
-  Token* waiting_ = nullptr;  // the last one that waits
+  Postfix& postfix_;
+  Token* top_ = nullptr;  // of the operator stack
 };
 
-TextView SpellingOf(const Plan& plan, const Item& item) {
+TextView SpellingOf(const Postfix& postfix, const Item& item) {
   const bool is_spelled = item.HasRecord() && item.kind != ItemKind::Variable;
-  return is_spelled ? Trim(item.record->Name()) : plan.Span(item);
+  return is_spelled ? Trim(item.record->Name()) : postfix.Span(item);
 }
 
 // Hands `put` the text of an item, in parts.
 template <class PutText>
-void PutItem(const Plan& plan, const Item& item, PutText put) {
-  if (!item.HoldsValue()) return put(SpellingOf(plan, item));
-  const HeldValue& held = plan.held[item.held];
+void PutItem(const Postfix& postfix, const Item& item, PutText put) {
+  if (!item.HoldsValue()) return put(SpellingOf(postfix, item));
+  const HeldValue& held = postfix.held[item.held];
   if (held.is_quoted) {
     put(u"\"");
     put(held.value.AsText());
@@ -196,20 +195,21 @@ void PutItem(const Plan& plan, const Item& item, PutText put) {
   } else if (held.constant) {
     put(Trim(held.constant->Name()));
   } else if (item.kind == ItemKind::Constant) {
-    put(plan.Span(item));
+    put(postfix.Span(item));
   } else {
     put(TextOrEmpty(held.value));
   }
 }
 
-Text ItemText(const Plan& plan, const Item& item) {
+Text ItemText(const Postfix& postfix, const Item& item) {
   Text text;
-  PutItem(plan, item, [&text](TextView part) { text.append(part); });
+  PutItem(postfix, item, [&text](TextView part) { text.append(part); });
   return text;
 }
 
-// What an item of a known text stands for, in the order in which a walk asks.
-void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, const Campos* locals) {
+// What an item of a known text stands for, in the order in which scopes are searched.
+void Classify(Postfix& postfix, Item& item, TextView text, const Symbols& symbols,
+              const Campos* locals) {
   item.kind = ItemKind::Text;
   Campo* record = nullptr;
   if (double number = 0; ReadNumberToken(text, number)) {
@@ -219,79 +219,80 @@ void Classify(Plan& plan, Item& item, TextView text, const Symbols& symbols, con
     SetOperator(item, *record, CodeOf(Trim(record->Name())));
   } else if ((record = locals ? locals->Find(text) : nullptr) ||
              (record = symbols.variables->Find(text))) {
-    SetVariable(plan, item, *record);
+    SetVariable(postfix, item, *record);
   } else if ((record = symbols.constants->Find(text))) {
-    SetConstant(plan, item, *record);
+    SetConstant(postfix, item, *record);
   } else if ((record = symbols.functions->Find(text))) {
-    SetFunction(plan, item, *record, FunctionOf(text));
+    SetFunction(postfix, item, *record, FunctionOf(text));
   } else if (text.size() > 1 && text.front() == u'"' && text.back() == u'"') {
-    SetLiteral(plan, item, text.substr(1, text.size() - 2));
+    SetLiteral(postfix, item, text.substr(1, text.size() - 2));
   }
 }
 
 }  // namespace
 
-void ConvertToPostfix(TokenList& list, Plan& plan) { Converter(list, plan).Run(); }
+void ConvertToPostfix(TokenList& list, Postfix& postfix) { Converter(list, postfix).Run(); }
 
-Text PostfixText(const Plan& plan) {
+Text PostfixText(const Postfix& postfix) {
   Text text;
-  AppendPostfixText(text, plan);
+  AppendPostfixText(text, postfix);
   return text;
 }
 
-void AppendPostfixText(Text& text, const Plan& plan) {
-  text.reserve(text.size() + plan.text.size() + plan.items.size());
-  for (const Item& item : plan.items) {
-    PutItem(plan, item, [&text](TextView part) { text.append(part); });
+void AppendPostfixText(Text& text, const Postfix& postfix) {
+  text.reserve(text.size() + postfix.text.size() + postfix.items.size());
+  for (const Item& item : postfix.items) {
+    PutItem(postfix, item, [&text](TextView part) { text.append(part); });
     text.push_back(u' ');
   }
 }
 
-Ref<Collection> PostfixItems(const Plan& plan) {
+Ref<Collection> PostfixItems(const Postfix& postfix) {
   auto items = Make<Collection>();
-  for (const Item& item : plan.items) {
+  for (const Item& item : postfix.items) {
     if (item.kind == ItemKind::Value)
-      items->List().Append(plan.ValueOf(item));
-    else if (item.kind == ItemKind::Constant && !plan.held[item.held].is_quoted)
+      items->List().Append(postfix.ValueOf(item));
+    else if (item.kind == ItemKind::Constant && !postfix.held[item.held].is_quoted)
       // A copy, so that a later change of the constant is not seen.
-      items->List().Append(plan.held[item.held].constant->Copy());
+      items->List().Append(postfix.held[item.held].constant->Copy());
     else
-      items->List().Append(ItemText(plan, item));
+      items->List().Append(ItemText(postfix, item));
   }
   return items;
 }
 
-void AppendHostItem(Plan& plan, const Variant& value, const Symbols& symbols,
+void AppendHostItem(Postfix& postfix, const Variant& value, const Symbols& symbols,
                     const Campos* locals) {
-  Item& item = plan.items.emplace_back();
-  item.start = static_cast<std::uint32_t>(plan.text.size());
+  Item& item = postfix.items.emplace_back();
+  item.start = static_cast<std::uint32_t>(postfix.text.size());
   const Ref<Campo> constant =
       value.Is(Subtype::Object) ? value.AsObject().As<Campo>() : Ref<Campo>();
   if (value.Is(Subtype::String)) {
-    plan.text.append(value.AsText());
+    postfix.text.append(value.AsText());
     item.length = static_cast<std::uint32_t>(value.AsText().size());
-    Classify(plan, item, value.AsText(), symbols, locals);
+    Classify(postfix, item, value.AsText(), symbols, locals);
   } else if (IsNumber(value)) {
     item.kind = ItemKind::Number;
     item.number = ToDouble(value);
   } else {
-    SetHeld(plan, item, ItemKind::Value, {constant ? constant->Value() : value.Value()});
+    SetHeld(postfix, item, ItemKind::Value, {constant ? constant->Value() : value.Value()});
   }
 }
 
-void LookUpAgain(Plan& plan, const Symbols& symbols, const Campos* locals) {
-  plan.stamp = NamesStamp{};
-  for (HeldValue& held : plan.held) held.constant = nullptr;
-  for (Item& item : plan.items) {
+void LookUpAgain(Postfix& postfix, const Symbols& symbols, const Campos* locals) {
+  for (HeldValue& held : postfix.held) held.constant = nullptr;
+  for (Item& item : postfix.items) {
     if (item.kind == ItemKind::Number || item.HoldsValue()) continue;
-    Classify(plan, item, plan.Span(item), symbols, locals);
+    Classify(postfix, item, postfix.Span(item), symbols, locals);
   }
 }
 
-void BindConstants(Plan& plan) {
+bool BindConstants(Postfix& postfix) {
+  bool is_same = true;
   std::vector<Variant> former;
-  for (HeldValue& held : plan.held)
-    if (held.constant && BindConstant(held, former)) plan.trace_edition = 0;
+  for (HeldValue& held : postfix.held)
+    if (held.constant && BindConstant(held, former)) is_same = false;
+  return is_same;
 }
 
 }  // namespace tovalin

@@ -17,7 +17,7 @@ LiveEntry<TextView> Entry(TextView text) { return {text}; }
 
 LiveChanges FormulaOf(const Plan& plan, const Text* expression) {
   LiveChanges changes;
-  changes[kTraceExpression] = Entry(expression ? *expression : plan.text);
+  changes[kTraceExpression] = Entry(expression ? *expression : plan.postfix.text);
   changes[kTracePostfix] = Entry(plan.trace_postfix);
   return changes;
 }
@@ -75,16 +75,16 @@ void Trace::Forget() {
 // Whether the formula is the one that was shown last: not if the text has no plan to itself,
 // or a handler evaluated another one.
 bool Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression, Ref<Plan>& former) {
-  const bool is_shown = !expression && shown_ == plan && shown_edition_ == plan->trace_edition;
+  const bool is_shown = !expression && shown_ == plan && shown_version_ == plan->trace_version;
   if (is_shown) return true;
-  if (plan->trace_edition == 0) {
+  if (plan->trace_version == 0) {
     postfix_.clear();
-    AppendPostfixText(postfix_, *plan);
-    plan->trace_postfix = postfix_;  // without room to spare
-    plan->trace_edition = ++last_edition_;
+    AppendPostfixText(postfix_, plan->postfix);
+    plan->trace_postfix = postfix_;  // without spare capacity
+    plan->trace_version = ++last_version_;
   }
   former = std::exchange(shown_, expression ? nullptr : plan);
-  shown_edition_ = plan->trace_edition;
+  shown_version_ = plan->trace_version;
   return false;
 }
 

@@ -16,7 +16,7 @@ namespace tovalin {
 /// place. Nothing is raised: what cannot be written is left out.
 class Trace {
  public:
-  /// Before a walk, so that the formula is there when the host does not survive it.
+  /// Before an evaluation, so that the formula is there when the host does not survive it.
   /// `expression` is shown in place of the plan's text, unless it is null.
   void Begin(const Ref<Plan>& plan, const Text* expression) noexcept;
   /// After an evaluation.
@@ -37,11 +37,11 @@ class Trace {
   Ref<SettingsStore> store_;
   bool is_saving_ = false;  // in the store: what it evaluates leaves no trace
   LiveTrace live_;
-  // What was shown last: the plan, if with its own expression, and the edition of its
+  // What was shown last: the plan, if with its own expression, and the version of its
   // postfix text.
   Ref<Plan> shown_;
-  std::uint32_t shown_edition_ = 0;
-  std::uint32_t last_edition_ = 0;
+  std::uint32_t shown_version_ = 0;
+  std::uint32_t last_version_ = 0;
   std::optional<std::uint64_t> shown_bits_;                // of the Double that is the result
   std::size_t shown_left_ = static_cast<std::size_t>(-1);  // and the number of values
   Text result_;

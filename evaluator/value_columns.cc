@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "evaluator/operators.h"
-
 namespace tovalin {
 namespace {
 
@@ -11,7 +9,7 @@ bool IsPush(ItemKind kind) {
   return kind != ItemKind::Operator && kind != ItemKind::Builtin && kind != ItemKind::HostFunction;
 }
 
-// The result of a walk loses the quotes that it stands between.
+// The result of an evaluation loses the quotes that it stands between.
 bool BeginsInQuotes(const Variant& value) {
   return value.Is(Subtype::String) && value.AsText().starts_with(u'"');
 }
@@ -23,9 +21,9 @@ Variant ConstantOf(const Plan& plan, const Item& item) {
     case ItemKind::Variable:
       return item.record->Value();
     case ItemKind::Text:
-      return plan.Span(item);
+      return plan.postfix.Span(item);
     default:
-      return plan.ValueOf(item);
+      return plan.postfix.ValueOf(item);
   }
 }
 
@@ -38,7 +36,7 @@ Variant Unshared(Variant value) {
 
 ValueColumns::ValueColumns(const Plan& plan, std::span<const Bound> columns) {
   std::size_t held = 0;
-  for (const Item& item : plan.items) {
+  for (const Item& item : plan.postfix.items) {
     const Step& step = steps_.emplace_back(MakeStep(plan, item, columns));
     // Functions without arguments read the clock.
     if (!IsPush(item.kind) && (step.takes == 0 || step.takes > held)) is_ready_ = false;
@@ -50,7 +48,7 @@ ValueColumns::ValueColumns(const Plan& plan, std::span<const Bound> columns) {
     }
     if (slots_.size() < held) slots_.emplace_back();
   }
-  is_ready_ = held == 1 && !IsPush(plan.items.back().kind);
+  is_ready_ = held == 1 && !IsPush(plan.postfix.items.back().kind);
 }
 
 ValueColumns::Step ValueColumns::MakeStep(const Plan& plan, const Item& item,
@@ -99,9 +97,9 @@ void ValueColumns::Run(std::size_t first, std::size_t count) {
   }
 }
 
-std::optional<Variant> ValueColumns::TakeResult(std::size_t row) {
+std::optional<Variant> ValueColumns::ExtractResult(std::size_t row) {
   if (failed_[row] || BeginsInQuotes(slots_[0].At(row))) return std::nullopt;
-  return slots_[0].Take(row);
+  return slots_[0].Extract(row);
 }
 
 void ValueColumns::Slot::UseOwn() {
@@ -167,17 +165,17 @@ void ValueColumns::Call(const BuiltinFunction& builtin, std::span<Slot> operands
     if (operands[i].stride == 0) arguments[i] = operands[i].At(0);
   ForEachRow(operands, [&](std::size_t row) {
     for (std::size_t i = 0; i < operands.size(); ++i)
-      if (operands[i].stride != 0) arguments[i] = operands[i].Take(row);
+      if (operands[i].stride != 0) arguments[i] = operands[i].Extract(row);
     return builtin.Call(arguments, context);
   });
 }
 
 void ValueColumns::Operate(const Operator& operation, std::span<Slot> operands) {
   std::array<Variant, FunctionParameters::kMost> values;
-  const std::span<Variant> taken = std::span(values).first(operands.size());
+  const std::span<Variant> used = std::span(values).first(operands.size());
   ForEachRow(operands, [&](std::size_t row) {
-    for (std::size_t i = 0; i < operands.size(); ++i) taken[i] = operands[i].Take(row);
-    return operation.compute(taken);
+    for (std::size_t i = 0; i < operands.size(); ++i) used[i] = operands[i].Extract(row);
+    return operation.compute(used);
   });
 }
 

@@ -7,15 +7,16 @@
 #include <vector>
 
 #include "evaluator/numeric_columns.h"
+#include "evaluator/operators.h"
 #include "evaluator/plan.h"
 #include "tovalin/formula.h"
 
 namespace tovalin {
 
-/// Walks a plan over columns of any values, a block of rows at a time and item by
-/// item. It buys half the time of a table with texts and dates: what a walk sets
-/// up, looks up and copies for a row is done once a block, and constants are read
-/// once. A row that goes wrong is left to the walk, so that each rule stands in one
+/// Evaluates a plan over columns of any values, a block of rows at a time and item by
+/// item. It saves half the time of a table with texts and dates: what an evaluation
+/// sets up, looks up and copies for a row is done once a block, and constants are read
+/// once. A row that fails is evaluated again by itself, so that each rule stands in one
 /// place.
 class ValueColumns {
  public:
@@ -38,8 +39,9 @@ class ValueColumns {
 
   /// Computes the rows from `first` on, at most kBlock of them.
   void Run(std::size_t first, std::size_t count);
-  /// Takes the result of a row of the block; nothing when the row has to be walked.
-  std::optional<Variant> TakeResult(std::size_t row);
+  /// Extracts the result of a row of the block; nothing when the row has to be evaluated
+  /// by itself.
+  std::optional<Variant> ExtractResult(std::size_t row);
 
  private:
   struct Step {
@@ -59,7 +61,7 @@ class ValueColumns {
     Variant constant;          // what was computed of constants
 
     const Variant& At(std::size_t row) const { return values[row * stride]; }
-    Variant Take(std::size_t row) {
+    Variant Extract(std::size_t row) {
       if (is_own) return std::move(own[row]);
       return At(row);
     }

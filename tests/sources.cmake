@@ -30,20 +30,20 @@ set(formatting_tests
 set(evaluator_tests
     evaluator/check_test.cc
     evaluator/dependants_test.cc
-    evaluator/element_search_test.cc
     evaluator/evaluate_test.cc
     evaluator/formula_test.cc
     evaluator/formula_variables_test.cc
     evaluator/functions_page_test.cc
     evaluator/functions_test.cc
-    evaluator/helpers_test.cc
     evaluator/host_events_test.cc
     evaluator/hostile_input_test.cc
     evaluator/kept_plans_test.cc
     evaluator/lifetime_test.cc
+    evaluator/rounding_and_text_test.cc
     evaluator/small_stack_test.cc
     evaluator/symbols_test.cc
     evaluator/trace_test.cc
+    evaluator/trie_test.cc
 )
 
 set(export_tests

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "evaluator/formula_variables.h"
 #include "frame/value/conversion.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/input.h"
@@ -80,14 +81,8 @@ bool FormulaTable::OrderSteps() {
   std::vector<std::vector<std::size_t>> used_by(count);
   for (std::size_t i = 0; i < count; ++i)
     for (std::size_t used : uses[i].formulas) used_by[used].push_back(i);
-  std::vector<std::size_t> waits_for;
-  for (const Uses& used : uses) waits_for.push_back(used.formulas.size());
-  std::vector<std::size_t> order;
-  for (std::size_t i = 0; i < count; ++i)
-    if (waits_for[i] == 0) order.push_back(i);
-  for (std::size_t next = 0; next < order.size(); ++next)
-    for (std::size_t user : used_by[order[next]])
-      if (--waits_for[user] == 0) order.push_back(user);
+  const std::vector<std::size_t> order = DependencyOrder(
+      count, [&](std::size_t used, auto visit) { std::ranges::for_each(used_by[used], visit); });
   for (std::size_t i : order) AddStep(i, std::move(uses[i]));
   return order.size() == count;
 }

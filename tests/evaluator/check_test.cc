@@ -181,10 +181,10 @@ TEST(Posfijo, OrdersByPriority) {
     Ref<Collection> items;
     EXPECT_EQ(ToUtf8(host.evaluator->Posfijo(tokens, items)), row.postfix) << ToUtf8(row.formula);
     Variant direct;
-    Variant walked;
+    Variant evaluated;
     host.evaluator->EvaluatePosfijo(row.formula, direct);
-    host.evaluator->EvaluatePosfijo(items, walked);
-    EXPECT_EQ(FormulaHost::Show(direct).substr(0, 20), FormulaHost::Show(walked).substr(0, 20));
+    host.evaluator->EvaluatePosfijo(items, evaluated);
+    EXPECT_EQ(FormulaHost::Show(direct).substr(0, 20), FormulaHost::Show(evaluated).substr(0, 20));
   }
 }
 

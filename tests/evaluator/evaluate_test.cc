@@ -93,12 +93,12 @@ TEST(EvaluatePosfijo, GivesTheValue) {
     EXPECT_EQ(host.Evaluate(row.formula), row.value) << ToUtf8(row.formula);
 }
 
-TEST(EvaluatePosfijo, WalksPostfixCollections) {
-  struct WalkCase {
+TEST(EvaluatePosfijo, EvaluatesPostfixCollections) {
+  struct PostfixCase {
     std::vector<Variant> items;
     const char* value;
   };
-  const WalkCase cases[] = {
+  const PostfixCase cases[] = {
       {{u"1", u"2"}, "Double 1"},
       {{}, "Integer 0"},
       {{u"7", u"1", u"7", u"BETWEEN"}, "Boolean Verdadero"},
@@ -113,7 +113,7 @@ TEST(EvaluatePosfijo, WalksPostfixCollections) {
       {{Variant::Null(), u"x", u"&"}, "String Contabilidad"},
       {{u"x", u"1", u"3", u"medio("}, "String Con"},
   };
-  for (const WalkCase& row : cases) {
+  for (const PostfixCase& row : cases) {
     FormulaHost host;
     auto items = Make<Collection>();
     for (const Variant& item : row.items) items->Add(item);

@@ -129,10 +129,11 @@ struct RowOutcome {
   }
 };
 
-// Every road gives the same value to the last bit: the columns, the rows, and
-// the walk over a postfix Collection, which knows no shorter way.
+// Every path gives the same value to the last bit: the columns, the rows, and the
+// evaluation of a postfix Collection, which has no fast path.
 TEST(EvaluarTabla, GivesWhatEachRowGives) {
-  // One row that fails leaves its block to the walk: only tame values are sure to test blocks.
+  // One row that fails leaves its block to the evaluation by rows: only tame values are sure to
+  // test blocks.
   constexpr std::size_t kRows = 1200;  // more than two blocks
   const char16_t* names[] = {u"A", u"B", u"C", u"D"};
   std::mt19937 random(11);

@@ -177,7 +177,7 @@ TEST_F(FormulaVariables, FollowAConstantThatChanges) {
   EXPECT_EQ(host.Evaluate(u"Total + 1"), "Double 21");
 }
 
-// With a handler every formula variable is computed where the walk meets it, without
+// With a handler every formula variable is computed where the evaluation meets it, without
 // one those in front are computed first: the values and the errors are the same.
 TEST_F(FormulaVariables, ComeOutAlikeWithAndWithoutHandlers) {
   const std::vector<Text> pieces = {u"%0 + %1",

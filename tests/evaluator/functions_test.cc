@@ -1,10 +1,9 @@
-#include "evaluator/functions.h"
-
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <vector>
 
+#include "evaluator/language.h"
 #include "tovalin/error.h"
 
 namespace tovalin {

@@ -47,7 +47,7 @@ const std::vector<Text> kFormulas = {u"A + 1",
                                      u"\"sin fin"};
 
 /// Two evaluators to which the same is done: one keeps plans, knows texts by their
-/// address and writes its trace into a file; the other makes each plan anew.
+/// address and writes its trace into a file; the other makes each plan again.
 class KeptPlans : public SettingsDirectoryTest {
  protected:
   KeptPlans() {
@@ -101,7 +101,7 @@ class KeptPlans : public SettingsDirectoryTest {
   std::vector<Variant> texts_;
 };
 
-TEST_F(KeptPlans, GiveWhatPlansMadeAnewGive) {
+TEST_F(KeptPlans, GiveWhatPlansMadeAgainGive) {
   std::minstd_rand random(3);
   Change(9, 0);
   for (int turn = 0; turn < 4000; ++turn) {

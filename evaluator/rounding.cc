@@ -1,10 +1,9 @@
-#include "evaluator/number_helpers.h"
+#include "evaluator/rounding.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <optional>
-#include <span>
 
 #include "frame/system/power.h"
 #include "frame/value/number_text.h"
@@ -15,16 +14,6 @@ namespace {
 
 constexpr int kSignificant = 15;
 constexpr std::int32_t kMostDecimals = 22;  // the last whose power of ten is exact
-
-constexpr std::size_t kNitLength = 15;
-// By position, the digit at the right first.
-constexpr int kNitWeights[kNitLength] = {3, 7, 13, 17, 19, 23, 29, 37, 41, 43, 47, 53, 59, 67, 71};
-
-constexpr TextView kMonths[] = {u"Enero",      u"Febrero", u"Marzo",     u"Abril",
-                                u"Mayo",       u"Junio",   u"Julio",     u"Agosto",
-                                u"Septiembre", u"Octubre", u"Noviembre", u"Diciembre"};
-constexpr TextView kShortMonths[] = {u"Ene", u"Feb", u"Mar", u"Abr", u"May", u"Jun",
-                                     u"Jul", u"Ago", u"Sep", u"Oct", u"Nov", u"Dic"};
 
 /// The number that the first `count` of the digits make, at most kSignificant.
 double LeadingDigits(const DecimalDigits& digits, int count) {
@@ -54,15 +43,15 @@ double PowerOfTen(std::int32_t exponent) {
 // Fifteen digits and the scaling move a number by less than this part of it, so that
 // only next to a boundary they tell on which side it lies. Not asking for them
 // elsewhere buys most of the time of a rounding.
-constexpr double kBlur = 1e-14;
-constexpr double kBlurLimit = 1e13;
+constexpr double kEpsilon = 1e-14;
+constexpr double kEpsilonLimit = 1e13;
 
 /// `value` rounded to `decimals`, unless it lies next to a half.
 std::optional<double> RoundOffHalves(double value, std::int32_t decimals) {
   const double scaled = std::fabs(value) * PowerOfTen(decimals);
-  if (!(scaled < kBlurLimit)) return std::nullopt;
+  if (!(scaled < kEpsilonLimit)) return std::nullopt;
   const double units = std::nearbyint(scaled);
-  if (0.5 - std::fabs(scaled - units) <= kBlur * scaled) return std::nullopt;
+  if (0.5 - std::fabs(scaled - units) <= kEpsilon * scaled) return std::nullopt;
   const double magnitude = units / PowerOfTen(decimals);
   return value < 0 && magnitude != 0 ? -magnitude : magnitude;
 }
@@ -71,19 +60,13 @@ std::optional<double> RoundOffHalves(double value, std::int32_t decimals) {
 /// makes the value negative, and then too this rounds to the nearest multiple.
 double WholePart(double value) {
   const double magnitude = std::fabs(value);
-  if (magnitude < kBlurLimit && std::fabs(value - std::nearbyint(value)) > kBlur * magnitude)
+  if (magnitude < kEpsilonLimit && std::fabs(value - std::nearbyint(value)) > kEpsilon * magnitude)
     return std::floor(value);
   const DecimalDigits digits = ToDecimalDigits(Finite(value), kSignificant);
   if (digits.exponent >= kSignificant) return std::floor(value);
   const double whole = LeadingDigits(digits, digits.exponent);
   if (!digits.negative) return whole;
   return digits.count > digits.exponent ? -whole - 1 : -whole;
-}
-
-Variant MonthText(std::span<const TextView> names, double month) {
-  const double number = std::nearbyint(month);
-  if (!(number >= 1 && number <= 12)) return Variant::Null();
-  return names[static_cast<std::size_t>(number) - 1];
 }
 
 }  // namespace
@@ -119,23 +102,5 @@ double Redondear(double value, std::int32_t n) {
   const double step = Finite(std::nearbyint(PowerOfTen(n)));
   return RoundHalfEven(AjusteMedio(value, step, 0), 0);
 }
-
-Text DigitoV(TextView nit) {
-  if (nit.empty()) return {};
-  const TextView number = Trim(nit);
-  if (number.size() > kNitLength) Raise(Failure::InvalidArgument);
-  int sum = 0;
-  for (std::size_t i = 0; i < number.size(); ++i) {
-    const char16_t c = number[number.size() - 1 - i];
-    if (c >= u'0' && c <= u'9') sum += kNitWeights[i] * (c - u'0');
-  }
-  const int remainder = sum % 11;
-  const int digit = remainder > 1 ? 11 - remainder : remainder;
-  return Text(1, static_cast<char16_t>(u'0' + digit));
-}
-
-Variant NombreMes(double month) { return MonthText(kMonths, month); }
-
-Variant MesAbr(double month) { return MonthText(kShortMonths, month); }
 
 }  // namespace tovalin::evaluator

@@ -5,8 +5,8 @@
 #include <random>
 #include <vector>
 
-#include "evaluator/number_helpers.h"
-#include "evaluator/text_helpers.h"
+#include "evaluator/rounding.h"
+#include "evaluator/text_operations.h"
 #include "tovalin/error.h"
 
 namespace tovalin::evaluator {

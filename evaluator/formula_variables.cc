@@ -1,19 +1,17 @@
-#include "evaluator/dependencies.h"
+#include "evaluator/formula_variables.h"
 
 #include <algorithm>
 #include <unordered_set>
 
-#include "evaluator/references.h"
-
 namespace tovalin {
 
 void DependencyIndex::Refresh() {
-  const NamesStamp stamp = StampNames(symbols_, nullptr);
-  if (stamp == stamp_) return;
-  const std::uint64_t vocabulary = VocabularyStamp(symbols_);
+  const NamesVersion version = VersionOfNames(symbols_, nullptr);
+  if (version == version_) return;
+  const std::uint64_t vocabulary = VocabularyVersion(symbols_);
   const auto records = static_cast<std::size_t>(symbols_.variables->Count());
   const bool stray = mentions_.size() > 2 * records + 64;  // of records that are gone
-  if (stray || vocabulary != vocabulary_) mentions_.clear();
+  if (stray || vocabulary != vocabulary_version_) mentions_.clear();
   dependants_.clear();
   formula_count_ = 0;
   for (const Ref<Campo>& record : symbols_.variables->List().Items()) {
@@ -26,8 +24,8 @@ void DependencyIndex::Refresh() {
       if (readers.empty() || readers.back() != record.get()) readers.push_back(record.get());
     }
   }
-  stamp_ = stamp;
-  vocabulary_ = vocabulary;
+  version_ = version;
+  vocabulary_version_ = vocabulary;
 }
 
 const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {
@@ -35,10 +33,10 @@ const std::vector<Text>& DependencyIndex::NamesOf(const Campo& record) {
   if (mentions.formula == record.Formula()) return mentions.names;
   mentions.formula.clear();
   mentions.names.clear();
-  const TokenList list = plans_.Tokens(record.Formula());
+  const TokenList list = lexer_.Tokens(record.Formula());
   for (const Token& token : list.tokens) {
     if (token.kind != TokenKind::Name) continue;
-    mentions.names.emplace_back(NameOf(list, token));
+    mentions.names.emplace_back(list.NameOf(token));
   }
   mentions.formula = record.Formula();  // once the names are complete
   return mentions.names;
@@ -62,28 +60,22 @@ std::vector<Ref<Campo>> DependencyIndex::Dependants(const std::vector<Ref<Campo>
   Refresh();
   if (dependants_.empty()) return {};
   const std::vector<Campo*> reached = Reached(roots);
-  std::unordered_map<const Campo*, std::size_t> waits_for;
-  for (const Campo* record : reached) waits_for[record] += 0;
-  const auto each_reader = [&](const Campo* record, auto visit) {
-    const auto found = dependants_.find(record);
+  std::unordered_map<const Campo*, std::size_t> indexes;
+  for (std::size_t i = 0; i < reached.size(); ++i) indexes.emplace(reached[i], i);
+  const auto for_each_reader = [&](std::size_t node, auto visit) {
+    const auto found = dependants_.find(reached[node]);
     if (found == dependants_.end()) return;
-    for (Campo* reader : found->second)
-      if (const auto waiting = waits_for.find(reader); waiting != waits_for.end())
-        visit(reader, waiting->second);
+    for (const Campo* reader : found->second)
+      if (const auto index = indexes.find(reader); index != indexes.end()) visit(index->second);
   };
-  for (const Campo* record : reached)
-    each_reader(record, [](Campo*, std::size_t& count) { ++count; });
-
   std::vector<Ref<Campo>> order;
-  const auto place = [&](Campo* record) { order.push_back(Ref<Campo>::Share(record)); };
-  for (Campo* record : reached)
-    if (waits_for[record] == 0) place(record);
-  for (std::size_t next = 0; next < order.size(); ++next)
-    each_reader(order[next].get(), [&](Campo* reader, std::size_t& count) {
-      if (count > 0 && --count == 0) place(reader);
-    });
-  for (Campo* record : reached)
-    if (waits_for[record] > 0) place(record);
+  std::vector<bool> is_placed(reached.size());
+  for (std::size_t node : DependencyOrder(reached.size(), for_each_reader)) {
+    order.push_back(Ref<Campo>::Share(reached[node]));
+    is_placed[node] = true;
+  }
+  for (std::size_t node = 0; node < reached.size(); ++node)
+    if (!is_placed[node]) order.push_back(Ref<Campo>::Share(reached[node]));
   return order;
 }
 

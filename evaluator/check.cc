@@ -1,12 +1,23 @@
-#include "evaluator/infix_check.h"
+#include "evaluator/check.h"
 
 #include <algorithm>
 
-#include "evaluator/references.h"
 #include "tovalin/convert.h"
 
 namespace tovalin {
 namespace {
+
+void LookUp(Token& token, TextView name, const Symbols& symbols, const Campos* locals) {
+  if (locals && (token.record = locals->Find(name))) {
+    token.scope = Scope::Local;
+  } else if ((token.record = symbols.variables->Find(name))) {
+    token.scope = Scope::Variable;
+  } else if ((token.record = symbols.constants->Find(name))) {
+    token.scope = Scope::Constant;
+  } else {
+    token.scope = Scope::None;
+  }
+}
 
 constexpr TextView kDuplicate = u"Operador duplicado ";
 constexpr TextView kBrackets =
@@ -91,7 +102,7 @@ bool CheckName(TokenList& list, Token& token, const Symbols& symbols, const Camp
 // A literal that begins with "@" deliberately counts as a name here.
 bool CheckLiteral(TokenList& list, const Token& token, const Symbols& symbols,
                   const Campos* locals) {
-  const TextView name = NameBehindAt(list, token);
+  const TextView name = list.NameBehindAt(token);
   return !name.empty() && CheckReading(list, token, name, symbols, locals);
 }
 
@@ -124,7 +135,46 @@ void CheckOperands(TokenList& list, const Symbols& symbols, const Campos* locals
       {FaultCode::MissingExpression, last.start + last.length, 0, Text(kMissing)});
 }
 
+// Moves the spans of `faults` from `text` to the text that the host gave, of which
+// `text` is a copy with some characters left out.
+void MoveSpansToHostText(std::vector<Fault>& faults, TextView text, TextView host_text) {
+  if (faults.empty() || text.size() == host_text.size()) return;
+  std::vector<std::uint32_t> place(text.size() + 1, static_cast<std::uint32_t>(host_text.size()));
+  std::size_t host = 0;
+  for (std::size_t i = 0; i < text.size(); ++i, ++host) {
+    while (host < host_text.size() && host_text[host] != text[i]) ++host;
+    place[i] = static_cast<std::uint32_t>(std::min(host, host_text.size()));
+  }
+  for (Fault& fault : faults) {
+    const std::uint32_t end = place[fault.start + fault.length];
+    fault.start = place[fault.start];
+    fault.length = end - fault.start;
+  }
+}
+
+Ref<Collection> FaultRecord(const Variant& expression, const Fault& fault) {
+  auto record = Make<Collection>();
+  const auto add = [&](TextView key, Variant value) { record->Add(value, Variant(key)); };
+  add(u"Codigo", static_cast<std::int32_t>(fault.code));
+  add(u"Inicio", static_cast<std::int32_t>(fault.start + 1));
+  add(u"Largo", static_cast<std::int32_t>(fault.length));
+  add(u"Mensaje", fault.message);
+  add(u"Expresion", expression);
+  return record;
+}
+
 }  // namespace
+
+TextView ResolveOperand(TokenList& list, Token& operand, const Symbols& symbols,
+                        const Campos* locals) {
+  const TextView name = list.NameOf(operand);
+  LookUp(operand, name, symbols, locals);
+  if (operand.scope == Scope::None || name.size() == operand.length) return name;
+  if (list.text[operand.start] == u'@') list.at_signs.push_back(operand.start);
+  operand.start = static_cast<std::uint32_t>(name.data() - list.text.data());
+  operand.length = static_cast<std::uint32_t>(name.size());
+  return name;
+}
 
 void CheckTokens(TokenList& list, const Symbols& symbols, const Campos* locals) {
   const std::vector<Fault> faults = StructuralFaults(list);
@@ -146,19 +196,19 @@ Text NormalisedExpression(const TokenList& list) {
   return expression;
 }
 
-void MoveSpansToHostText(std::vector<Fault>& faults, TextView text, TextView host_text) {
-  if (faults.empty() || text.size() == host_text.size()) return;
-  std::vector<std::uint32_t> place(text.size() + 1, static_cast<std::uint32_t>(host_text.size()));
-  std::size_t host = 0;
-  for (std::size_t i = 0; i < text.size(); ++i, ++host) {
-    while (host < host_text.size() && host_text[host] != text[i]) ++host;
-    place[i] = static_cast<std::uint32_t>(std::min(host, host_text.size()));
-  }
-  for (Fault& fault : faults) {
-    const std::uint32_t end = place[fault.start + fault.length];
-    fault.start = place[fault.start];
-    fault.length = end - fault.start;
-  }
+void AppendFaultRecords(Collection& records, const FaultReport& report) {
+  std::vector<Fault> faults = report.faults;
+  MoveSpansToHostText(faults, report.text, report.host_text);
+  const Variant expression(report.host_text);  // shared by all records
+  for (const Fault& fault : faults) records.Add(FaultRecord(expression, fault));
+}
+
+void AppendFaultLines(Text& lines, std::size_t& number, const FaultReport& report) {
+  for (const Fault& fault : report.faults)
+    lines.append(FromUtf8(std::to_string(++number)))
+        .append(u" - ")
+        .append(fault.message)
+        .append(u"\r\n");
 }
 
 }  // namespace tovalin

@@ -1,18 +1,23 @@
-#include "evaluator/text_helpers.h"
+#include "evaluator/text_operations.h"
 
 #include <algorithm>
 #include <vector>
 
+#include "evaluator/language.h"
 #include "tovalin/error.h"
 #include "tovalin/variant.h"
 
 namespace tovalin::evaluator {
 namespace {
 
+constexpr std::size_t kNitLength = 15;
+// By position, the digit at the right first.
+constexpr int kNitWeights[kNitLength] = {3, 7, 13, 17, 19, 23, 29, 37, 41, 43, 47, 53, 59, 67, 71};
+
 constexpr TextView kParticles[] = {u"de", u"del", u"la", u"las", u"los", u"y", u"e"};
 
 /// Raises 7 when `count` more pieces of `size` characters do not fit behind `length`.
-void RequireRoom(std::size_t length, std::size_t count, std::size_t size) {
+void RequireLength(std::size_t length, std::size_t count, std::size_t size) {
   if (length > kLongestText || (size > 0 && count > (kLongestText - length) / size))
     Raise(Failure::OutOfMemory);
 }
@@ -60,21 +65,21 @@ class LinearSearch {
 template <class Visit>
 void ForEachPlace(TextView text, TextView part, Visit visit) {
   if (part.empty()) return;
-  const auto walk = [&](const auto& search) {
+  const auto visit_all = [&](const auto& search) {
     for (std::size_t place = search(text, 0); place != TextView::npos;
          place = search(text, place + part.size()))
       visit(place);
   };
   constexpr std::size_t kShort = 64;
   if (part.size() > kShort)
-    walk(LinearSearch(part));
+    visit_all(LinearSearch(part));
   else
-    walk([part](TextView where, std::size_t from) { return where.find(part, from); });
+    visit_all([part](TextView where, std::size_t from) { return where.find(part, from); });
 }
 
-/// Takes the text up to the first `delimiter` off the front of `rest`, with the
+/// Extracts the text up to the first `delimiter` from the front of `rest`, and the
 /// delimiter behind it.
-TextView TakePart(TextView& rest, TextView delimiter) {
+TextView ExtractPart(TextView& rest, TextView delimiter) {
   const std::size_t end = delimiter.empty() ? TextView::npos : rest.find(delimiter);
   const TextView part = rest.substr(0, end);
   rest = end == TextView::npos ? TextView() : rest.substr(end + delimiter.size());
@@ -121,7 +126,7 @@ bool IsParticle(TextView word) {
 Text ReplaceString(TextView text, TextView macro, TextView replacement) {
   const std::size_t count = CharCount(text, macro);
   const std::size_t kept = text.size() - count * macro.size();
-  RequireRoom(kept, count, replacement.size());
+  RequireLength(kept, count, replacement.size());
   Text result;
   result.reserve(kept + count * replacement.size());
   std::size_t taken = 0;
@@ -143,7 +148,7 @@ std::size_t CharCount(TextView text, TextView part) {
 Text Replicate(TextView text, std::int32_t count) {
   if (count < 0) Raise(Failure::InvalidArgument);
   const auto times = static_cast<std::size_t>(count);
-  RequireRoom(0, times, text.size());
+  RequireLength(0, times, text.size());
   Text result;
   result.reserve(times * text.size());
   if (text.empty()) return result;
@@ -156,11 +161,11 @@ Text CSVNextChar(TextView& rest, TextView delimiter, TextView quote) {
   if (!quote.empty() && rest.starts_with(quote)) {
     do {
       rest.remove_prefix(quote.size());
-      field.append(TakePart(rest, quote));
+      field.append(ExtractPart(rest, quote));
       if (rest.starts_with(quote)) field.append(quote);
     } while (rest.starts_with(quote));
   }
-  return field.append(TakePart(rest, delimiter));
+  return field.append(ExtractPart(rest, delimiter));
 }
 
 Text StripNit(TextView nit) {
@@ -168,6 +173,20 @@ Text StripNit(TextView nit) {
   for (const char16_t c : nit.substr(0, nit.rfind(u'-')))
     if (IsDigit(c) || IsLetter(c)) result.push_back(c);
   return result;
+}
+
+Text DigitoV(TextView nit) {
+  if (nit.empty()) return {};
+  const TextView number = Trim(nit);
+  if (number.size() > kNitLength) Raise(Failure::InvalidArgument);
+  int sum = 0;
+  for (std::size_t i = 0; i < number.size(); ++i) {
+    const char16_t c = number[number.size() - 1 - i];
+    if (c >= u'0' && c <= u'9') sum += kNitWeights[i] * (c - u'0');
+  }
+  const int remainder = sum % 11;
+  const int digit = remainder > 1 ? 11 - remainder : remainder;
+  return Text(1, static_cast<char16_t>(u'0' + digit));
 }
 
 Text RemoveChars(TextView text) {
@@ -180,7 +199,7 @@ Text RemoveChars(TextView text) {
 
 Text AjustarDigitosGrupo(TextView text) {
   const DigitRuns runs = FindDigitRuns(text);
-  RequireRoom(text.size(), runs.count, runs.longest);
+  RequireLength(text.size(), runs.count, runs.longest);
   Text result;
   while (!text.empty()) {
     if (const std::size_t run = DigitRun(text); run > 0) {
@@ -210,11 +229,11 @@ Text DoAutoBracket(TextView column) {
   }
 }
 
-TextView ExtraerPalabra(TextView full_name, std::uint8_t part) {
+TextView WordOfName(TextView full_name, std::uint8_t part) {
   TextView rest = Trim(full_name);
   std::uint8_t words = 0;
   while (!rest.empty() && words < part) {
-    const TextView word = TakePart(rest, u" ");
+    const TextView word = ExtractPart(rest, u" ");
     if (!rest.empty() && IsParticle(word)) continue;
     if (++words == part) return word;
   }

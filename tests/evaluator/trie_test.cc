@@ -1,10 +1,10 @@
-#include "evaluator/element_search.h"
+#include "evaluator/trie.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
-
-#include "evaluator/vocabulary.h"
+#include <vector>
 
 namespace tovalin {
 namespace {
@@ -27,16 +27,6 @@ Found FindSlowly(const std::vector<Text>& patterns, TextView text, std::size_t f
   return {};
 }
 
-std::vector<Text> PatternsOf(const Symbols& symbols) {
-  std::vector<Text> patterns = {u"(", u")", u","};
-  for (const Ref<Campo>& record : symbols.operators->List().Items())
-    patterns.push_back(OperatorElement(*record).is_word ? u" " + record->Name() + u" "
-                                                        : record->Name());
-  for (const Ref<Campo>& record : symbols.functions->List().Items())
-    patterns.push_back(record->Name());
-  return patterns;
-}
-
 class Generator {
  public:
   explicit Generator(unsigned seed) : random_(seed) {}
@@ -54,26 +44,36 @@ class Generator {
   std::minstd_rand random_;
 };
 
-TEST(ElementSearch, FindsTheEarliestAndOfThoseTheLongest) {
+TEST(Trie, FindsTheEarliestAndOfThoseTheLongest) {
   Generator generator(5);
   for (int turn = 0; turn < 60; ++turn) {
-    Symbols symbols;
+    Trie trie;
+    std::vector<Text> patterns;
+    const auto add = [&](const Text& pattern) {
+      const auto same = [&](const Text& other) { return EqualFolded(pattern, other); };
+      const bool is_new = std::ranges::none_of(patterns, same);
+      ASSERT_EQ(trie.Add(pattern), is_new) << ToUtf8(pattern);
+      if (is_new) patterns.push_back(pattern);
+    };
+    for (const TextView known :
+         {u"(", u")", u",", u"-1*", u"<", u"<=", u" AND ", u" BETWEEN ", u"MEDIO("})
+      add(Text(known));
     // At the end so many that the rows of the search do not reach all nodes.
     for (int added = turn * turn; added >= 0; --added) {
-      const Text name(Trim(generator.Word(7)));
-      if (!name.empty() && !symbols.functions->Exists(name))
-        symbols.functions->Add(Make<Campo>(name));
+      const Text pattern(Trim(generator.Word(7)));
+      if (!pattern.empty()) add(pattern);
     }
-    ElementSearch search;
-    search.Build(symbols);
-    const std::vector<Text> patterns = PatternsOf(symbols);
+    trie.Finish();
     for (int i = 0; i < 40; ++i) {
       Text text = generator.Word(30);
       if (i % 4 == 0) text += u" and MEDIO(" + generator.Word(9) + u" BeTween -1*";
       const std::size_t from = generator.Below(text.size());
-      const ElementSearch::Match match = search.Find(text, from);
-      const Found found = match.element ? Found{match.start, match.element->length} : Found{};
+      const Trie::Match match = trie.Find(text, from);
+      const Found found = match ? Found{match.start, match.length} : Found{};
       ASSERT_EQ(found, FindSlowly(patterns, text, from)) << ToUtf8(text) << ' ' << from;
+      if (match) {
+        ASSERT_EQ(patterns[match.pattern].size(), match.length);
+      }
     }
   }
 }

@@ -2,10 +2,7 @@
 
 #include <cstdint>
 
-#include "tovalin/text.h"
-#include "tovalin/variant.h"
-
-// The evaluator's own number helpers. They read a number as its 15 significant
+// How formulas round: they read a number as its 15 significant
 // decimal digits, the number that its text shows: 1.15 / 0.1 + 0.5 is 12 to
 // them, and 2.675 lies half-way between 2.67 and 2.68, though the nearest
 // doubles are a little less.
@@ -36,17 +33,5 @@ double AjusteMedio(double value, double step, std::int32_t decimals);
 /// the even neighbour: n = 3 rounds to thousands, and 0 to whole numbers.
 /// Raises 11 for a negative n, whose step is 0, and 6 when the step does not fit.
 double Redondear(double value, std::int32_t n);
-
-/// The check digit of a Colombian tax number (NIT) as text; empty for the empty
-/// text. Blanks at the ends do not count, and a character that is no digit
-/// counts as 0. Raises 5 for more than 15 characters.
-/// Example: "800197268" gives "4".
-Text DigitoV(TextView nit);
-
-/// The name of a month by its number, rounded to a whole one; Null outside 1 to 12.
-Variant NombreMes(double month);
-
-/// The same in three letters.
-Variant MesAbr(double month);
 
 }  // namespace tovalin::evaluator

@@ -6,13 +6,10 @@
 #include "tovalin/text.h"
 #include "tovalin/variant.h"
 
-// The evaluator's own text helpers. Those that make a longer text raise 7 when
+// What formulas and hosts do with texts. Operations that make a longer text raise 7 when
 // the result would not fit in a text of the platform (2^30 characters).
 
 namespace tovalin::evaluator {
-
-/// The characters that names must not contain, in the order of the vocabulary.
-inline constexpr TextView kReservedCharacters = u"+-/*^();!#%&[]{}?~.,\\|<>=:@$";
 
 /// `text` with every occurrence of `macro`, compared exactly and taken from left
 /// to right, replaced by `replacement`. An empty macro changes nothing.
@@ -28,7 +25,7 @@ std::size_t CharCount(TextView text, TextView part);
 /// `text` repeated `count` times. Raises 5 for a negative count.
 Text Replicate(TextView text, std::int32_t count);
 
-/// Takes the first field off the front of `rest`, with the delimiter behind it,
+/// Extracts the first field from the front of `rest`, with the delimiter behind it,
 /// and gives the field. Between quotes, when a quote is given, the delimiter is
 /// text and a doubled quote is one quote. An empty delimiter gives all of `rest`.
 /// Example: of "a,b,c" it gives "a" and leaves "b,c".
@@ -37,6 +34,12 @@ Text CSVNextChar(TextView& rest, TextView delimiter, TextView quote = {});
 /// The letters and digits of a tax number before its last "-", or all of them
 /// when there is none. Example: "800.197.268-4" gives "800197268".
 Text StripNit(TextView nit);
+
+/// The check digit of a Colombian tax number (NIT) as text; empty for the empty
+/// text. Blanks at the ends do not count, and a character that is no digit
+/// counts as 0. Raises 5 for more than 15 characters.
+/// Example: "800197268" gives "4".
+Text DigitoV(TextView nit);
 
 /// `text` without the reserved characters, both quotes and blanks.
 Text RemoveChars(TextView text);
@@ -55,7 +58,7 @@ Text DoAutoBracket(TextView column);
 /// and beyond the last word. The particles de, del, la, las, los, y, e are no
 /// words of their own when another word follows, in any case.
 /// Example: word 2 of "María de los Ángeles Pérez" is "Ángeles".
-TextView ExtraerPalabra(TextView full_name, std::uint8_t part);
+TextView WordOfName(TextView full_name, std::uint8_t part);
 
 /// The last word of `text`.
 TextView ExtraeRev(TextView text);
