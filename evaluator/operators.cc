@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "frame/text/characters.h"
 #include "frame/value/arithmetic.h"
 #include "frame/value/comparison.h"
 #include "tovalin/convert.h"
@@ -126,8 +127,6 @@ void ApplyAlone(const Operator* row, Variant& value) {
   value = Normalised(std::move(value));
   if (row && row->negates_alone) value = Negated(value);
 }
-
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 // Whether the digits of a text are grouped by thousands: 1,234 and 12,345,678.90,
 // but no list such as 1,2,3 and no pattern such as 0,000.00.

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "evaluator/language.h"
+#include "frame/text/characters.h"
+#include "frame/text/search.h"
 #include "tovalin/error.h"
 #include "tovalin/variant.h"
 
@@ -22,59 +24,21 @@ void RequireLength(std::size_t length, std::size_t count, std::size_t size) {
     Raise(Failure::OutOfMemory);
 }
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
 /// A letter is what has two cases, "Ñ" as well as "N".
 bool IsLetter(char16_t c) {
   const TextView text(&c, 1);
   return ToUpper(text) != text || ToLower(text) != text;
 }
 
-/// Finds a long text in linear time, where the plain search takes the product of
-/// both lengths at worst.
-class LinearSearch {
- public:
-  explicit LinearSearch(TextView part) : part_(part), borders_(part.size()) {
-    for (std::size_t i = 1; i < part.size(); ++i) borders_[i] = Extend(borders_[i - 1], part[i]);
-  }
-
-  std::size_t operator()(TextView text, std::size_t from) const {
-    std::size_t matched = 0;
-    for (std::size_t i = from; i < text.size(); ++i) {
-      matched = Extend(matched, text[i]);
-      if (matched == part_.size()) return i + 1 - matched;
-    }
-    return TextView::npos;
-  }
-
- private:
-  /// How much of the part is matched after one more character.
-  std::size_t Extend(std::size_t matched, char16_t c) const {
-    while (matched > 0 && part_[matched] != c) matched = borders_[matched - 1];
-    return part_[matched] == c ? matched + 1 : 0;
-  }
-
-  TextView part_;
-  // For each prefix of the part, the length of its longest proper prefix that is
-  // also its end.
-  std::vector<std::size_t> borders_;
-};
-
 /// Calls `visit` with the place of every occurrence of `part` in `text`, from
 /// left to right and without overlaps.
 template <class Visit>
 void ForEachPlace(TextView text, TextView part, Visit visit) {
   if (part.empty()) return;
-  const auto visit_all = [&](const auto& search) {
-    for (std::size_t place = search(text, 0); place != TextView::npos;
-         place = search(text, place + part.size()))
-      visit(place);
-  };
-  constexpr std::size_t kShort = 64;
-  if (part.size() > kShort)
-    visit_all(LinearSearch(part));
-  else
-    visit_all([part](TextView where, std::size_t from) { return where.find(part, from); });
+  const TextSearch search(part);
+  for (std::size_t place = search.Find(text); place != TextView::npos;
+       place = search.Find(text, place + part.size()))
+    visit(place);
 }
 
 /// Extracts the text up to the first `delimiter` from the front of `rest`, and the
