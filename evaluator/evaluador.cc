@@ -19,7 +19,9 @@ Ref<Campos> LocalsOf(Ref<Campos>* local_variables) {
 }
 
 // The plan of what a host wants evaluated: a formula text, or a postfix Collection.
-PreparedPlan Prepare(Evaluador::Core& core, const Variant& expression, const Ref<Campos>& locals) {
+// Out of line, as what follows: a plan of numbers that came before needs neither.
+[[gnu::noinline]] PreparedPlan Prepare(Evaluador::Core& core, const Variant& expression,
+                                       const Ref<Campos>& locals) {
   if (!expression.Is(Subtype::Object)) {
     const Variant text = expression.Is(Subtype::String) ? expression : Variant(ToText(expression));
     PreparedPlan prepared = core.plans.Prepare(text.AsSharedText(), locals);
@@ -34,8 +36,9 @@ PreparedPlan Prepare(Evaluador::Core& core, const Variant& expression, const Ref
 
 // Where the host's code may run, the formula is in the trace before, in case the host
 // does not survive it; otherwise it can wait for the result, or the error.
-PlanResult EvaluateItemsTraced(Evaluador::Core& core, Calculation& calculation,
-                               const PreparedPlan& prepared, const Campos* locals) {
+[[gnu::noinline]] PlanResult EvaluateItemsTraced(Evaluador::Core& core, Calculation& calculation,
+                                                 const PreparedPlan& prepared,
+                                                 const Campos* locals) {
   Plan& plan = *prepared.plan;
   const bool calls_host = plan.postfix.calls_host;
   if (calls_host) core.trace.Begin(prepared.plan, prepared.Expression());
@@ -49,6 +52,15 @@ PlanResult EvaluateItemsTraced(Evaluador::Core& core, Calculation& calculation,
     if (!calls_host) core.trace.Begin(prepared.plan, prepared.Expression());
     throw;
   }
+}
+
+// The same, with the calculation that it is part of.
+[[gnu::noinline]] PlanResult EvaluateItemsAlone(Evaluador::Core& core,
+                                                std::optional<Calculation>& calculation,
+                                                const PreparedPlan& prepared,
+                                                const Ref<Campos>& locals) {
+  calculation.emplace(core, locals);
+  return EvaluateItemsTraced(core, *calculation, prepared, locals.get());
 }
 
 }  // namespace
@@ -175,8 +187,7 @@ bool Evaluador::EvaluatePosfijo(const Variant& vExpresion, Variant& Result,
     PlanResult result = EvaluatePlan(**plan, [&] {
       // Code of the host may replace a plan that is kept.
       if (!prepared.plan) prepared.plan = *std::exchange(plan, &prepared.plan);
-      calculation.emplace(*core_, locals);
-      return EvaluateItemsTraced(*core_, *calculation, prepared, locals.get());
+      return EvaluateItemsAlone(*core_, calculation, prepared, locals);
     });
     core_->trace.End(*plan, prepared.Expression(), result.value.Value(), result.left);
     // Last, since what it replaces may be an object of the host.

@@ -35,7 +35,7 @@ void Trace::UseStore(Ref<SettingsStore> store) {
 void Trace::Begin(const Ref<Plan>& plan, const Text* expression) noexcept {
   Ref<Plan> former;
   try {
-    const bool is_shown = ShowFormula(plan, expression, former);
+    const bool is_shown = IsShown(plan, expression) || ShowFormula(plan, expression, former);
     if (is_shown && !store_ && live_.Holds()) return;
     Put(FormulaOf(*plan, expression), is_shown ? kFormulaTexts : 0);
   } catch (...) {
@@ -47,7 +47,8 @@ void Trace::End(const Ref<Plan>& plan, const Text* expression, const Variant& re
                 std::size_t left) noexcept {
   Ref<Plan> former;
   try {
-    const bool is_formula_shown = ShowFormula(plan, expression, former);
+    const bool is_formula_shown =
+        IsShown(plan, expression) || ShowFormula(plan, expression, former);
     const bool is_result_shown = ShowResult(result, left);
     if (is_formula_shown && is_result_shown && !store_ && live_.Holds()) return;
     LiveChanges changes = FormulaOf(*plan, expression);
@@ -72,11 +73,8 @@ void Trace::Forget() {
   shown_bits_.reset();
 }
 
-// Whether the formula is the one that was shown last: not if the text has no plan to itself,
-// or a handler evaluated another one.
+// False, as what is shown has changed.
 bool Trace::ShowFormula(const Ref<Plan>& plan, const Text* expression, Ref<Plan>& former) {
-  const bool is_shown = !expression && shown_ == plan && shown_version_ == plan->trace_version;
-  if (is_shown) return true;
   if (plan->trace_version == 0) {
     postfix_.clear();
     AppendPostfixText(postfix_, plan->postfix);

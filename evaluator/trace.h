@@ -28,6 +28,11 @@ class Trace {
   bool UsesStore() const { return static_cast<bool>(store_); }
 
  private:
+  /// Whether the formula is the one that was shown last: not if the text has no plan to
+  /// itself, or a handler evaluated another one.
+  bool IsShown(const Ref<Plan>& plan, const Text* expression) const {
+    return !expression && shown_ == plan && shown_version_ == plan->trace_version;
+  }
   bool ShowFormula(const Ref<Plan>& plan, const Text* expression, Ref<Plan>& former);
   bool ShowResult(const Variant& result, std::size_t left);
   void Put(const LiveChanges& changes, std::size_t same);
