@@ -165,6 +165,9 @@ set(TOVALIN_SOURCES
     files/process_posix.cc
     files/process_windows.cc
     files/text_file.cc
+    vocabulary/function_help.cc
+    vocabulary/operator_help.cc
+    vocabulary/records.cc
     classes.cc
 )
 

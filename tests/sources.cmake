@@ -44,6 +44,7 @@ set(evaluator_tests
     evaluator/symbols_test.cc
     evaluator/trace_test.cc
     evaluator/trie_test.cc
+    evaluator/vocabulario_test.cc
 )
 
 set(export_tests
