@@ -102,6 +102,7 @@ set(tool_cases
     eval
     export
     flat
+    help
     selftest
     table
     vocabulary
