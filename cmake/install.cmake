@@ -14,6 +14,19 @@ if(TARGET tovalin_tool)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/tests/conformance
           DESTINATION ${CMAKE_INSTALL_DATADIR}/tovalin)
 endif()
+if(TARGET tovalin_tool AND NOT WIN32)
+  # The tool knows its commands: it writes its page of the manual, and what bash completes.
+  set(pages ${PROJECT_BINARY_DIR}/pages)
+  add_custom_command(
+    OUTPUT ${pages}/tovalin.1 ${pages}/tovalin
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${pages}
+    COMMAND tovalin_tool help --man > ${pages}/tovalin.1
+    COMMAND tovalin_tool completion bash > ${pages}/tovalin
+    DEPENDS tovalin_tool VERBATIM)
+  add_custom_target(tovalin_pages ALL DEPENDS ${pages}/tovalin.1 ${pages}/tovalin)
+  install(FILES ${pages}/tovalin.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${pages}/tovalin DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endif()
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TovalinConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)

@@ -165,6 +165,9 @@ set(TOVALIN_SOURCES
     files/process_posix.cc
     files/process_windows.cc
     files/text_file.cc
+    vocabulary/function_help.cc
+    vocabulary/operator_help.cc
+    vocabulary/records.cc
     classes.cc
 )
 
@@ -174,6 +177,7 @@ set(TOVALIN_TOOL_SOURCES
     hosts/cli/case_file.cc
     hosts/cli/case_kinds.cc
     hosts/cli/command_line.cc
+    hosts/cli/completion_command.cc
     hosts/cli/csv.cc
     hosts/cli/csv_parser.cc
     hosts/cli/describe_command.cc
@@ -185,11 +189,14 @@ set(TOVALIN_TOOL_SOURCES
     hosts/cli/formula_cases.cc
     hosts/cli/formula_commands.cc
     hosts/cli/formula_table.cc
+    hosts/cli/help_commands.cc
     hosts/cli/input.cc
+    hosts/cli/json_value.cc
     hosts/cli/main.cc
     hosts/cli/reference_page.cc
     hosts/cli/selftest_command.cc
     hosts/cli/signature.cc
+    hosts/cli/spanish.cc
     hosts/cli/system_posix.cc
     hosts/cli/system_windows.cc
     hosts/cli/table_command.cc

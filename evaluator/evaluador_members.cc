@@ -342,6 +342,14 @@ constexpr MemberRow kMembers[] = {
         .Reference(u"Las faltas de la última revisión, con su lugar: una Collection de Collections "
                    u"con los elementos \"Codigo\" (CodigoFalta), \"Inicio\" (desde 1), \"Largo\", "
                    u"\"Mensaje\" y \"Expresion\", el texto en que está la falta."),
+    Get<&E::Vocabulario>(69, u"Vocabulario",
+                         u"Lo que las fórmulas pueden nombrar, para editores de fórmulas")
+        .Reference(u"Los operadores, funciones, constantes y variables que las fórmulas pueden "
+                   u"nombrar: una Collection de Collections con los elementos \"Clase\" (operador, "
+                   u"funcion, constante, variable), \"Nombre\", \"Grupo\", \"Firma\", "
+                   u"\"Parametros\" (una Collection de registros con \"Nombre\", \"Tipo\" y "
+                   u"\"Texto\"), \"Resultado\" (numero, texto, fecha, logico, cualquiera), "
+                   u"\"Texto\", \"Ejemplo\", \"ValorEjemplo\", \"Prioridad\" y \"Valor\"."),
 };
 
 constexpr EventRow kEvents[] = {

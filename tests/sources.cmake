@@ -44,6 +44,7 @@ set(evaluator_tests
     evaluator/symbols_test.cc
     evaluator/trace_test.cc
     evaluator/trie_test.cc
+    evaluator/vocabulario_test.cc
 )
 
 set(export_tests
@@ -101,6 +102,7 @@ set(tool_cases
     eval
     export
     flat
+    help
     selftest
     table
     vocabulary

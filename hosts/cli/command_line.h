@@ -108,9 +108,11 @@ int RunFlatVerify(const FlatOptions& options);
 /// Prints a layout as JSON, from JSON, a schema.ini or the description of an export.
 int RunFlatLayout(const FlatOptions& options);
 
-int RunFunctions();
-int RunOperators();
-int RunConstants();
+/// How the commands that list the vocabulary print it.
+enum class Listing { Plain, Json, Markdown };
+int RunFunctions(Listing listing);
+int RunOperators(Listing listing);
+int RunConstants(Listing listing);
 /// Prints the trace of the last evaluation; with `follow`, again whenever it
 /// changes, until the process is asked to end.
 int RunTrace(bool follow);

@@ -6,7 +6,9 @@
 
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/encoding.h"
+#include "hosts/cli/help_commands.h"
 #include "hosts/cli/input.h"
+#include "hosts/cli/spanish.h"
 #include "hosts/cli/system.h"
 #include "tovalin/version.h"
 
@@ -16,50 +18,52 @@ namespace tovalin::tool {
 namespace {
 
 constexpr const char* kExitCodes =
-    "Exit codes: 0 done; 1 faults in a formula, cells with errors, an export that failed,\n"
-    "or faults in a flat file; 2 a raised error, told on standard error; 100 and more a\n"
-    "command line that is not understood. Of several lines or cells the worst counts.";
+    "Códigos de salida: 0, terminado; 1, faltas en una fórmula, celdas con error, una\n"
+    "exportación que falló o fallos en un archivo plano; 2, un error, que se cuenta en la\n"
+    "salida de errores; 100 y más, una línea de órdenes que no se entiende. De varias líneas\n"
+    "o celdas cuenta la peor.";
 
 void AddSymbolOptions(CLI::App& command, SymbolOptions& options) {
   // One value after each option, as often as it is given: the formula may follow.
   const auto repeated = [&](const char* name, std::vector<std::string>& values, const char* help) {
     command.add_option(name, values, help)->take_all()->allow_extra_args(false);
   };
-  repeated("--var", options.variables, "A variable, NAME=VALUE");
-  repeated("--formula", options.formulas, "A formula variable, NAME=FORMULA");
-  repeated("--function", options.functions, "Registers a function by its word");
+  repeated("--var", options.variables, "Una variable, NOMBRE=VALOR");
+  repeated("--formula", options.formulas, "Una variable con fórmula, NOMBRE=FÓRMULA");
+  repeated("--function", options.functions, "Registra una función por su nombre");
   command.add_flag("--system-constants", options.system_constants,
-                   "Registers the ten constants of the system");
+                   "Registra las diez constantes del sistema");
 }
 
 void AddEncoding(CLI::App& command, std::string& encoding, const char* help) {
   command.add_option("--encoding", encoding, help)
+      ->type_name("TEXTO")
       ->check(CLI::IsMember({std::string(kUtf8Name), std::string(kCodePageName)}));
 }
 
 void AddExportOptions(CLI::App& command, ExportOptions& options) {
-  command.add_option("IN", options.input, "The CSV file, - for standard input")->required();
+  command.add_option("IN", options.input, "El archivo CSV; - es la entrada estándar")->required();
   command
       .add_option("--fields", options.fields,
-                  "A CSV file with the columns name, type (code), size and column (of IN, from 0)")
+                  "Un CSV con las columnas name, type (código), size y column (de IN, desde 0)")
       ->required();
-  AddEncoding(command, options.encoding, "Of the CSV files: utf-8 (the default) or 1252");
-  command.add_option("--rows", options.rows, "How many rows, or all");
-  command.add_flag("--fixed", options.fixed, "Fixed width, in place of delimited");
-  command.add_option("--date-order", options.date_order, "DMY, DYM, MDY, MYD, YDM, YMD or AMD");
-  command.add_flag("--year4", options.year4, "Years of four digits");
-  command.add_option("--date-separator", options.date_separator, "Between the parts of a date");
-  command.add_option("--text-separator", options.text_separator, "Around texts");
-  command.add_option("OUT", options.output, "The path of the two files, without .txt and .ref")
+  AddEncoding(command, options.encoding, "De los archivos CSV: utf-8 (si no se dice) o 1252");
+  command.add_option("--rows", options.rows, "Cuántas filas, o all (todas)");
+  command.add_flag("--fixed", options.fixed, "De ancho fijo, en lugar de delimitado");
+  command.add_option("--date-order", options.date_order, "DMY, DYM, MDY, MYD, YDM, YMD o AMD");
+  command.add_flag("--year4", options.year4, "Años de cuatro cifras");
+  command.add_option("--date-separator", options.date_separator, "Entre las partes de una fecha");
+  command.add_option("--text-separator", options.text_separator, "Alrededor de los textos");
+  command.add_option("OUT", options.output, "La ruta de los dos archivos, sin .txt ni .ref")
       ->required();
 }
 
 void AddLayoutOption(CLI::App& command, FlatOptions& options) {
   command
       .add_option("--layout", options.layout,
-                  "The layout: JSON, a schema.ini or the .ref of an export")
+                  "El diseño: JSON, un schema.ini o el .ref de una exportación")
       ->required();
-  command.add_option("--section", options.section, "Of the schema.ini, by default the first");
+  command.add_option("--section", options.section, "Del schema.ini; si no se dice, la primera");
 }
 
 // A formula may begin with "-": a blank in front keeps it from being taken for
@@ -83,10 +87,12 @@ std::vector<std::string> ShieldFormulas(std::vector<std::string> arguments) {
 class CommandLine {
  public:
   CommandLine() {
+    SpeakSpanish(app_);
     app_.require_subcommand(1);
     app_.allow_windows_style_options(false);  // "/" begins a path
     app_.footer(kExitCodes);
-    app_.set_version_flag("--version", std::string("tovalin ") + kVersion);
+    app_.set_version_flag("--version", std::string("tovalin ") + kVersion,
+                          "Muestra la versión y termina");
     AddFormulaCommands();
     AddFileCommands();
     AddFlatCommands();
@@ -113,27 +119,29 @@ class CommandLine {
       return command->get_name() == arguments[0];
     };
     if (std::ranges::none_of(app_.get_subcommands(nullptr), is_named))
-      throw CLI::ParseError("Unknown command: " + arguments[0], CLI::ExitCodes::ExtrasError);
+      throw CLI::ParseError("No existe la orden " + arguments[0], CLI::ExitCodes::ExtrasError);
   }
 
   CLI::App& Add(const char* name, const char* help, std::function<int()> run) {
     CLI::App* command = app_.add_subcommand(name, help);
+    SpeakSpanish(*command);
     command->callback([this, run = std::move(run)] { chosen_ = run; });
     return *command;
   }
 
   void AddFormulaCommands() {
-    CLI::App& eval = Add("eval", "Evaluates a formula", [this] { return Eval(); });
+    CLI::App& eval = Add("eval", "Evalúa una fórmula", [this] { return Eval(); });
     AddSymbolOptions(eval, symbols_);
-    formula_option_ = eval.add_option("FORMULA", formula_, "The formula");
+    formula_option_ = eval.add_option("FORMULA", formula_, "La fórmula");
     lines_option_ =
-        eval.add_option("--lines", lines_, "A file with one formula a line, - for standard input")
+        eval.add_option("--lines", lines_,
+                        "Un archivo con una fórmula en cada línea; - es la entrada estándar")
             ->excludes(formula_option_);
-    for (CLI::App* command : {&Add("check", "Prints the tokens of a formula, or its faults",
+    for (CLI::App* command : {&Add("check", "Muestra los elementos de una fórmula, o sus faltas",
                                    [this] { return RunCheck(symbols_, formula_); }),
-                              &Add("postfix", "Prints the postfix text of a formula",
+                              &Add("postfix", "Muestra el texto posfijo de una fórmula",
                                    [this] { return RunPostfix(symbols_, formula_); })}) {
-      command->add_option("FORMULA", formula_, "The formula")->required();
+      command->add_option("FORMULA", formula_, "La fórmula")->required();
       AddSymbolOptions(*command, symbols_);
     }
   }
@@ -145,76 +153,113 @@ class CommandLine {
   }
 
   void AddFileCommands() {
-    CLI::App& table = Add("table", "Evaluates named formulas for every row of a CSV file",
+    CLI::App& table = Add("table", "Evalúa fórmulas con nombre para cada fila de un CSV",
                           [this] { return RunTable(table_); });
-    table.add_option("IN", table_.input, "The CSV file, - for standard input")->required();
-    table.add_option("--formulas", table_.formulas, "A file of lines Name = formula")->required();
+    table.add_option("IN", table_.input, "El archivo CSV; - es la entrada estándar")->required();
+    table.add_option("--formulas", table_.formulas, "Un archivo de líneas Nombre = fórmula")
+        ->required();
     table.add_option("-o,--output", table_.output,
-                     "The CSV file to write, which appears whole or not at all");
-    AddEncoding(table, table_.encoding, "Of both CSV files: utf-8 (the default) or 1252");
-    AddExportOptions(Add("export", "Exports the rows of a CSV file with clsFileExport",
+                     "El CSV que se escribe, que aparece completo o no aparece");
+    AddEncoding(table, table_.encoding, "De los dos archivos CSV: utf-8 (si no se dice) o 1252");
+    AddExportOptions(Add("export", "Exporta las filas de un CSV con clsFileExport",
                          [this] { return RunExport(export_); }),
                      export_);
   }
 
   void AddFlatCommands() {
-    CLI::App& flat = *app_.add_subcommand("flat", "Flat files by a layout");
+    CLI::App& flat = *app_.add_subcommand("flat", "Archivos planos con diseño");
+    SpeakSpanish(flat);
     flat.require_subcommand(1);
     const auto add = [&](const char* name, const char* help, int (*run)(const FlatOptions&)) {
       CLI::App* command = flat.add_subcommand(name, help);
+      SpeakSpanish(*command);
       command->callback([this, run] { chosen_ = [this, run] { return run(flat_); }; });
       return command;
     };
-    CLI::App* write = add("write", "Writes the rows of a CSV file", RunFlatWrite);
-    CLI::App* read = add("read", "Reads a flat file as CSV", RunFlatRead);
-    CLI::App* verify = add("verify", "Checks a flat file, its counts and totals", RunFlatVerify);
+    CLI::App* write = add("write", "Escribe las filas de un CSV", RunFlatWrite);
+    CLI::App* read = add("read", "Lee un archivo plano como CSV", RunFlatRead);
+    CLI::App* verify =
+        add("verify", "Verifica un archivo plano, sus cuentas y sus totales", RunFlatVerify);
     for (CLI::App* command : {write, read, verify}) {
       AddLayoutOption(*command, flat_);
-      command->add_option("IN", flat_.input, "The file to be read")->required();
+      command->add_option("IN", flat_.input, "El archivo que se lee")->required();
     }
     for (CLI::App* command : {write, read})
-      AddEncoding(*command, flat_.encoding, "Of the CSV file: utf-8 (the default) or 1252");
-    write->add_option("-o,--output", flat_.output, "The flat file, whole or not at all")
+      AddEncoding(*command, flat_.encoding, "Del archivo CSV: utf-8 (si no se dice) o 1252");
+    write
+        ->add_option("-o,--output", flat_.output,
+                     "El archivo plano, que aparece completo o no aparece")
         ->required();
-    read->add_option("-o,--output", flat_.output, "The CSV file, whole or not at all");
-    write->add_option("--param", flat_.parameters, "A value of headers and trailers, NAME=VALUE")
+    read->add_option("-o,--output", flat_.output,
+                     "El archivo CSV, que aparece completo o no aparece");
+    write
+        ->add_option("--param", flat_.parameters, "Un valor de encabezados y cierres, NOMBRE=VALOR")
         ->take_all()
         ->allow_extra_args(false);
-    write->add_flag("--partial", flat_.partial, "Publishes the file without the rows refused");
-    read->add_option("--record", flat_.record, "The kind of record, by default the first detail");
-    CLI::App* layout = add("layout", "Prints a layout as JSON", RunFlatLayout);
-    layout->add_option("--from", flat_.layout, "JSON, a schema.ini or the .ref of an export")
+    write->add_flag("--partial", flat_.partial, "Publica el archivo sin las filas rechazadas");
+    read->add_option("--record", flat_.record,
+                     "La clase de registro; si no se dice, el primer detalle");
+    CLI::App* layout = add("layout", "Muestra un diseño como JSON", RunFlatLayout);
+    layout->add_option("--from", flat_.layout, "JSON, un schema.ini o el .ref de una exportación")
         ->required();
-    layout->add_option("--section", flat_.section, "Of the schema.ini, by default the first");
+    layout->add_option("--section", flat_.section, "Del schema.ini; si no se dice, la primera");
+  }
+
+  CLI::App& AddListing(const char* name, const char* help, int (*run)(Listing)) {
+    CLI::App& command = Add(name, help, [this, run] { return run(listing_); });
+    command.add_flag_callback(
+        "--json", [this] { listing_ = Listing::Json; },
+        "Con parámetros, textos y ejemplos, en JSON");
+    return command;
   }
 
   void AddOtherCommands() {
-    Add("functions", "Lists the functions", RunFunctions);
-    Add("operators", "Lists the operators", RunOperators);
-    Add("constants", "Lists the constants of the system", RunConstants);
-    Add("trace", "Shows the trace of the last evaluation", [this] {
-      return RunTrace(follow_);
-    }).add_flag("--follow", follow_, "Shows it again at every change, until interrupted");
-    Add("selftest", "Checks the library against the conformance tables", [this] {
+    AddListing("functions", "Lista las funciones", RunFunctions)
+        .add_flag_callback(
+            "--markdown", [this] { listing_ = Listing::Markdown; }, "Las tablas de una página")
+        ->group("");  // for docs/functions.md
+    AddListing("operators", "Lista los operadores", RunOperators);
+    AddListing("constants", "Lista las constantes del sistema", RunConstants);
+    Add("trace", "Muestra el rastro de la última evaluación", [this] { return RunTrace(follow_); })
+        .add_flag("--follow", follow_,
+                  "Lo muestra otra vez con cada cambio, hasta que se interrumpa");
+    Add("selftest", "Comprueba la biblioteca con las tablas de conformidad", [this] {
       return RunSelftest(tables_);
-    }).add_option("FILE", tables_, "Tables or directories of tables");
-    CLI::App& describe = Add("describe", "Prints the description of classes and enumerations",
+    }).add_option("FILE", tables_, "Tablas o carpetas de tablas");
+    CLI::App& describe = Add("describe", "Muestra la descripción de clases y enumeraciones",
                              [this] { return RunDescribe(describe_); });
-    describe.add_option("NAME", describe_.name, "A class or an enumeration, by default all");
-    CLI::Option* json = describe.add_flag("--json", describe_.json, "As JSON");
+    describe.add_option("NAME", describe_.name,
+                        "Una clase o una enumeración; si no se dice, todas");
+    CLI::Option* json = describe.add_flag("--json", describe_.json, "En JSON");
     CLI::Option* page =
-        describe.add_flag("--markdown", describe_.markdown, "All, as docs/reference.md");
-    CLI::Option* ids = describe.add_flag("--ids", describe_.ids, "All ids, a line each");
+        describe.add_flag("--markdown", describe_.markdown, "Todas, como docs/reference.md");
+    CLI::Option* ids =
+        describe.add_flag("--ids", describe_.ids, "Todos los identificadores, uno en cada línea");
     json->excludes(page)->excludes(ids);
     page->excludes(ids);
-    call_ = &Add("call",
-                 "Calls a member: CLASS [PROPERTY=VALUE]... MEMBER [ARG]...; without MEMBER lists "
-                 "the members of a class, without CLASS the classes",
-                 [this] { return RunCall(call_->remaining()); });
+    call_ =
+        &Add("call",
+             "Llama a un miembro: CLASE [PROPIEDAD=VALOR]... MIEMBRO [ARGUMENTO]...; sin MIEMBRO "
+             "lista los miembros de la clase, y sin CLASE las clases",
+             [this] { return RunCall(call_->remaining()); });
     call_->prefix_command();
+    AddHelpCommands();
   }
 
-  CLI::App app_{"Formula evaluator and business toolbox", "tovalin"};
+  void AddHelpCommands() {
+    CLI::App& help = Add("help", "Muestra la ayuda de una orden",
+                         [this] { return manual_ ? RunManual(app_) : RunHelp(app_, help_words_); });
+    help.add_option("ORDEN", help_words_, "Las palabras de la orden; ninguna, todas las órdenes");
+    help.add_flag("--man", manual_, "Muestra la página del manual, para man");
+    Add("completion", "Muestra lo que bash necesita para completar órdenes",
+        [this] { return RunCompletion(app_); })
+        .add_option("SHELL", shell_, "El intérprete de órdenes")
+        ->type_name("TEXTO")
+        ->required()
+        ->check(CLI::IsMember({std::string("bash")}));
+  }
+
+  CLI::App app_{"Evaluador de fórmulas y caja de herramientas contables", "tovalin"};
   std::function<int()> chosen_;
   SymbolOptions symbols_;
   std::string formula_;
@@ -228,6 +273,10 @@ class CommandLine {
   bool follow_ = false;
   std::vector<std::string> tables_;
   CLI::App* call_ = nullptr;
+  Listing listing_ = Listing::Plain;
+  std::vector<std::string> help_words_;
+  bool manual_ = false;
+  std::string shell_;
 };
 
 }  // namespace

@@ -81,6 +81,18 @@ class TOVALIN_API Evaluador : public Object {
   /// variable, 5 a missing expression.
   Ref<Collection> Errores() const;
 
+  /// What formulas may name, for editors of formulas: a Collection of Collections, those of
+  /// the present tables in their order, operators, functions, constants and variables.
+  /// Each has the items
+  ///   "Clase": operador, funcion, constante or variable;
+  ///   "Nombre": as it is written, a function without its bracket; "Grupo", for menus;
+  ///   "Firma": how it is called; "Parametros": a Collection of records "Nombre", "Tipo"
+  ///   (numero, texto, fecha, logico, cualquiera) and "Texto"; "Resultado": its type;
+  ///   "Texto": what it gives; "Ejemplo": a formula; "ValorEjemplo": the text of its value;
+  ///   "Prioridad" of an operator, else Null; "Valor" of a constant or variable, else Null.
+  /// Texts are Spanish, and empty where a host gave none.
+  Ref<Collection> Vocabulario() const;
+
   // --- Symbols --------------------------------------------------------------
 
   /// Whether a variable or a constant has the name. Deliberately both the same.

@@ -8,25 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "tests/evaluator/page_evaluator.h"
 #include "tovalin/convert.h"
-#include "tovalin/evaluador.h"
 
 namespace tovalin {
 namespace {
 
-constexpr Date kClock{45327.6043402778};  // 5 February 2024, 14:30:15
-
-/// Keeps the traces of the examples out of the user's settings.
-class NoSettings : public SettingsStore {
- public:
-  void Save(TextView, TextView, TextView, TextView) override {}
-  Text Get(TextView, TextView, TextView, TextView otherwise) const override {
-    return Text(otherwise);
-  }
-};
-
 /// A row of one of the page's tables: its cells, of which the last one reads
-/// "`FORMULA` gives `RESULT`".
+/// "`FORMULA` da `RESULT`".
 struct Row {
   int line = 0;
   std::string function;  // the word with its bracket, "MEDIO(", or another cell
@@ -57,7 +46,7 @@ std::vector<Row> ReadPage() {
   std::vector<Row> rows;
   std::string line;
   for (int number = 1; std::getline(page, line); ++number) {
-    if (line.find("` gives `") == std::string::npos) continue;
+    if (line.find("` da `") == std::string::npos) continue;
     const std::size_t last_cell = line.rfind("| `");
     const auto first = CodeOf(line.substr(0, last_cell));
     const auto example = CodeOf(line.substr(std::min(last_cell, line.size())));
@@ -70,22 +59,6 @@ std::vector<Row> ReadPage() {
                     example[0], Unquoted(example[1])});
   }
   return rows;
-}
-
-/// An evaluator as the page describes it: a fixed clock, the variable `Vacio`,
-/// the trigonometric names, and a host that answers ISNULL(.
-Ref<Evaluador> PageEvaluator() {
-  auto evaluador = Make<Evaluador>();
-  evaluador->UseClock([] { return kClock; });
-  evaluador->UseSettings(Make<NoSettings>());
-  evaluador->AddVble(u"Vacio", Variant::Null(), u"", kNumeric);
-  for (const char16_t* name : {u"SIN", u"COS", u"TAN", u"CTN", u"SEC", u"CSC"})
-    evaluador->AddFunction(Text(name) + u"(", name, u"", u"");
-  Evaluador* host = evaluador.get();
-  host->Evaluate.Attach([host](const Text& Macro, Variant& Result, Ref<Collection>& rPila) {
-    if (EqualFolded(Macro, u"ISNULL(")) Result = host->LoadTopePila(rPila).Is(Subtype::Null);
-  });
-  return evaluador;
 }
 
 TEST(FunctionsPageTest, EveryExampleGivesItsResult) {
@@ -112,6 +85,38 @@ TEST(FunctionsPageTest, EveryFunctionOfTheVocabularyHasAnExampleThatCallsIt) {
   const auto functions = PageEvaluator()->Functions();
   for (const Ref<Campo>& function : *functions)
     EXPECT_TRUE(shown.contains(ToUtf8(function->Name()))) << ToUtf8(function->Name());
+}
+
+// The rows of docs/formulas.md that show what a formula is read as or gives, such as
+// "| `5*(-3)` | **2**: 5 menos 3. |": the second cell is a formula, too.
+TEST(FormulasPageTest, EveryRowOfTheTrapsIsSo) {
+  std::ifstream page(TOVALIN_SOURCE_DIR "/docs/formulas.md");
+  const auto evaluador = PageEvaluator();
+  for (const char16_t* name : {u"A", u"B"}) evaluador->AddVble(name, 7.0, u"", kNumeric);
+  const auto shown = [&](std::string formula) {
+    std::erase(formula, '`');
+    Variant result;
+    evaluador->EvaluatePosfijo(FromUtf8(formula), result);
+    return evaluador->LastError().empty() ? ToUtf8(ToText(result)) : "una falta";
+  };
+  bool in_table = false;
+  int rows = 0;
+  for (std::string line; std::getline(page, line);) {
+    if (!line.starts_with("| `")) {
+      in_table = line.starts_with("| fórmula |") || (in_table && line.starts_with("| ---"));
+      continue;
+    }
+    const std::size_t bar = line.find(" | ");
+    std::string given = line.substr(bar + 3, line.find_first_of(",:|", bar + 3) - bar - 3);
+    std::erase(given, '*');
+    given.erase(given.find_last_not_of(' ') + 1);
+    if (!in_table || given == "lo que dice") continue;
+    SCOPED_TRACE(line);
+    const std::string wanted = given == "vacío" ? "" : given == "una falta" ? given : shown(given);
+    EXPECT_EQ(shown(line.substr(2, bar - 2)), wanted);
+    ++rows;
+  }
+  EXPECT_EQ(rows, 11);
 }
 
 }  // namespace

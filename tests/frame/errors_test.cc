@@ -33,7 +33,7 @@ std::map<std::string, int> DeclaredFailures() {
 /// The numbers in the list of errors of docs/behaviour.md.
 std::set<int> DocumentedNumbers() {
   const std::string page = Read(TOVALIN_SOURCE_DIR "/docs/behaviour.md");
-  const std::size_t start = page.find("- **Errors.**");
+  const std::size_t start = page.find("- **Errores.**");
   if (start == std::string::npos) return {};
   const std::string list = page.substr(start, page.find('.', page.find(':', start)) - start);
   const std::regex number(R"(\d+)");

@@ -20,6 +20,13 @@ if(NOT WIN32)  # signals, and a page that shows another system's paths
   add_test(NAME tool.flat_kill COMMAND ${CMAKE_CURRENT_LIST_DIR}/flat_kill.sh ${tool})
   list(APPEND tool_tests tool.archivos_page tool.flat_kill)
 endif()
+add_test(NAME tool.functions_page
+         COMMAND ${CMAKE_CURRENT_LIST_DIR}/functions_page.sh ${tool}
+                 ${PROJECT_SOURCE_DIR}/docs/functions.md)
+add_test(NAME tool.readme_translation
+         COMMAND ${CMAKE_CURRENT_LIST_DIR}/translated_page.sh ${PROJECT_SOURCE_DIR}/README.md
+                 ${PROJECT_SOURCE_DIR}/LEEME.md)
+list(APPEND tool_tests tool.functions_page tool.readme_translation)
 add_test(NAME tool.conformance COMMAND tovalin_tool selftest ${PROJECT_SOURCE_DIR}/tests/conformance)
 list(APPEND tool_tests tool.conformance)
 if(NOT WIN32)  # signals

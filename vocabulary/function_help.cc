@@ -1,0 +1,292 @@
+#include <algorithm>
+#include <iterator>
+
+#include "vocabulary/help.h"
+
+namespace tovalin::vocabulary {
+namespace {
+
+using enum Group;
+
+constexpr TextView kText = u"El texto; de otro valor, el texto con que se muestra";
+constexpr TextView kSide = u"1 (CDERECHA) para la derecha; cualquier otro número, la izquierda";
+constexpr TextView kYear = u"El año; de 0 a 29 es de 2000 a 2029, y de 30 a 99, de 1930 a 1999";
+constexpr TextView kDate = u"La fecha, o un texto que se lea como fecha";
+constexpr TextView kAngle = u"El ángulo, en radianes";
+constexpr TextView kAny = u"El valor";
+
+constexpr FunctionHelp kFunctions[] = {
+    {u"MEDIO(",
+     Text,
+     {kText, u"El lugar del primer carácter, desde 1", u"Cuántos caracteres"},
+     u"La parte del texto que comienza en ese lugar, con esa cantidad de caracteres. El lugar 0 y "
+     u"los números negativos dan el error 5.",
+     {u"MEDIO( 'Contabilidad' , 4 , 4 )", u"tabi"}},
+    {u"MID(",
+     Text,
+     {kText, u"El lugar del primer carácter, desde 1", u"Cuántos caracteres"},
+     u"Lo mismo que MEDIO.",
+     {u"MID( 'Contabilidad' , 9 , 20 )", u"idad"}},
+    {u"DERECHA(",
+     Text,
+     {kText, u"Cuántos caracteres"},
+     u"Los últimos caracteres.",
+     {u"DERECHA( '110505' , 2 )", u"05"}},
+    {u"RIGHT(",
+     Text,
+     {kText, u"Cuántos caracteres"},
+     u"Lo mismo que DERECHA.",
+     {u"RIGHT( 'Caja' , 10 )", u"Caja"}},
+    {u"IZQUIERDA(",
+     Text,
+     {kText, u"Cuántos caracteres"},
+     u"Los primeros caracteres.",
+     {u"IZQUIERDA( '110505' , 4 )", u"1105"}},
+    {u"LEFT(",
+     Text,
+     {kText, u"Cuántos caracteres"},
+     u"Lo mismo que IZQUIERDA.",
+     {u"LEFT( 'Caja' , 0 )", u""}},
+    {u"AJUSTAR(",
+     Text,
+     {kText, u"El ancho en caracteres", kSide},
+     u"El texto sin los blancos de los extremos, completado con blancos o cortado a la derecha "
+     u"hasta ese ancho.",
+     {u"AJUSTAR( 'Caja' , 6 , 1 )", u"  Caja"}},
+    {u"DESAJUSTAR(",
+     Text,
+     {kText, u"El carácter que se quita", kSide},
+     u"El texto sin las repeticiones del carácter en un extremo. A la izquierda no las quita como "
+     u"se espera: una serie de 1, 3, 6 o 10 sale completa, otras dejan una parte (0000123 deja "
+     u"0123), y puede perderse un carácter que esté entre dos de ellas. Para quitar los ceros a la "
+     u"izquierda de un número se escribe VAL.",
+     {u"DESAJUSTAR( '000123' , '0' , 0 )", u"123"}},
+    {u"ReemplazarCadena(",
+     Text,
+     {kText, u"Lo que se busca, con las mayúsculas y minúsculas exactas", u"Lo que lo reemplaza"},
+     u"El texto con todas las apariciones reemplazadas. Si lo que se busca está vacío, nada "
+     u"cambia.",
+     {u"ReemplazarCadena( 'Sr. [N], firma [N]' , '[N]' , 'Ruiz' )", u"Sr. Ruiz, firma Ruiz"}},
+    {u"AjustarDigitosGrupo(",
+     Text,
+     {kText},
+     u"El texto con cada grupo de cifras completado con ceros hasta el largo del mayor, para que "
+     u"los códigos se ordenen como textos.",
+     {u"AjustarDigitosGrupo( '1.10.300' )", u"001.010.300"}},
+    {u"TRIM(",
+     Text,
+     {kText},
+     u"El texto sin los blancos de los extremos.",
+     {u"TRIM( \"  Caja  \" )", u"Caja"}},
+    {u"LEN(", Text, {kText}, u"La cantidad de caracteres.", {u"LEN( 'Nómina' )", u"6"}},
+    {u"CHR(",
+     Text,
+     {u"Un código de la página de códigos 1252, de 0 a 255"},
+     u"El carácter de ese código. Fuera de 0 a 255 da el error 5.",
+     {u"CHR( 209 )", u"Ñ"}},
+    {u"ASC(",
+     Text,
+     {kText},
+     u"El código del primer carácter: el de la página de códigos 1252, o el de 16 bits si no está "
+     u"en ella. El texto vacío da el error 5.",
+     {u"ASC( '€uro' )", u"128"}},
+    {u"StripNit(",
+     Text,
+     {u"Un número de identificación tributaria"},
+     u"Las letras y cifras que están antes del último «-», o todas si no hay ninguno.",
+     {u"StripNit( '800.197.268-4' )", u"800197268"}},
+    {u"RemoveChars(",
+     Text,
+     {kText},
+     u"El texto sin blancos, sin comillas y sin los caracteres que un nombre no puede tener.",
+     {u"RemoveChars( 'Caja (menor) #1' )", u"Cajamenor1"}},
+    {u"DigitoV(",
+     Text,
+     {u"Un NIT sin su dígito de verificación"},
+     u"El dígito de verificación de un NIT colombiano, como texto. Un carácter que no es cifra "
+     u"cuenta como 0; más de 15 caracteres dan el error 5.",
+     {u"DigitoV( '800197268' )", u"4"}},
+    {u"PrimerNombre(",
+     Text,
+     {u"El nombre completo de una persona"},
+     u"El primer nombre.",
+     {u"PrimerNombre( 'María de los Ángeles Pérez' )", u"María"}},
+    {u"SegundoNombre(",
+     Text,
+     {u"El nombre completo de una persona"},
+     u"El segundo nombre; de, del, la, las, los, y, e no son nombres cuando les sigue otra "
+     u"palabra.",
+     {u"SegundoNombre( 'María de los Ángeles Pérez' )", u"Ángeles"}},
+    {u"ExtraerPalabra(",
+     Text,
+     {kText, u"El número de la palabra, desde 1"},
+     u"La palabra de ese número, contada como se cuentan los nombres; vacío si no la hay.",
+     {u"ExtraerPalabra( 'Ana Ruiz y Soto' , 3 )", u"Soto"}},
+    {u"ExtraerFrase(",
+     Text,
+     {kText, u"El número de la palabra, desde 1"},
+     u"El texto desde la palabra de ese número hasta el final; aquí cuentan todas las palabras.",
+     {u"ExtraerFrase( 'Pago de nómina mensual' , 3 )", u"nómina mensual"}},
+    {u"ExtraeRev(",
+     Text,
+     {kText},
+     u"La última palabra.",
+     {u"ExtraeRev( 'Pago de nómina mensual' )", u"mensual"}},
+    {u"DoAutoBracket(",
+     Text,
+     {u"El nombre de una columna, con sus partes separadas por puntos"},
+     u"El nombre con corchetes alrededor de cada parte que no los tiene.",
+     {u"DoAutoBracket( 'Nomina.[Valor total]' )", u"[Nomina].[Valor total]"}},
+
+    {u"ABS(", Number, {u"El número"}, u"El valor absoluto.", {u"ABS( 5 - 12.5 )", u"7.5"}},
+    {u"VAL(",
+     Number,
+     {kText},
+     u"El número con que comienza el texto, con «.» como signo decimal y sin contar los blancos; 0 "
+     u"si no hay ninguno. También lee &H (hexadecimal) y &O (octal); con cuatro cifras es un "
+     u"Integer: &HFFFF es -1.",
+     {u"VAL( '12 500.5 kg' )", u"12500.5"}},
+    {u"ESNUMERO(",
+     Number,
+     {kAny},
+     u"Si es un número o un texto que se lee como número.",
+     {u"ESNUMERO( '12.5' )", u"Verdadero"}},
+    {u"IsNumeric(",
+     Number,
+     {kAny},
+     u"Lo mismo que ESNUMERO.",
+     {u"IsNumeric( '12.5 kg' )", u"Falso"}},
+    {u"MAX(",
+     Number,
+     {u"Un valor", u"El otro valor"},
+     u"El mayor de los dos, comparados como lo hace «>»: como números si ambos lo son, si no como "
+     u"textos. Son siempre dos: el mayor de tres es MAX( A , MAX( B , C ) ).",
+     {u"MAX( 9 , 10 )", u"10"}},
+    {u"MIN(",
+     Number,
+     {u"Un valor", u"El otro valor"},
+     u"El menor de los dos, comparados como lo hace «<». Son siempre dos.",
+     {u"MIN( '9' , '10' )", u"10"}},
+    {u"AjusteMedio(",
+     Number,
+     {u"El número", u"El factor: a sus múltiplos se ajusta el valor", u"Los decimales"},
+     u"El valor ajustado a un múltiplo del factor. No trata igual los positivos y los negativos: "
+     u"véanse los casos.",
+     {u"AjusteMedio( 1275 , 50 , 0 )", u"1300"}},
+    {u"Redondear(",
+     Number,
+     {u"El número", u"La potencia de 10 a cuyo múltiplo se redondea"},
+     u"El valor ajustado a un múltiplo de 10 elevado a Decimales: con 3 redondea a miles, con 0 a "
+     u"enteros. Un número negativo da el error 11. Para dos decimales se escribe VAL( FORMAT( x , "
+     u"'0.00' ) ).",
+     {u"Redondear( 1234500 , 3 )", u"1235000"}},
+    {u"MontoEscrito(",
+     Number,
+     {u"El monto"},
+     u"La parte entera en letras.",
+     {u"MontoEscrito( 2500000 )", u"dos millones quinientos mil "}},
+    {u"FORMAT(",
+     Number,
+     {kAny, u"El patrón"},
+     u"El texto del valor según un patrón de números, de fechas o de textos.",
+     {u"FORMAT( 1234567.5 , '#,##0.00' )", u"1,234,567.50"}},
+
+    {u"DATE(",
+     Date,
+     {},
+     u"La fecha de hoy. No recibe argumentos: una fecha se escribe con SERIEFECHA.",
+     {u"DATE( )", u"05/02/2024"}},
+    {u"NOW(", Date, {}, u"La fecha de hoy con la hora.", {u"NOW( )", u"05/02/2024 14:30:15"}},
+    {u"SERIEFECHA(",
+     Date,
+     {kYear, u"El mes", u"El día"},
+     u"La fecha de ese año, mes y día; los meses y días de más o de menos pasan al mes o año "
+     u"siguiente o anterior.",
+     {u"SERIEFECHA( 2024 , 3 , 0 )", u"29/02/2024"}},
+    {u"DATESERIAL(",
+     Date,
+     {kYear, u"El mes", u"El día"},
+     u"Lo mismo que SERIEFECHA.",
+     {u"DATESERIAL( 24 , 13 , 1 )", u"01/01/2025"}},
+    {u"DATEADD(",
+     Date,
+     {u"yyyy (años), q (trimestres), m (meses), d, y o w (días), ww (semanas), h (horas), n "
+      u"(minutos) o s (segundos)",
+      u"Cuántos; puede ser negativo", kDate},
+     u"La fecha movida esa cantidad de intervalos completos. Un día que el mes no tiene pasa a ser "
+     u"el último; un intervalo desconocido da el error 5.",
+     {u"DATEADD( 'm' , 1 , '31/01/2024' )", u"29/02/2024"}},
+    {u"ESFECHA(",
+     Date,
+     {kAny},
+     u"Si es una fecha o un texto que se lee como fecha.",
+     {u"ESFECHA( '30/02/2024' )", u"Falso"}},
+    {u"YEAR(", Date, {kDate}, u"El año de una fecha.", {u"YEAR( '31/12/1999' )", u"1999"}},
+    {u"MONTH(", Date, {kDate}, u"El mes, de 1 a 12.", {u"MONTH( DATE( ) )", u"2"}},
+    {u"DAY(", Date, {kDate}, u"El día del mes.", {u"DAY( DATE( ) )", u"5"}},
+    {u"NombreMes(",
+     Date,
+     {u"El número del mes"},
+     u"El nombre del mes; Null fuera de 1 a 12.",
+     {u"NombreMes( 9 )", u"Septiembre"}},
+    {u"MesAbr(",
+     Date,
+     {u"El número del mes"},
+     u"El nombre del mes en tres letras; Null fuera de 1 a 12.",
+     {u"MesAbr( MONTH( DATE( ) ) )", u"Feb"}},
+    {u"Dias360(",
+     Date,
+     {u"La primera fecha", u"La segunda fecha"},
+     u"Los días entre dos fechas en un año de doce meses de 30 días; negativo si la segunda es "
+     u"anterior.",
+     {u"Dias360( '15/01/2024' , '31/12/2024' )", u"345"}},
+
+    {u"IIF(",
+     Choice,
+     {u"La condición", u"El valor si es verdadera", u"El valor si no"},
+     u"El segundo argumento si la condición es verdadera; si no, el tercero. Una condición Null no "
+     u"es verdadera. Los dos valores se calculan siempre, también el que no se usa.",
+     {u"IIF( 1 = 1 , 10 , 1 / 0 )", u"10"}},
+    {u"NVL(",
+     Choice,
+     {kAny, u"Lo que lo reemplaza si es Null"},
+     u"El valor, o el segundo argumento si es Null.",
+     {u"NVL( Vacio , 0 )", u"0"}},
+    {u"ISNULL(",
+     Choice,
+     {kAny},
+     u"Lo que responda la aplicación: el evaluador nunca la calcula y la entrega al evento "
+     u"Evaluate. En el ejemplo, la aplicación dice si el valor es Null.",
+     {u"ISNULL( Vacio )", u"Verdadero"}},
+
+    {u"SIN(", Trigonometry, {kAngle}, u"El seno.", {u"SIN( 0.5 )", u"0.479425538604203"}},
+    {u"COS(", Trigonometry, {kAngle}, u"El coseno.", {u"COS( 0.5 )", u"0.877582561890373"}},
+    {u"TAN(", Trigonometry, {kAngle}, u"La tangente.", {u"TAN( 0.5 )", u"0.54630248984379"}},
+    {u"CTN(",
+     Trigonometry,
+     {kAngle},
+     u"1 dividido entre la tangente.",
+     {u"CTN( 0.5 )", u"1.83048772171245"}},
+    {u"SEC(",
+     Trigonometry,
+     {kAngle},
+     u"1 dividido entre el seno, al contrario de lo usual.",
+     {u"SEC( 0.5 )", u"2.08582964293349"}},
+    {u"CSC(",
+     Trigonometry,
+     {kAngle},
+     u"1 dividido entre el coseno, al contrario de lo usual.",
+     {u"CSC( 0 )", u"1"}},
+};
+
+}  // namespace
+
+std::span<const FunctionHelp> FunctionHelps() { return kFunctions; }
+
+const FunctionHelp* FindFunctionHelp(TextView word) {
+  const auto* row = std::ranges::find_if(
+      kFunctions, [&](const FunctionHelp& help) { return EqualFolded(help.word, word); });
+  return row == std::end(kFunctions) ? nullptr : row;
+}
+
+}  // namespace tovalin::vocabulary
