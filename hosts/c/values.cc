@@ -11,7 +11,7 @@
 namespace tovalin::c_abi {
 namespace {
 
-constexpr char16_t Character(const void* utf16, std::size_t index) {
+char16_t Character(const void* utf16, std::size_t index) {
   char16_t c = 0;  // a host's pointer need not be even
   std::memcpy(&c, static_cast<const char*>(utf16) + index * sizeof c, sizeof c);
   return c;
