@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "hosts/c/handle_table.h"
 #include "hosts/c/values.h"
 #include "tovalin/dispatch.h"

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 
 namespace tovalin::c_abi {
 namespace {
@@ -100,7 +100,7 @@ void Callback::Call(const char* name, int kind, std::span<Variant> arguments, Va
 std::optional<Error> HostObject::Invoke(TextView name, MemberKind kind,
                                         std::span<Variant> arguments, Variant& result) {
   const Ref<Object> alive = Hold<Object>(*this);
-  return Guarded([&] {
+  return CatchError([&] {
     callback_->Call(ToUtf8(name).c_str(), static_cast<int>(kind), arguments, result, group_);
   });
 }

@@ -1,6 +1,6 @@
 #include <memory>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "hosts/c/callback.h"
 #include "hosts/c/handle_table.h"
 #include "hosts/c/values.h"

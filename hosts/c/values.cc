@@ -5,7 +5,7 @@
 #include <new>
 #include <string>
 
-#include "frame/object/guarded.h"
+#include "frame/object/error_translation.h"
 #include "hosts/c/handle_table.h"
 
 namespace tovalin::c_abi {
@@ -236,7 +236,7 @@ Error ReadError(const tov_error& error) {
 
 std::int32_t Answer(tov_error* error, void (*work)(void* closure), void* closure) noexcept {
   try {
-    const std::optional<Error> raised = Guarded([&] { work(closure); });
+    const std::optional<Error> raised = CatchError([&] { work(closure); });
     return raised ? Tell(*raised, error) : 0;
   } catch (...) {
     return Tell({kObjectError, {}, {}}, error);  // of a C++ host's own object
