@@ -4,7 +4,8 @@
 
 declare -A packages=(
   [build]="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev"
-  [test]="libgtest-dev libgmock-dev libicu-dev libnumbertext-dev pkgconf valgrind"
+  [test]="libgtest-dev libgmock-dev libicu-dev libnumbertext-dev pkgconf valgrind
+    mono-mcs mono-runtime"
   [windows]="cmake ninja-build g++-mingw-w64-x86-64-posix libcli11-dev nlohmann-json3-dev googletest
     wine wine64"
   [32]="g++ g++-multilib cmake ninja-build libcli11-dev nlohmann-json3-dev googletest pkgconf valgrind"

@@ -169,6 +169,14 @@ set(TOVALIN_SOURCES
     vocabulary/operator_help.cc
     vocabulary/records.cc
     classes.cc
+    hosts/c/call.cc
+    hosts/c/callback.cc
+    hosts/c/group.cc
+    hosts/c/handle_table.cc
+    hosts/c/objects.cc
+    hosts/c/services.cc
+    hosts/c/tables.cc
+    hosts/c/values.cc
 )
 
 set(TOVALIN_TOOL_SOURCES

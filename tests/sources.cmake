@@ -88,6 +88,7 @@ set(files_tests
 )
 
 set(hosts_tests
+    hosts/c_abi_test.cc
     hosts/csv_parser_test.cc
     hosts/description_test.cc
     hosts/factory_test.cc

@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "tests/fuzz/fuzz_input.h"
+#include "tests/fuzz/path_arguments.h"
 #include "tests/fuzz/scratch_directory.h"
 #include "tovalin/evaluador.h"
 #include "tovalin/factory.h"
@@ -17,27 +18,6 @@ namespace tovalin::fuzz {
 namespace {
 
 constexpr int kMostCalls = 48;
-
-// Members that are not called, or with a path of our own.
-struct Restriction {
-  TextView member;
-  int path;  // which argument; -1: not called at all
-};
-constexpr Restriction kRestrictions[] = {
-    {u"Ejecutar", -1},                   // runs commands
-    {u"FileToText", 0},                  // reads what may have no end, such as /dev/zero
-    {u"GenerarArchivoPlanoDesdeBD", 3},  // writes and replaces files
-    {u"GuardarDiseno", 0},               // the same, and reads
-    {u"LeerDiseno", 0},
-    {u"LeerSchemaIni", 0},
-    {u"LeerDescripcion", 0},
-    {u"Escribir", 1},
-    {u"EscribirFilas", 0},
-    {u"Convertir", -1},  // two paths
-    {u"Leer", 0},
-    {u"LeerFilas", 0},
-    {u"Verificar", 0},
-};
 
 class Silence : public SettingsStore {
  public:
@@ -87,13 +67,12 @@ class Calls {
     if (!info.events.empty() && input_.Below(8) == 0) return Attach(*object, info);
     if (info.members.empty()) return;
     const MemberInfo& member = info.members[input_.Byte() % info.members.size()];
-    const auto restriction = std::ranges::find(kRestrictions, member.name, &Restriction::member);
-    const bool restricted = restriction != std::end(kRestrictions);
-    if (restricted && restriction->path < 0) return;
+    const std::optional<int> path = RestrictedPath(member.name);
+    if (path && *path < 0) return;
 
     std::vector<Variant> values = Arguments(member);
-    if (restricted && static_cast<std::size_t>(restriction->path) < values.size())
-      values[static_cast<std::size_t>(restriction->path)] = PathHere();
+    if (path && static_cast<std::size_t>(*path) < values.size())
+      values[static_cast<std::size_t>(*path)] = PathHere();
     std::vector<Variant> passed;
     for (Variant& value : values)
       passed.push_back(input_.Below(2) == 0 ? Variant::ByReference(value) : value);

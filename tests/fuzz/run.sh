@@ -33,7 +33,7 @@ fi
 
 # The dictionaries of those that take formulas or patterns; CSV has formulas too.
 declare -A dictionary=([formula]=formula [host]=formula [rows]=formula [csv]=formula
-  [patterns]=patterns [late]=patterns [settings]=settings)
+  [patterns]=patterns [late]=patterns [c]=patterns [settings]=settings)
 
 need fuzz
 export TOVALIN_WERROR=ON  # what clang warns of, too
