@@ -16,6 +16,7 @@ rejects() {
 }
 
 for header in "$headers"/tovalin/*.h; do
+  [[ $header != */tovalin_c.h ]] || continue  # C, and any C++
   rejects c++17 'Tovalin needs C++20' <<<"#include <tovalin/${header##*/}>"
 done
 
