@@ -45,7 +45,7 @@ _tovalin() {
     words=$(_tovalin_options "$command")
   elif [[ -n $class ]]; then
     words=$(_tovalin_members "$class")
-  elif [[ $command == eval || $command == check || $command == postfix ]]; then
+  elif [[ -n $command && $_tovalin_of_formulas == *" $command "* ]]; then
     _tovalin_complete_function
     return
   else
@@ -156,6 +156,9 @@ int RunCompletion(const CLI::App& tool) {
   std::cout << "# Completa en bash las órdenes de tovalin:  source <(tovalin completion bash)\n"
             << "_tovalin_commands='";
   for (const Command& command : commands) std::cout << command.path << ' ';
+  std::cout << "'\n_tovalin_of_formulas=' ";
+  for (const Command& command : commands)
+    if (command.app->get_option_no_throw("FORMULA")) std::cout << command.path << ' ';
   std::cout << "'\n_tovalin_functions='";
   const Ref<Campos> functions = Make<Evaluador>()->Functions();
   for (const Ref<Campo>& record : functions->List().Items())
