@@ -117,6 +117,28 @@ set(TOVALIN_SOURCES
     evaluator/trace.cc
     evaluator/trie.cc
     evaluator/value_columns.cc
+    vocabulary/function_help.cc
+    vocabulary/operator_help.cc
+    vocabulary/records.cc
+    review/abstract_value.cc
+    review/cycles.cc
+    review/date_letters.cc
+    review/evaluador_revisar.cc
+    review/evaluation.cc
+    review/evaluation_calls.cc
+    review/evaluation_operators.cc
+    review/findings.cc
+    review/meant_number.cc
+    review/names.cc
+    review/nearest.cc
+    review/other_functions.cc
+    review/repair.cc
+    review/review.cc
+    review/rules_calls.cc
+    review/rules_names.cc
+    review/rules_types.cc
+    review/source.cc
+    review/suggestions.cc
     export/cls_file_export.cc
     export/cls_file_export_members.cc
     export/export_run.cc
@@ -165,9 +187,6 @@ set(TOVALIN_SOURCES
     files/process_posix.cc
     files/process_windows.cc
     files/text_file.cc
-    vocabulary/function_help.cc
-    vocabulary/operator_help.cc
-    vocabulary/records.cc
     classes.cc
     hosts/c/call.cc
     hosts/c/callback.cc
@@ -196,12 +215,15 @@ set(TOVALIN_TOOL_SOURCES
     hosts/cli/flat_command.cc
     hosts/cli/formula_cases.cc
     hosts/cli/formula_commands.cc
+    hosts/cli/formula_file.cc
     hosts/cli/formula_table.cc
     hosts/cli/help_commands.cc
     hosts/cli/input.cc
     hosts/cli/json_value.cc
     hosts/cli/main.cc
     hosts/cli/reference_page.cc
+    hosts/cli/review.cc
+    hosts/cli/review_command.cc
     hosts/cli/selftest_command.cc
     hosts/cli/signature.cc
     hosts/cli/spanish.cc

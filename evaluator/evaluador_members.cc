@@ -350,6 +350,13 @@ constexpr MemberRow kMembers[] = {
                    u"\"Parametros\" (una Collection de registros con \"Nombre\", \"Tipo\" y "
                    u"\"Texto\"), \"Resultado\" (numero, texto, fecha, logico, cualquiera), "
                    u"\"Texto\", \"Ejemplo\", \"ValorEjemplo\", \"Prioridad\" y \"Valor\"."),
+    Method<&E::Revisar>(61, u"Revisar",
+                        {{u"Formula", kExpression}, Optional({u"LocalVbles", kLocals})},
+                        u"Revisa una fórmula antes de guardarla, sin evaluarla")
+        .Reference(u"Dice antes de guardar una fórmula qué calcula distinto de lo que parece, sin "
+                   u"evaluarla: una Collection de Collections con los elementos \"Clase\" (error, "
+                   u"advertencia o nota), \"Codigo\" (texto), \"Inicio\" (desde 1), \"Largo\", "
+                   u"\"Mensaje\" y \"Sugerencia\", una fórmula lista para pegar o vacío."),
 };
 
 constexpr EventRow kEvents[] = {

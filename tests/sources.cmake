@@ -47,6 +47,12 @@ set(evaluator_tests
     evaluator/vocabulario_test.cc
 )
 
+set(review_tests
+    review/findings_test.cc
+    review/random_formulas_test.cc
+    review/review_test.cc
+)
+
 set(export_tests
     export/code_page_test.cc
     export/delimited_test.cc
@@ -104,6 +110,7 @@ set(tool_cases
     export
     flat
     help
+    review
     selftest
     table
     vocabulary

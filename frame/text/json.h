@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -22,9 +23,10 @@ class Json {
   Json() = default;  // null
   Json(std::nullptr_t) {}
   Json(bool value) : value_(value) {}
-  Json(std::uint64_t value) : value_(value) {}
-  Json(std::int64_t value) : value_(value) {}
-  Json(int value) : Json(std::int64_t{value}) {}
+  template <std::unsigned_integral Count>
+  requires(!std::same_as<Count, bool>) Json(Count value) : value_(std::uint64_t{value}) {}
+  template <std::signed_integral Whole>
+  Json(Whole value) : value_(std::int64_t{value}) {}
   Json(double value) : value_(value) {}
   Json(std::string value) : value_(std::move(value)) {}
   Json(const char* value) : value_(std::string(value)) {}

@@ -154,6 +154,11 @@ Ref<Evaluador> MakeEvaluator(const SymbolOptions& options) {
   host.Evaluate.Attach([&host](const Text& macro, Variant& result, Ref<Collection>& pila) {
     Answer(host, macro, result, pila);
   });
+  AddSymbols(host, options);
+  return evaluator;
+}
+
+void AddSymbols(Evaluador& host, const SymbolOptions& options) {
   if (options.system_constants) host.ClearConstants();
   for (const std::string& word : options.functions) {
     const Text name = TextOfArgument(word);
@@ -168,7 +173,6 @@ Ref<Evaluador> MakeEvaluator(const SymbolOptions& options) {
     const Assignment assignment = ReadAssignment(argument);
     host.AddVble(assignment.name, Variant(), u"", kNumeric, TextOfArgument(assignment.value));
   }
-  return evaluator;
 }
 
 }  // namespace tovalin::tool

@@ -15,6 +15,7 @@ namespace tovalin::tool {
 inline constexpr int kDone = 0;
 inline constexpr int kFaults = 1;  // messages in LastError, or cells with errors
 inline constexpr int kFailed = 2;  // a raised error
+inline constexpr int kWarned = 3;  // a review that found no errors, but warnings
 
 /// A value as the command line writes it: a prefix fixes the subtype ("i:12"
 /// Integer, "l:" Long, "f:" Single, "d:" Double, "c:" Currency, "t:" Date, "b:"
@@ -59,6 +60,8 @@ struct SymbolOptions {
 /// An evaluator with those symbols whose host is the tool: it answers ISNULL(
 /// and raises an error that names any other function that nobody implements.
 Ref<Evaluador> MakeEvaluator(const SymbolOptions& options);
+/// Adds those symbols alone.
+void AddSymbols(Evaluador& evaluator, const SymbolOptions& options);
 
 int RunEval(const SymbolOptions& options, const std::string& formula);
 /// The worst of the codes of the lines.
@@ -66,11 +69,24 @@ int RunEvalLines(const SymbolOptions& options, const std::string& path);
 int RunCheck(const SymbolOptions& options, const std::string& formula);
 int RunPostfix(const SymbolOptions& options, const std::string& formula);
 
+/// One of `formula`, `lines` and `formulas` is given.
+struct ReviewOptions {
+  SymbolOptions symbols;
+  std::string formula;
+  std::string lines;
+  std::string formulas;
+  std::string columns;  // a CSV file whose header names the columns of `formulas`
+  bool json = false;
+};
+/// kFaults with errors, kWarned with warnings alone.
+int RunReview(const ReviewOptions& options);
+
 struct TableOptions {
   std::string input;
   std::string formulas;
   std::string output;    // empty: standard output
   std::string encoding;  // of both, empty: UTF-8
+  bool quiet = false;    // does not tell what a review finds in the formulas
 };
 int RunTable(const TableOptions& options);
 

@@ -18,6 +18,18 @@ std::string WithoutLineEnd(std::string text) {
 
 }  // namespace
 
+void AddTableVariable(Evaluador& evaluator, const Text& name, std::string_view what) {
+  const std::string place = std::string(what) + " \"" + ToUtf8(name) + '"';
+  if (evaluator.ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, place);
+  try {
+    evaluator.AddVble(name, Variant(), u"", kNumeric);
+  } catch (Error& error) {
+    const std::string description = WithoutLineEnd(ToUtf8(error.description));
+    error.description = FromUtf8(description + ": " + place);
+    throw;
+  }
+}
+
 FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> columns,
                            std::vector<NamedFormula> formulas)
     : evaluator_(std::move(evaluator)),
@@ -29,25 +41,14 @@ FormulaTable::FormulaTable(Ref<Evaluador> evaluator, std::span<const Text> colum
       failures_(formulas_.size()),
       numbers_(values_.size()) {
   for (std::size_t i = 0; i < columns_.size(); ++i)
-    AddVariable(columns_[i], "columna " + std::to_string(i + 1));
-  for (const NamedFormula& formula : formulas_) AddVariable(formula.name, "fórmula");
+    AddTableVariable(*evaluator_, columns_[i], "columna " + std::to_string(i + 1));
+  for (const NamedFormula& formula : formulas_)
+    AddTableVariable(*evaluator_, formula.name, "fórmula");
   if (OrderSteps()) return;
   steps_.clear();
   is_constant_.assign(formulas_.size(), false);
   for (const NamedFormula& formula : formulas_)
     evaluator_->Variables()->Item(formula.name)->LetFormula(formula.formula);
-}
-
-void FormulaTable::AddVariable(const Text& name, std::string_view what) {
-  const std::string place = std::string(what) + " \"" + ToUtf8(name) + '"';
-  if (evaluator_->ExistVariable(name)) RaiseAbout(Failure::DuplicateKey, place);
-  try {
-    evaluator_->AddVble(name, Variant(), u"", kNumeric);
-  } catch (Error& error) {
-    const std::string description = WithoutLineEnd(ToUtf8(error.description));
-    error.description = FromUtf8(description + ": " + place);
-    throw;
-  }
 }
 
 // What each formula names; the columns that any names are marked.

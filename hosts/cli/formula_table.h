@@ -5,14 +5,14 @@
 #include <string_view>
 #include <vector>
 
+#include "hosts/cli/formula_file.h"
 #include "tovalin/evaluador.h"
 
 namespace tovalin::tool {
 
-struct NamedFormula {
-  Text name;
-  Text formula;
-};
+/// Adds a column or a formula (`what`) to an evaluator as a variable. Raises what its name
+/// raises, with what it is.
+void AddTableVariable(Evaluador& evaluator, const Text& name, std::string_view what);
 
 /// Formulas that may use one another in any order, over rows that come in
 /// batches. A batch is computed formula by formula, each over all its rows, in
@@ -60,7 +60,6 @@ class FormulaTable {
     std::vector<std::size_t> columns;
   };
 
-  void AddVariable(const Text& name, std::string_view what);
   std::vector<Uses> FindUses();
   bool OrderSteps();
   void AddStep(std::size_t formula, Uses uses);

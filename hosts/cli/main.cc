@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <iostream>
 #include <new>
@@ -20,8 +21,8 @@ namespace {
 constexpr const char* kExitCodes =
     "Códigos de salida: 0, terminado; 1, faltas en una fórmula, celdas con error, una\n"
     "exportación que falló o fallos en un archivo plano; 2, un error, que se cuenta en la\n"
-    "salida de errores; 100 y más, una línea de órdenes que no se entiende. De varias líneas\n"
-    "o celdas cuenta la peor.";
+    "salida de errores; 3, advertencias de una revisión; 100 y más, una línea de órdenes que\n"
+    "no se entiende. De varias líneas o celdas cuenta la peor.";
 
 void AddSymbolOptions(CLI::App& command, SymbolOptions& options) {
   // One value after each option, as often as it is given: the formula may follow.
@@ -70,8 +71,8 @@ void AddLayoutOption(CLI::App& command, FlatOptions& options) {
 // an option.
 std::vector<std::string> ShieldFormulas(std::vector<std::string> arguments) {
   const bool takes_formula =
-      arguments.size() > 1 &&
-      (arguments[0] == "eval" || arguments[0] == "check" || arguments[0] == "postfix");
+      arguments.size() > 1 && (arguments[0] == "eval" || arguments[0] == "check" ||
+                               arguments[0] == "postfix" || arguments[0] == "review");
   if (!takes_formula) return arguments;
   for (std::string& argument : arguments) {
     if (argument == "-" || argument == "--" || argument == "-h" || !argument.starts_with('-'))
@@ -94,6 +95,7 @@ class CommandLine {
     app_.set_version_flag("--version", std::string("tovalin ") + kVersion,
                           "Muestra la versión y termina");
     AddFormulaCommands();
+    AddReview();
     AddFileCommands();
     AddFlatCommands();
     AddOtherCommands();
@@ -146,6 +148,38 @@ class CommandLine {
     }
   }
 
+  void AddReview() {
+    CLI::App& review =
+        Add("review", "Revisa una fórmula sin evaluarla", [this] { return Review(); });
+    AddSymbolOptions(review, review_.symbols);
+    CLI::Option* formula = review.add_option("FORMULA", review_.formula, "La fórmula");
+    CLI::Option* lines =
+        review
+            .add_option("--lines", review_.lines,
+                        "Un archivo con una fórmula por línea, - para la entrada estándar")
+            ->excludes(formula);
+    CLI::Option* formulas =
+        review.add_option("--formulas", review_.formulas, "Un archivo de líneas Nombre = fórmula")
+            ->excludes(formula)
+            ->excludes(lines);
+    review
+        .add_option("--columns", review_.columns,
+                    "Un archivo CSV cuyo encabezado nombra las columnas de las fórmulas")
+        ->needs(formulas);
+    review.add_flag("--json", review_.json, "Escribe lo hallado como JSON");
+    review.footer(
+        "Escribe una línea por hallazgo: clase, código, inicio, largo, mensaje y sugerencia,\n"
+        "separados por tabuladores; con --lines y --formulas, además la línea o el nombre.\n"
+        "Código de salida: 0 sin hallazgos o solo con notas, 1 con errores, 3 con advertencias.");
+    review_given_ = {formula, lines, formulas};
+  }
+
+  int Review() const {
+    if (std::ranges::none_of(review_given_, [](const CLI::Option* option) { return !!*option; }))
+      RaiseAbout(Failure::ArgumentNotOptional, "FORMULA, --lines, --formulas");
+    return RunReview(review_);
+  }
+
   int Eval() const {
     if (*lines_option_) return RunEvalLines(symbols_, lines_);
     if (!*formula_option_) RaiseAbout(Failure::ArgumentNotOptional, "FORMULA, --lines");
@@ -160,6 +194,8 @@ class CommandLine {
         ->required();
     table.add_option("-o,--output", table_.output,
                      "El CSV que se escribe, que aparece completo o no aparece");
+    table.add_flag("--quiet", table_.quiet,
+                   "No dice lo que una revisión encuentra en las fórmulas");
     AddEncoding(table, table_.encoding, "De los dos archivos CSV: utf-8 (si no se dice) o 1252");
     AddExportOptions(Add("export", "Exporta las filas de un CSV con clsFileExport",
                          [this] { return RunExport(export_); }),
@@ -266,6 +302,8 @@ class CommandLine {
   std::string lines_;
   CLI::Option* formula_option_ = nullptr;
   CLI::Option* lines_option_ = nullptr;
+  ReviewOptions review_;
+  std::array<CLI::Option*, 3> review_given_{};
   TableOptions table_;
   ExportOptions export_;
   FlatOptions flat_;

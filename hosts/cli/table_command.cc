@@ -14,6 +14,7 @@
 #include "hosts/cli/csv.h"
 #include "hosts/cli/encoding.h"
 #include "hosts/cli/formula_table.h"
+#include "hosts/cli/review.h"
 #include "tovalin/convert.h"
 
 // tovalin table: formulas over the rows of a CSV file, which is never in memory
@@ -24,26 +25,6 @@ namespace {
 
 // Rows are computed in batches of this many.
 constexpr std::size_t kPortion = 512;
-
-// "Name = formula".
-NamedFormula ReadFormula(TextView line) {
-  const std::size_t equals = line.find(u'=');
-  if (equals == TextView::npos)
-    RaiseOwn(u"tovalin", Text(u"Línea sin \"=\" en las fórmulas: ").append(line));
-  return {Text(Trim(line.substr(0, equals))), Text(Trim(line.substr(equals + 1)))};
-}
-
-// "#" begins a comment line, blank lines are skipped.
-std::vector<NamedFormula> ReadFormulas(const std::string& path) {
-  std::vector<NamedFormula> formulas;
-  std::size_t number = 0;
-  ReadLines(path, [&](std::string_view line) {
-    const Text text = TextOfLine(line, path, ++number);
-    const TextView trimmed = Trim(text);
-    if (!trimmed.empty() && trimmed.front() != u'#') formulas.push_back(ReadFormula(trimmed));
-  });
-  return formulas;
-}
 
 // Dates are told by their form alone, day/month/year or ISO, so that amounts and
 // codes are never taken for one.
@@ -90,6 +71,17 @@ void RequireNoTabs(const std::vector<Text>& columns) {
                                     " \"" + ToUtf8(columns[i]) + '"'));
 }
 
+// What a review finds in the formulas, on standard error; notes aside.
+void TellFindings(const std::vector<NamedFormula>& formulas, const std::vector<Text>& columns) {
+  for (const ReviewedFormula& reviewed : ReviewTable({}, formulas, columns))
+    for (const Finding& finding : reviewed.findings) {
+      if (finding.IsNote()) continue;
+      std::cerr << reviewed.name << ": " << finding.severity << ' ' << finding.code << ": "
+                << finding.message << '\n';
+      if (!finding.suggestion.empty()) std::cerr << "  Sugerencia: " << finding.suggestion << '\n';
+    }
+}
+
 // A line on standard error while rows go by, when somebody watches.
 class Progress {
  public:
@@ -120,7 +112,9 @@ class Progress {
 class TableRun {
  public:
   TableRun(const TableOptions& options, std::vector<NamedFormula> formulas)
-      : formulas_(std::move(formulas)), writer_(options.output, ReadEncoding(options.encoding)) {}
+      : formulas_(std::move(formulas)),
+        is_quiet_(options.quiet),
+        writer_(options.output, ReadEncoding(options.encoding)) {}
 
   void HandleRow(CsvRow& row) {
     if (!table_)
@@ -155,6 +149,7 @@ class TableRun {
       error.description.append(FromUtf8(SeparatorHint(row)));
       throw;
     }
+    if (!is_quiet_) TellFindings(formulas_, columns);
   }
 
   void HandleData(CsvRow& row) {
@@ -232,6 +227,7 @@ class TableRun {
   }
 
   std::vector<NamedFormula> formulas_;
+  bool is_quiet_;
   CsvWriter writer_;
   std::optional<FormulaTable> table_;   // from the header on
   std::vector<CsvRow> rows_;            // of a batch, as they were read

@@ -166,6 +166,14 @@ class TOVALIN_API Evaluador : public Object {
   /// Errores tell of faults.
   Ref<Formula> Preparar(const Text& vExpresion, Ref<Campos>* LocalVbles = nullptr);
 
+  /// Reviews a formula before it is saved, without evaluating anything: a Collection of
+  /// Collections with the items "Clase" ("error", "advertencia", "nota"), "Codigo",
+  /// "Inicio" (from 1), "Largo", "Mensaje" and "Sugerencia" (a formula, or empty), in the
+  /// order of their places; the first thousand. Raises nothing.
+  ///
+  ///     evaluador->Revisar(u"MAX( 1 , -2 )");   // advertencia, signo, 10, 1, ...
+  Ref<Collection> Revisar(const Text& Formula, Ref<Campos>* LocalVbles = nullptr) const;
+
   /// How many formula texts keep their plans, the latest used: 256 at first, 0 for
   /// none. Raises 5 for a negative number.
   std::int32_t PlanesGuardados() const;
