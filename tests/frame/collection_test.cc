@@ -380,5 +380,23 @@ TEST(Variant, SharesTextAndCopiesArraysWhenWritten) {
   EXPECT_EQ(chained.AsText(), u"cambiado");
 }
 
+// What is assigned to itself, or a reference to itself, stays what it is.
+TEST(Variant, IsAssignedToItself) {
+  for (const Variant& kept : {Variant(2.5), Variant(u"un texto más largo que cualquier otro"),
+                              Variant(Make<VariantArray>(1, 1)), Variant(Make<Collection>())}) {
+    Variant value = kept;
+    Variant& same = value;
+    value = same;
+    EXPECT_EQ(value.Code(), kept.Code());
+    value = std::move(same);
+    EXPECT_EQ(value.Code(), kept.Code());
+    value = Variant::ByReference(same);
+    EXPECT_EQ(value.Code(), kept.Code());
+    if (kept.Is(Subtype::String)) {
+      EXPECT_EQ(value.AsText(), kept.AsText());
+    }
+  }
+}
+
 }  // namespace
 }  // namespace tovalin
