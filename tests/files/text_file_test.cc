@@ -56,6 +56,9 @@ TEST(FileToText, Failures) {
   // Gone since the test for its existence.
   EXPECT_EQ(NumberRaisedBy([&] { ReadTextFile(here.Host("nada.txt")); }), 53);
   EXPECT_EQ(NumberRaisedBy([&] { ReadTextFile(here.Host("no/hay.txt")); }), 76);
+  // The current directory and the topmost one are always there.
+  EXPECT_EQ(NumberRaisedBy([&] { ReadTextFile(u"no hay este archivo.txt"); }), 53);
+  EXPECT_EQ(NumberRaisedBy([&] { ReadTextFile(u"/no hay este archivo.txt"); }), 53);
   EXPECT_EQ(NumberRaisedBy([&] { ReadTextFile(here.Host("vacio.txt/a")); }), 76);
 }
 

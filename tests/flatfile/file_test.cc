@@ -149,6 +149,23 @@ TEST_F(FlatFile, VerifyingFindsWhatWasChanged) {
   EXPECT_FALSE(file->Verificar(Path()));
 }
 
+TEST_F(FlatFile, EveryConstantOfARecordIsChecked) {
+  const auto codes = WithLayout(R"({"tovalin:formato": "fijo", "fields": [
+      {"name": "Antes", "tovalin:ancho": 1, "tovalin:constante": "6"},
+      {"name": "V", "tovalin:ancho": 2},
+      {"name": "Medio", "tovalin:ancho": 2, "tovalin:constante": "MN"},
+      {"name": "Detras", "tovalin:ancho": 1, "tovalin:constante": "Z"}]})");
+  for (const auto& [record, faults] : std::vector<std::pair<std::string, std::string>>{
+           {"6abMNZ", ""},
+           {"7abMNZ", "1|detalle|Antes|7|debe decir «6»\n"},
+           {"6abMMZ", "1|detalle|Medio|MM|debe decir «MN»\n"},
+           {"6abMNz", "1|detalle|Detras|z|debe decir «Z»\n"}}) {
+    Put(record + "\r\n");
+    EXPECT_EQ(codes->Verificar(Path()), faults.empty()) << record;
+    EXPECT_EQ(Faults(*codes), faults);
+  }
+}
+
 // Whatever was done to a file or a layout, it is told and nothing worse.
 TEST_F(FlatFile, DamagedFilesAndLayoutsDoNoHarm) {
   std::mt19937 random(94);

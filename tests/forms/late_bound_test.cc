@@ -82,6 +82,17 @@ TEST_F(LateBound, OptionalArgumentsMayBeLeftOut) {
   EXPECT_EQ(field.selection_length, 3);
   EXPECT_EQ(Method(u"MsgBar", bar.Bar(), u"Listo"), 0);
   EXPECT_EQ(bar.shown.back(), "Listo");
+  // Nobody waits for a text unless it is asked for.
+  std::vector<bool> pauses;
+  HostServices host;
+  host.status_bar = [&](const Ref<Object>&, TextView, bool pause) { pauses.push_back(pause); };
+  const auto with_host = Make<LibGeneral>();
+  with_host->UseHost(std::move(host));
+  with_host->MsgBar(bar.Bar(), u"Listo");
+  general = with_host;
+  EXPECT_EQ(Method(u"MsgBar", bar.Bar(), u"Listo"), 0);
+  EXPECT_EQ(Method(u"MsgBar", bar.Bar(), u"Listo", true), 0);
+  EXPECT_EQ(pauses, (std::vector<bool>{false, false, true}));
 }
 
 TEST_F(LateBound, WrongArgumentsAreToldApart) {

@@ -271,6 +271,89 @@ TEST(Campos, KeepsRecordsUnderTheirNames) {
   record->LetFormula(u"");  // tells no table that is gone
 }
 
+// A table says of what its records are changed by, and of nothing else.
+TEST(Campos, CountsChangesOfNamesFormulasAndValues) {
+  auto table = Make<Campos>();
+  auto other = Make<Campos>();
+  const auto record = Make<Campo>(u"A");
+  table->Add(record);
+  other->Add(record);
+  struct Change {
+    const char* what;
+    std::function<void()> make;
+    bool grows, values_grow;
+  };
+  const Change kChanges[] = {
+      {"name", [&] { record->LetName(u"B"); }, true, false},
+      {"formula", [&] { record->LetFormula(u"1"); }, true, false},
+      {"value", [&] { record->LetValue(1.0); }, false, true},
+      {"direction", [&] { record->LetDirection(1.0); }, false, false},
+      {"status", [&] { record->LetStatus(1); }, false, false},
+      {"another record", [&] { table->Add(Make<Campo>(u"C")), other->Add(Make<Campo>(u"C")); },
+       true, false},
+      {"one record less", [&] { table->Remove(u"C"), other->Remove(u"C"); }, true, false},
+  };
+  for (const Change& change : kChanges) {
+    const std::uint64_t before[] = {table->Version(), other->Version()};
+    const std::uint64_t values[] = {table->ValuesVersion(), other->ValuesVersion()};
+    change.make();
+    EXPECT_EQ(table->Version() > before[0], change.grows) << change.what;
+    EXPECT_EQ(other->Version() > before[1], change.grows) << change.what;
+    EXPECT_EQ(table->ValuesVersion() > values[0], change.values_grow) << change.what;
+    EXPECT_EQ(other->ValuesVersion() > values[1], change.values_grow) << change.what;
+  }
+  other->Remove(u"A");  // and no more of a record that it has not
+  const std::uint64_t version = other->Version();
+  const std::uint64_t in_table = table->Version();
+  record->LetName(u"D");
+  EXPECT_EQ(other->Version(), version);
+  EXPECT_GT(table->Version(), in_table);
+}
+
+TEST(Campos, ACopyHasEveryAttributeAndBelongsToNoTable) {
+  auto table = Make<Campos>();
+  const auto record = Make<Campo>(u"A");
+  record->LetDataType(kDate);
+  record->LetSize(12);
+  record->LetPosition(3);
+  record->LetValue(u"valor");
+  record->LetDescription(u"descripción");
+  record->LetFormula(u"B + 1");
+  record->LetSourceName(u"palabra");
+  record->LetSintax(u"sintaxis");
+  record->LetDirection(7.0);
+  record->LetStatus(Campo::kBeingComputed);
+  table->Add(record);
+  const Ref<Campo> copy = record->Copy();
+  const std::uint64_t version = table->Version();
+  record->LetValue(Variant());  // what it was, the copy keeps
+  EXPECT_EQ(copy->Name(), u"A");
+  EXPECT_EQ(copy->DataType(), kDate);
+  EXPECT_EQ(copy->Size(), 12);
+  EXPECT_EQ(copy->Position(), 3);
+  EXPECT_EQ(copy->Value().AsText(), u"valor");
+  EXPECT_EQ(copy->Description(), u"descripción");
+  EXPECT_EQ(copy->Formula(), u"B + 1");
+  EXPECT_TRUE(copy->HasFormula());
+  EXPECT_EQ(copy->SourceName(), u"palabra");
+  EXPECT_EQ(copy->Sintax(), u"sintaxis");
+  EXPECT_EQ(copy->Direction().AsDouble(), 7.0);
+  EXPECT_EQ(copy->Status(), Campo::kBeingComputed);
+  copy->LetFormula(u"  ");
+  EXPECT_FALSE(copy->HasFormula());  // blanks are none
+  EXPECT_EQ(record->Formula(), u"B + 1");
+  EXPECT_EQ(table->Version(), version);
+}
+
+TEST(Campos, KnowsTheNamesOfTheSystem) {
+  auto table = Make<Campos>();
+  EXPECT_FALSE(table->IsSystem(u"UNO"));
+  table->LetSystemList(u"Uno,DOS,Año");
+  for (const TextView name : {u"uno", u"Dos", u"AÑO"}) EXPECT_TRUE(table->IsSystem(name));
+  for (const TextView name : {u"un", u"unos", u"Uno,DOS", u"tres"})
+    EXPECT_FALSE(table->IsSystem(name));
+}
+
 TEST(Variant, SharesTextAndCopiesArraysWhenWritten) {
   EXPECT_LE(sizeof(Variant), 16u);  // 12 where a Double needs no alignment of 8
   Variant text = u"un texto más largo que cualquier otro";
@@ -295,6 +378,24 @@ TEST(Variant, SharesTextAndCopiesArraysWhenWritten) {
   chained.Assign(u"cambiado");
   EXPECT_EQ(target.AsText(), u"cambiado");
   EXPECT_EQ(chained.AsText(), u"cambiado");
+}
+
+// What is assigned to itself, or a reference to itself, stays what it is.
+TEST(Variant, IsAssignedToItself) {
+  for (const Variant& kept : {Variant(2.5), Variant(u"un texto más largo que cualquier otro"),
+                              Variant(Make<VariantArray>(1, 1)), Variant(Make<Collection>())}) {
+    Variant value = kept;
+    Variant& same = value;
+    value = same;
+    EXPECT_EQ(value.Code(), kept.Code());
+    value = std::move(same);
+    EXPECT_EQ(value.Code(), kept.Code());
+    value = Variant::ByReference(same);
+    EXPECT_EQ(value.Code(), kept.Code());
+    if (kept.Is(Subtype::String)) {
+      EXPECT_EQ(value.AsText(), kept.AsText());
+    }
+  }
 }
 
 }  // namespace
