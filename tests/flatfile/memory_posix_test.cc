@@ -45,5 +45,18 @@ TEST_F(FlatMemory, WritingAndReadingKeepNoRows) {
   EXPECT_LT(StatusKilobytes("VmHWM:") - before, 4096);
 }
 
+// Who may read the payroll may read the next one.
+TEST_F(FlatMemory, AFileThatIsReplacedKeepsItsPermissions) {
+  using std::filesystem::perms;
+  const auto file = WithLayout(Delimited(R"("type": "string")"));
+  for (const auto mode : {perms{0600}, perms{0664}}) {
+    Put("antes");
+    std::filesystem::permissions(here / "archivo.txt", mode);
+    ASSERT_TRUE(file->Escribir(TableOf({{u"A"}}), Path())) << Faults(*file);
+    EXPECT_EQ(std::filesystem::status(here / "archivo.txt").permissions(), mode);
+    Remove();
+  }
+}
+
 }  // namespace
 }  // namespace tovalin
