@@ -16,9 +16,9 @@ void Evaluation::Take(std::uint32_t place) {
   const Token& token = source_.At(place);
   switch (token.kind) {
     case TokenKind::Operator:
-      return TakeOperator(place);
+      return EvaluateOperator(place);
     case TokenKind::Function:
-      return source_.IsCall(place) ? TakeCall(place) : TakeBareFunction(place);
+      return source_.IsCall(place) ? EvaluateCall(place) : EvaluateBareFunction(place);
     case TokenKind::Number:
       return Push(ConstantValue(token.number), place, place);
     case TokenKind::Literal:

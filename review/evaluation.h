@@ -33,19 +33,19 @@ class Evaluation {
   Span SpanOf(const AbstractValue& value) const { return source_.SpanOf(value.first, value.last); }
 
   // Operators: evaluation_operators.cc
-  void TakeOperator(std::uint32_t token);
-  void TakeFirst(std::uint32_t token, const Operator* row, AbstractValue right);
-  void TakeGlued(std::uint32_t token, AbstractValue right);
-  void TakeBetween(std::uint32_t token, AbstractValue high);
-  void TakeLooseBetween(std::uint32_t token, const AbstractValue& low);
-  void TakeBinary(std::uint32_t token, const Operator* row, AbstractValue right);
+  void EvaluateOperator(std::uint32_t token);
+  void EvaluateFirst(std::uint32_t token, const Operator* row, AbstractValue right);
+  void EvaluateGlued(std::uint32_t token, AbstractValue right);
+  void EvaluateBetween(std::uint32_t token, AbstractValue high);
+  void EvaluateLooseBetween(std::uint32_t token, const AbstractValue& low);
+  void EvaluateBinary(std::uint32_t token, const Operator* row, AbstractValue right);
   std::uint32_t DropGroup(std::uint32_t token, std::uint32_t last);
   bool IsFirst(std::uint32_t token) const;
   bool IsMisread(std::uint32_t token, const Operator& row) const;
 
   // Calls: evaluation_calls.cc
-  void TakeCall(std::uint32_t token);
-  void TakeBareFunction(std::uint32_t token);
+  void EvaluateCall(std::uint32_t token);
+  void EvaluateBareFunction(std::uint32_t token);
   void CheckAnswered(std::uint32_t token);
 
   void Finish();

@@ -7,7 +7,7 @@
 
 namespace tovalin::review {
 
-void Evaluation::TakeCall(std::uint32_t token) {
+void Evaluation::EvaluateCall(std::uint32_t token) {
   const auto inside = std::ranges::find_if(
       stack_.rbegin(), stack_.rend(), [token](const auto& value) { return value.first < token; });
   Values arguments(std::make_move_iterator(inside.base()), std::make_move_iterator(stack_.end()));
@@ -36,7 +36,7 @@ void Evaluation::TakeCall(std::uint32_t token) {
 }
 
 // A function whose name a host has added without a bracket takes what was computed last.
-void Evaluation::TakeBareFunction(std::uint32_t token) {
+void Evaluation::EvaluateBareFunction(std::uint32_t token) {
   if (!source_.At(token).builtin) CheckAnswered(token);
   AbstractValue result;
   result.is_doubtful = true;

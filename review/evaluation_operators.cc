@@ -23,7 +23,7 @@ bool Evaluation::IsMisread(std::uint32_t token, const Operator& row) const {
   return comparison && own && *own > *comparison;
 }
 
-void Evaluation::TakeOperator(std::uint32_t token) {
+void Evaluation::EvaluateOperator(std::uint32_t token) {
   const Operator* row = FindOperator(source_.At(token).operator_code);
   if (stack_.empty()) {
     AbstractValue nothing;
@@ -31,13 +31,13 @@ void Evaluation::TakeOperator(std::uint32_t token) {
     return Push(std::move(nothing), token, token);
   }
   AbstractValue right = Pop();
-  if (IsFirst(token)) return TakeFirst(token, row, std::move(right));
-  if (row && row->keeps_left) return TakeGlued(token, std::move(right));
-  if (row && row->code == OperatorCode::Between) return TakeBetween(token, std::move(right));
-  TakeBinary(token, row, std::move(right));
+  if (IsFirst(token)) return EvaluateFirst(token, row, std::move(right));
+  if (row && row->keeps_left) return EvaluateGlued(token, std::move(right));
+  if (row && row->code == OperatorCode::Between) return EvaluateBetween(token, std::move(right));
+  EvaluateBinary(token, row, std::move(right));
 }
 
-void Evaluation::TakeFirst(std::uint32_t token, const Operator* row, AbstractValue right) {
+void Evaluation::EvaluateFirst(std::uint32_t token, const Operator* row, AbstractValue right) {
   const OperatorCode code = row ? row->code : OperatorCode::Unknown;
   const bool is_minus = code == OperatorCode::Subtract;
   const bool is_sign = is_minus || code == OperatorCode::Add;
@@ -79,7 +79,7 @@ std::uint32_t Evaluation::DropGroup(std::uint32_t token, std::uint32_t last) {
 }
 
 // "-1*" and "*-1" between two values leave both of them.
-void Evaluation::TakeGlued(std::uint32_t token, AbstractValue right) {
+void Evaluation::EvaluateGlued(std::uint32_t token, AbstractValue right) {
   AbstractValue result;
   result.type = OperandType::Number;
   const bool is_behind = right.last < token;  // "(3*-1)": what it negates stands before it
@@ -94,12 +94,12 @@ void Evaluation::TakeGlued(std::uint32_t token, AbstractValue right) {
 
 // The tested value stands before a comma. Where it is missing the two bounds are taken
 // alone, so that what stands before them is reviewed as it was meant.
-void Evaluation::TakeBetween(std::uint32_t token, AbstractValue high) {
+void Evaluation::EvaluateBetween(std::uint32_t token, AbstractValue high) {
   AbstractValue result;
   result.type = OperandType::Logical;
   if (stack_.empty()) return Push(std::move(result), high.first, high.last);
   AbstractValue low = Pop();
-  if (low.misplaced != kNone) return TakeLooseBetween(token, low);
+  if (low.misplaced != kNone) return EvaluateLooseBetween(token, low);
   const bool has_comma = low.first > 0 && source_.Is(low.first - 1, TokenKind::Comma);
   const bool is_tested = !stack_.empty() && has_comma;
   if (!is_tested) {
@@ -128,7 +128,7 @@ void Evaluation::TakeBetween(std::uint32_t token, AbstractValue high) {
 
 // "A + B , 1 BETWEEN 5": outside of a call a comma does not end what stands before it, and
 // B + 1 is the lower bound.
-void Evaluation::TakeLooseBetween(std::uint32_t token, const AbstractValue& low) {
+void Evaluation::EvaluateLooseBetween(std::uint32_t token, const AbstractValue& low) {
   const Segment& segment = source_.SegmentOf(token);
   findings_.Add(Rule::OtherOperands, source_.SpanOf(low.misplaced),
                 {Text(source_.Word(low.misplaced)), TextOf(low)}, BracketedTested(source_, token));
@@ -139,7 +139,7 @@ void Evaluation::TakeLooseBetween(std::uint32_t token, const AbstractValue& low)
   Push(std::move(result), segment.first, segment.last);
 }
 
-void Evaluation::TakeBinary(std::uint32_t token, const Operator* row, AbstractValue right) {
+void Evaluation::EvaluateBinary(std::uint32_t token, const Operator* row, AbstractValue right) {
   if (stack_.empty()) {
     right.is_doubtful = true;
     return Push(std::move(right), right.first, right.last);

@@ -39,7 +39,7 @@ bool AddReference(std::uint64_t& state) {
   state += kReference;
   return true;
 }
-bool TakeReference(std::uint64_t& state) {
+bool DropReference(std::uint64_t& state) {
   state -= kReference;
   return true;
 }
@@ -100,7 +100,7 @@ Pin HandleTable::FindArray(tov_handle handle) {
 }
 
 void HandleTable::Retain(tov_handle handle) { Change(handle, AddReference); }
-void HandleTable::Release(tov_handle handle) { Change(handle, TakeReference); }
+void HandleTable::Release(tov_handle handle) { Change(handle, DropReference); }
 
 void HandleTable::Unpin(Slot& slot) noexcept {
   std::uint64_t state = slot.state.load(std::memory_order_acquire);
@@ -121,7 +121,7 @@ tov_handle HandleTable::Give(const Variant& value, const Ref<Group>& group) {
   const std::lock_guard lock(mutex_);
   if (object)
     if (const tov_handle handle = GiveAgain(object)) return handle;
-  Slot& slot = TakeFreeSlot();
+  Slot& slot = AcquireSlot();
   const std::uint64_t state = slot.state.load(std::memory_order_relaxed);
   const tov_handle handle = (state & ~(kReferences | kPins)) | slot.index;
   try {
@@ -152,7 +152,7 @@ tov_handle HandleTable::GiveAgain(const Object* object) {
   return handle;
 }
 
-Slot& HandleTable::TakeFreeSlot() {
+Slot& HandleTable::AcquireSlot() {
   if (!free_) AddBlock();
   return *std::exchange(free_, free_->next);
 }

@@ -80,7 +80,7 @@ class HandleTable {
   static constexpr std::size_t kBlocks = 26;
 
   Slot* SlotOf(tov_handle handle) const;
-  Slot& TakeFreeSlot();
+  Slot& AcquireSlot();
   void AddBlock();
   tov_handle GiveAgain(const Object* object);
   void Change(tov_handle handle, bool (*change)(std::uint64_t& state));

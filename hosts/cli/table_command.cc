@@ -24,7 +24,7 @@ namespace tovalin::tool {
 namespace {
 
 // Rows are computed in batches of this many.
-constexpr std::size_t kPortion = 512;
+constexpr std::size_t kBatch = 512;
 
 // Dates are told by their form alone, day/month/year or ISO, so that amounts and
 // codes are never taken for one.
@@ -124,7 +124,7 @@ class TableRun {
   }
 
   int Finish() {
-    if (table_) WritePortion();
+    if (table_) WriteBatch();
     writer_.Finish();
     if (failed_cells_ == 0) return kDone;
     std::cerr << failed_cells_ << " celdas con error en " << failed_rows_ << " filas\n";
@@ -155,11 +155,11 @@ class TableRun {
   void HandleData(CsvRow& row) {
     if (rows_.size() == count_) rows_.emplace_back();
     rows_[count_++].swap(row);
-    if (count_ == kPortion) WritePortion();
+    if (count_ == kBatch) WriteBatch();
     progress_.Row();
   }
 
-  void WritePortion() {
+  void WriteBatch() {
     for (std::size_t i = 0; i < table_->Columns(); ++i)
       if (table_->IsRead(i)) ReadColumn(i);
     table_->Compute(count_);
