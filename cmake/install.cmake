@@ -14,7 +14,7 @@ if(TARGET tovalin_tool)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/tests/conformance
           DESTINATION ${CMAKE_INSTALL_DATADIR}/tovalin)
 endif()
-if(TARGET tovalin_tool AND NOT WIN32)
+if(TARGET tovalin_tool AND NOT WIN32 AND NOT CMAKE_CROSSCOMPILING)
   # The tool knows its commands: it writes its page of the manual, and what bash completes.
   set(pages ${PROJECT_BINARY_DIR}/pages)
   add_custom_command(
