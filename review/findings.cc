@@ -143,8 +143,10 @@ void Findings::Sort() {
   };
   std::ranges::stable_sort(list_, {}, key);
   // The check tells some faults twice.
-  const auto repeated = std::ranges::unique(list_, {}, key);
-  list_.erase(repeated.begin(), repeated.end());
+  const auto is_same = [key](const Finding& one, const Finding& other) {
+    return key(one) == key(other);
+  };
+  list_.erase(std::unique(list_.begin(), list_.end(), is_same), list_.end());
 }
 
 Text Shown(TextView text) {

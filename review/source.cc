@@ -154,8 +154,7 @@ std::vector<const Campo*> FormulaVariablesIn(const Surroundings& surroundings,
       variables.push_back(token.record);
   }
   std::ranges::sort(variables, std::less<>());
-  const auto repeated = std::ranges::unique(variables);
-  variables.erase(repeated.begin(), repeated.end());
+  variables.erase(std::unique(variables.begin(), variables.end()), variables.end());
   return variables;
 }
 

@@ -84,7 +84,7 @@ class SectionWriter {
 
   void WritePlaces(std::int64_t from, std::int64_t to) {
     for (std::int64_t place = from - 1; place >= to; --place) {
-      text_ += digits_.At(exponent_ - 1 - place);
+      text_ += static_cast<char16_t>(digits_.At(exponent_ - 1 - place));
       if (section_.grouped && place > 0 && place % 3 == 0)
         text_ += CurrentLocale().thousands_separator;
     }
@@ -99,7 +99,7 @@ class SectionWriter {
   void WriteFraction(std::int64_t places) {
     const std::int64_t end = std::min(fraction_written_ + places, shown_fraction_);
     for (std::int64_t place = fraction_written_; place < end; ++place)
-      text_ += digits_.At(exponent_ + place);
+      text_ += static_cast<char16_t>(digits_.At(exponent_ + place));
     fraction_written_ += places;
   }
 

@@ -325,7 +325,7 @@ TEST_F(CInterface, CallsObjectsOfTheHost) {
     } else if (call.kind == TOV_GET) {
       call.result = tov_text(tag.c_str());
     } else {
-      tag.assign(call.arguments[0].as.utf8, call.arguments[0].length);
+      tag.assign(call.arguments[0].as.utf8, static_cast<std::size_t>(call.arguments[0].length));
     }
   };
   Script services;
