@@ -13,11 +13,14 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 source cmake/build.sh
 
+start=()
 if [[ ${1-} == --runs ]]; then
   effort=(-runs="$2" -seed=1)
   shift 2
   corpus=build-fuzz/corpus-of-runs
   rm -rf "$corpus"
+  # Addresses, too, become parts of inputs.
+  if setarch --addr-no-randomize true 2>/dev/null; then start=(setarch --addr-no-randomize); fi
 else
   effort=(-max_total_time="${1:-30}")
   shift $(($# > 0))
@@ -48,7 +51,7 @@ mkdir -p build-fuzz/failures "$XDG_CONFIG_HOME"
 for target in "${targets[@]}"; do
   echo "== fuzz_$target, ${effort[*]}"
   mkdir -p "$corpus/$target"
-  build-fuzz/tests/fuzz/"fuzz_$target" "${effort[@]}" -timeout=10 \
+  "${start[@]}" build-fuzz/tests/fuzz/"fuzz_$target" "${effort[@]}" -timeout=10 \
     -rss_limit_mb=2048 -max_len=2048 -print_final_stats=1 \
     -artifact_prefix="build-fuzz/failures/$target-" \
     ${dictionary[$target]:+-dict=tests/fuzz/${dictionary[$target]}.dict} \
