@@ -2,7 +2,7 @@
 # Feeds generated inputs to the library, SECONDS (30) for each target, and stops at
 # the first fault. TARGETs are the names behind "fuzz_", all by default.
 #   tests/fuzz/run.sh [SECONDS [TARGET...]]
-# With --runs N in place of SECONDS, N inputs for each target, the same ones every time.
+# With --runs N in place of SECONDS, N inputs for each target, from the same seed.
 #   tests/fuzz/run.sh --runs N [TARGET...]
 #
 # What was found worth keeping is in build-fuzz/corpus/TARGET for the next run. An
@@ -19,7 +19,7 @@ if [[ ${1-} == --runs ]]; then
   shift 2
   corpus=build-fuzz/corpus-of-runs
   rm -rf "$corpus"
-  # Addresses, too, become parts of inputs.
+  # Addresses, too, become parts of inputs: without this no two runs are alike.
   if setarch --addr-no-randomize true 2>/dev/null; then start=(setarch --addr-no-randomize); fi
 else
   effort=(-max_total_time="${1:-30}")
